@@ -1,0 +1,40 @@
+# What every target of the project is built with.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(temz_options INTERFACE)
+target_compile_definitions(temz_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN NOGDI
+  _WIN32_WINNT=0x0601)
+if(MSVC)
+  target_compile_options(temz_options INTERFACE /W4 /WX)
+else()
+  target_compile_options(temz_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+  # The C++ runtime is linked in; the flags of the file header are the linker's default, said anyway.
+  target_link_options(temz_options INTERFACE -static -Wl,--dynamicbase -Wl,--high-entropy-va
+    -Wl,--nxcompat -Wl,--no-insert-timestamp)
+endif()
+
+if(TEMZ_CHECKED)
+  add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error -fstack-protector-strong)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
+  add_link_options(-fstack-protector-strong)
+endif()
+
+# Gives a target a VERSIONINFO resource.
+function(temz_version_resource target file_type description)
+  string(REPLACE "." "," commas ${PROJECT_VERSION})
+  set(version_commas ${commas},0)
+  set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  get_target_property(name ${target} OUTPUT_NAME)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set(file_name ${name}.exe)
+  else()
+    set(file_name ${name}.dll)
+  endif()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
+  target_sources(${target} PRIVATE ${resource})
+endfunction()

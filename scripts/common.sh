@@ -1,0 +1,51 @@
+# Sourced by the other scripts: where things are, and the environment that every Wine process needs.
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+deps=$root/build/deps
+wine_home=$root/build/wine
+
+# Keeps Wine off the user's home and display: no Mono or Gecko dialog, no menu files, no debugger
+# (with it a crash can end in exit status 0), and a locale under which non-ASCII file names work.
+wine_environment() {
+    export WINEPREFIX=$1 HOME=$wine_home/home WINEDEBUG=-all
+    export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d'
+    export LC_ALL=${TEMZ_LOCALE:-C.UTF-8}
+    case $LC_ALL in C.UTF-8) ;; *) export LOCPATH=$deps/locale ;; esac
+    unset DISPLAY WAYLAND_DISPLAY LANG TZ
+}
+
+# Makes the prefix $1 if it isn't there yet: the first one from nothing, later ones by copying it.
+make_prefix() {
+    local prefix=$1 template=$wine_home/template
+    [ -e "$prefix/ready" ] && return
+    if [ ! -e "$template/ready" ]; then
+        rm -rf "$template"
+        mkdir -p "$template" "$wine_home/home"
+        (
+            wine_environment "$template"
+            wineboot -i && wineserver -w
+        ) >"$wine_home/wineboot.log" 2>&1 </dev/null
+        touch "$template/ready"
+    fi
+    rm -rf "$prefix"
+    cp -a "$template" "$prefix"
+}
+
+# Starts the server of the prefix $1 so that it outlives its last process: a server that ends and
+# starts again is a restart of the machine, which carries out delayed replacements.
+start_prefix() {
+    make_prefix "$1"
+    (
+        wine_environment "$1"
+        wineserver -p
+        wine cmd /c exit
+    ) >/dev/null 2>&1 </dev/null
+}
+
+stop_prefix() {
+    [ -d "$1" ] || return 0
+    (
+        wine_environment "$1"
+        wineserver -k
+        wineserver -w
+    ) >/dev/null 2>&1 </dev/null || true
+}

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Installs what building and testing need and brings in the sources of TinyXML. Does nothing where
+# all of it is there already.
+set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+# What each package is for stands in the README.
+packages=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build wine wine64
+    googletest clang clang-format dpkg-dev ca-certificates locales util-linux git)
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+done
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+if [ ${#missing[@]} -gt 0 ]; then
+    echo "Installing: ${missing[*]}"
+    as_root apt-get update
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
+fi
+
+# TinyXML comes as Debian's patched source package. Its archive is the one that this machine's apt
+# already uses: a copy of its configuration asks for sources in place of binaries.
+tinyxml=$deps/tinyxml-2.6.2
+if [ ! -e "$tinyxml/tinyxml.h" ]; then
+    echo "Fetching the source of TinyXML 2.6.2"
+    rm -rf "$deps/apt" "$tinyxml"
+    mkdir -p "$deps/apt/lists/partial" "$deps/apt/parts"
+    cp /etc/apt/sources.list "$deps/apt/sources.list" 2>/dev/null || : >"$deps/apt/sources.list"
+    cp /etc/apt/sources.list.d/*.{list,sources} "$deps/apt/parts" 2>/dev/null || true
+    find "$deps/apt" -name '*.list' -exec sed -i -E '/^deb-src/d; s/^deb([[:space:]])/deb-src\1/' {} +
+    find "$deps/apt" -name '*.sources' -exec sed -i -E 's/^Types:.*/Types: deb-src/' {} +
+    apt_source=(-o "Dir::Etc::sourcelist=$deps/apt/sources.list" -o "Dir::Etc::sourceparts=$deps/apt/parts"
+        -o "Dir::State::Lists=$deps/apt/lists" -o APT::Sandbox::User=root)
+    apt-get "${apt_source[@]}" -qq update
+    (cd "$deps" && apt-get "${apt_source[@]}" -qq source tinyxml >apt/source.log 2>&1) ||
+        { cat "$deps/apt/source.log" >&2; exit 1; }
+    rm -rf "$deps/apt/lists"
+fi
+
+# A Chinese locale of our own, for the tests under code page 936: Wine takes the code page from it.
+locale=$deps/locale/zh_CN.UTF-8
+if [ ! -d "$locale" ]; then
+    mkdir -p "$deps/locale"
+    localedef -i zh_CN -f UTF-8 "$locale"
+fi
+
+make_prefix "$wine_home/slot0"

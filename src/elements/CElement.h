@@ -1,0 +1,103 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "elements/Vocabulary.h"
+#include "elements/raw_installerXML.h"
+
+class CContext;
+class CElement;
+
+/// One resolved attribute.
+struct AttributeRecord {
+    wchar_t name[256] = {};
+    std::wstring value;
+};
+
+/// Fills a record. A null pointer is told in the log; then it ends the process, as a name of 256
+/// characters or more does.
+void fillAttributeRecord(AttributeRecord& record, const wchar_t* name, const wchar_t* valueText);
+
+/// Elements have no virtual destructor: whoever makes one says how its real class is destroyed, and
+/// every owner, by whatever base it holds the element, keeps that.
+struct ElementDeleter {
+    void (*destroy)(CElement*) = nullptr;
+    void operator()(CElement* element) const { destroy(element); }
+};
+using ElementPtr = std::unique_ptr<CElement, ElementDeleter>;
+
+/// The base of everything that an XML element of a script becomes: its name and id, its resolved
+/// attributes, and the link to its parent.
+///
+/// Attributes are settled once, while the element is made: readDeclaredAttributes takes what stands
+/// in its own XML, resolveDerivedAttributes what only an enclosing element has. Afterwards only the
+/// finished texts are asked for. Failures are thrown or handed back as a finished message.
+class CElement {
+public:
+    /// The element of a node. Throws a message when the node has no name.
+    CElement(const XmlHandle& node, CContext& context);
+
+    /// The element that a reference means: the first below the product with this name and `Id`.
+    /// Throws a message when there is none.
+    CElement(const wchar_t* elementName, const wchar_t* elementId, CContext& context);
+
+    CElement(const CElement&) = delete;
+    CElement& operator=(const CElement&) = delete;
+    ~CElement();
+
+    /// Whether references in attribute texts are replaced by their values.
+    virtual bool isExpandable() const { return true; }
+    /// Whether an attribute's text is joined with the parent's.
+    virtual bool isCumulativeAttribute(const wchar_t* attributeName) const;
+    /// Joins a cumulative attribute's text with the parent's. The result is ignored.
+    virtual bool combineWithParent(const std::wstring& parentValue, std::wstring& value) const;
+    /// The attributes that are read from the element's own XML.
+    virtual void getAttributes(std::vector<AttributeDeclaration>& list) const;
+    /// The attributes that are made up, or taken from the parent, when they aren't there yet.
+    virtual void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const;
+    /// Makes up a derived attribute; false when the element has no default for it.
+    virtual bool getDefaultAttribute(AttributeRecord& record, const wchar_t* attributeName) const;
+    /// Copies the attribute of that name; false when the element has none.
+    virtual bool getAttribute(const wchar_t* attributeName, AttributeRecord& record) const;
+
+    /// "(name,id)", which opens most messages.
+    std::wstring describe() const;
+
+    bool readDeclaredAttributes(CContext& context, std::wstring& message);
+    bool resolveDerivedAttributes(CContext& context, std::wstring& message);
+
+    /// Fetches one text for each declaration; a text whose optional attribute is absent stays as it
+    /// is. The outcome goes into the product's errorInfo, which a success empties but for its code.
+    bool getAttributesText(const std::vector<std::wstring*>& texts,
+                           std::span<const AttributeDeclaration> declarations,
+                           CContext& context) const;
+
+    /// Asks the parent for an attribute. A parent that the walk hasn't set is made from the XML.
+    bool getFromParent(AttributeRecord& record, const wchar_t* attributeName, CContext& context,
+                       std::wstring& message);
+
+    /// Overwrites the attribute of that name; false when there is none.
+    bool updateAttribute(const AttributeRecord& record);
+
+    CElement* getParent() const { return parent; }
+    void setParent(CElement* element) { parent = element; }
+
+protected:
+    static void assignDeclarations(std::vector<AttributeDeclaration>& list,
+                                   std::span<const AttributeDeclaration> declarations) {
+        list.assign(declarations.begin(), declarations.end());
+    }
+
+    wchar_t name[256] = {};
+    wchar_t id[256] = {};
+    std::vector<AttributeRecord> attributes;
+    CElement* parent = nullptr;
+    XmlHandlePtr node;
+
+private:
+    ElementPtr parentOnDemand;  // keeps a parent that was made from the XML
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <unordered_map>
+
+#include "elements/raw_installerXML.h"
+
+/// Answers, for one start node, what findElementRecursive answers for the attribute `Id`, without
+/// searching the document again each time: the table of all elements that have one is built at the
+/// first question. Valid as long as the document's elements and their ids stay as they are.
+class CElementIndex {
+public:
+    /// The first element below `start`, in document order, with this name and `Id`; null if none.
+    XmlHandlePtr find(const wchar_t* elementName, const wchar_t* id, const XmlHandle* start);
+
+    void clear();
+
+private:
+    void add(const XmlHandle* parent);
+
+    bool built = false;
+    std::unordered_map<std::wstring, XmlHandle> elements;
+};

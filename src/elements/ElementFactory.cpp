@@ -1,0 +1,185 @@
+#include "elements/ElementFactory.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <iterator>
+#include <new>
+
+#include "elements/CDirectoryElement.h"
+#include "engine/CContext.h"
+#include "engine/CProductElement.h"
+#include "expression/CVariableElement.h"
+#include "motion/CCautionMtElement.h"
+#include "motion/CComponentMtElement.h"
+#include "motion/CFeatureMtElement.h"
+#include "motion/CFileMtElement.h"
+#include "motion/CFragmentMtElement.h"
+#include "motion/CInstallMtElement.h"
+
+namespace {
+
+std::wstring lastCreateError;
+
+template <class Element>
+void destroyElement(CElement* element) {
+    std::default_delete<Element>()(static_cast<Element*>(element));
+}
+
+template <class Element, class Pointer>
+Pointer makeFromNode(const XmlHandle& node, CContext& context) {
+    return Pointer(new Element(node, context), {&destroyElement<Element>});
+}
+
+template <class Element, const ElementKind& kind>
+MotionElementPtr makeByReference(const wchar_t* id, CContext& context) {
+    return MotionElementPtr(new Element(kind.name, id, context), {&destroyElement<Element>});
+}
+
+/// How the elements of one kind are made. One row in one of the tables is all that a new class
+/// needs.
+template <class Pointer>
+struct Maker {
+    const ElementKind* kind;
+    Pointer (*fromNode)(const XmlHandle& node, CContext& context);
+    Pointer (*byReference)(const wchar_t* id, CContext& context) = nullptr;
+};
+
+constexpr Maker<MotionElementPtr> motionMakers[] = {
+    {&installKind, &makeFromNode<CInstallMtElement>},
+    {&fragmentKind, &makeFromNode<CFragmentMtElement>,
+     &makeByReference<CFragmentMtElement, fragmentKind>},
+    {&featureKind, &makeFromNode<CFeatureMtElement>,
+     &makeByReference<CFeatureMtElement, featureKind>},
+    {&componentKind, &makeFromNode<CComponentMtElement>,
+     &makeByReference<CComponentMtElement, componentKind>},
+    {&fileKind, &makeFromNode<CFileMtElement>},
+    {&cautionKind, &makeFromNode<CCautionMtElement>},
+};
+
+constexpr Maker<ElementPtr> lookedUpMakers[] = {
+    {&directoryKind, &makeFromNode<CDirectoryElement>},
+    {&productKind, &makeFromNode<CProductElement>},
+    {&variableKind, &makeFromNode<CVariableElement>},
+    {&variableConstKind, &makeFromNode<CVariableElement>},
+};
+
+template <class Makers>
+auto findMaker(const Makers& makers, const wchar_t* name) {
+    return std::find_if(std::begin(makers), std::end(makers),
+                        [name](const auto& maker) { return wcscmp(maker.kind->name, name) == 0; });
+}
+
+const ReferenceKind* findReference(const wchar_t* name) {
+    for (const ReferenceKind& reference : motionReferences())
+        if (wcscmp(reference.name, name) == 0)
+            return &reference;
+    return nullptr;
+}
+
+/// What both factories share: reads name and `Id` of the node, and turns a thrown message into a
+/// null result. `make` gets both, the `Id` null when there is none.
+template <class Pointer, class Make>
+Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
+    try {
+        if (node == nullptr)
+            throw std::wstring(L"The parameter node is NULL.");
+        const WideText name = getElementName(node);
+        if (!name)
+            throw std::wstring(L"Fail to get element name.");
+        const WideText id = getAttributeCopy(L"Id", node);
+        Pointer element = make(name.get(), id.get());
+        return element;
+    } catch (const std::wstring& message) {
+        lastCreateError = prefix + message;
+        return nullptr;
+    }
+}
+
+template <class Pointer>
+void finish(Pointer* element, CContext& context) {
+    if (element == nullptr || !*element)
+        return;
+    std::wstring message;
+    if ((*element)->readDeclaredAttributes(context, message) &&
+        (*element)->resolveDerivedAttributes(context, message))
+        return;
+    element->reset();
+    throw message;
+}
+
+}  // namespace
+
+ElementPtr CreateElement(const XmlHandle* node, CContext& context) {
+    return makeGuarded<ElementPtr>(L"Create Element error:", node,
+                                   [&](const wchar_t* name, const wchar_t* id) -> ElementPtr {
+                                       ElementPtr element;
+                                       if (const auto maker = findMaker(lookedUpMakers, name);
+                                           maker != std::end(lookedUpMakers))
+                                           element = maker->fromNode(*node, context);
+                                       else if (wcscmp(directoryReference.name, name) == 0)
+                                           element = createDirectoryRefElement(name, id, context);
+                                       finishElement(&element, context);
+                                       if (!element)
+                                           element = CreateMotionElement(node, context, nullptr);
+                                       if (!element)
+                                           throw getLastCreateError();
+                                       return element;
+                                   });
+}
+
+MotionElementPtr CreateMotionElement(const XmlHandle* node, CContext& context, CElement* parent) {
+    return makeGuarded<MotionElementPtr>(
+        L"Create Motion Element error:", node, [&](const wchar_t* name, const wchar_t* id) {
+            MotionElementPtr element;
+            if (const auto maker = findMaker(motionMakers, name); maker != std::end(motionMakers)) {
+                element = maker->fromNode(*node, context);
+                if (parent)
+                    element->setParent(parent);
+            } else if (findReference(name)) {
+                element = createRefMotionElement(name, id, context);
+            } else {
+                throw std::wstring(name) + L" element name is undefined.";
+            }
+            finishElement(&element, context);
+            return element;
+        });
+}
+
+std::wstring getLastCreateError() {
+    return lastCreateError;
+}
+
+MotionElementPtr createRefMotionElement(const wchar_t* elementName, const wchar_t* id,
+                                        CContext& context) {
+    if (elementName == nullptr || id == nullptr)
+        throw std::wstring(L"The name or id is NULL in createRefMotionElement.");
+    const ReferenceKind* reference = findReference(elementName);
+    if (reference == nullptr)
+        throw std::wstring(elementName) + L" element undefined.";
+    try {
+        return findMaker(motionMakers, reference->target->name)->byReference(id, context);
+    } catch (const std::bad_alloc&) {
+        throw std::wstring(L"Insufficient memory.");
+    }
+}
+
+ElementPtr createDirectoryRefElement(const wchar_t* elementName, const wchar_t* id,
+                                     CContext& context) {
+    if (wcscmp(elementName, directoryReference.name) != 0 || id == nullptr)
+        return nullptr;
+    try {
+        return ElementPtr(new CDirectoryElement(directoryReference.target->name, id, context),
+                          {&destroyElement<CDirectoryElement>});
+    } catch (const std::wstring& message) {
+        lastCreateError = message;
+        return nullptr;
+    }
+}
+
+void finishElement(ElementPtr* element, CContext& context) {
+    finish(element, context);
+}
+
+void finishElement(MotionElementPtr* element, CContext& context) {
+    finish(element, context);
+}

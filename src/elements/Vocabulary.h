@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "engine/IterfaceContext.h"
+#include "logging/IterfaceProduct.h"
+
+// The language of install scripts as data: which elements there are, what may stand in them, which
+// attributes they have, and the words with a meaning. All names are exact and case-sensitive.
+
+/// An attribute that an element wants.
+struct AttributeDeclaration {
+    wchar_t name[256];
+    bool required;
+};
+
+/// One kind of element.
+struct ElementKind {
+    const wchar_t* name;    ///< as the script spells it
+    const char* className;  ///< the class that stands for it
+
+    /// Read from the element's own XML.
+    std::span<const AttributeDeclaration> declared = {};
+    /// Taken from the parent when the element itself has none.
+    std::span<const AttributeDeclaration> derived = {};
+    /// What the action asks for when it runs, in the order of its texts.
+    std::span<const AttributeDeclaration> fetched = {};
+    /// The elements that may stand in it.
+    std::span<const wchar_t* const> children = {};
+    /// The actions that it announces.
+    std::span<const ActionCode> actions = {};
+
+    bool allowsChild(const wchar_t* childName) const;
+};
+
+/// An element that stands for the one of another kind that has the same `Id`.
+struct ReferenceKind {
+    const wchar_t* name;
+    const ElementKind* target;
+};
+
+extern const ElementKind installKind;
+extern const ElementKind fragmentKind;
+extern const ElementKind featureKind;
+extern const ElementKind componentKind;
+extern const ElementKind fileKind;
+extern const ElementKind cautionKind;
+extern const ElementKind directoryKind;
+extern const ElementKind productKind;
+extern const ElementKind variableKind;
+extern const ElementKind variableConstKind;
+
+/// The elements that a run executes, and those that are looked up.
+std::span<const ElementKind* const> motionKinds();
+std::span<const ElementKind* const> lookedUpKinds();
+std::span<const ReferenceKind> motionReferences();
+extern const ReferenceKind directoryReference;
+
+/// A value of `On` and the run modes in which it lets an element pass.
+struct OnKeyword {
+    wchar_t word[16];
+    uint32_t modes;  ///< one bit for each, 1 << RunMode
+
+    constexpr bool passesIn(int32_t runMode) const {
+        return runMode >= RUNMODE_INSTALL && runMode <= RUNMODE_UPGRADE && (modes >> runMode & 1);
+    }
+};
+std::span<const OnKeyword> onKeywords();
+
+/// The value that `Vital`, `KillProcess` and `SupportDelayInstall` know; any other means no.
+inline constexpr wchar_t yesKeyword[] = L"yes";
+inline constexpr wchar_t noKeyword[] = L"no";
+
+enum VariableType : int32_t { VARIABLE_UNKNOWN = 0, VARIABLE_STRING = 1, VARIABLE_INT = 2 };
+
+/// A value of `Type` of a variable.
+struct VariableTypeKeyword {
+    wchar_t word[8];
+    VariableType type;
+};
+std::span<const VariableTypeKeyword> variableTypeKeywords();

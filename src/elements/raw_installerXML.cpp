@@ -1,0 +1,234 @@
+#include "elements/raw_installerXML.h"
+
+#include <tinyxml.h>
+
+#include <cstdio>
+#include <cwchar>
+#include <new>
+
+#include "elements/XmlNesting.h"
+
+struct XmlDocument : TiXmlDocument {};
+
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
+
+uint64_t nodesVisited = 0;
+
+/// The one way from a node of the parser to a handle.
+XmlHandlePtr makeHandle(const TiXmlNode* node) {
+    if (node == nullptr)
+        return nullptr;
+    ++nodesVisited;
+    // The parser hands out const nodes of a const document; a handle may be used to set attributes.
+    return XmlHandlePtr(new (std::nothrow) XmlHandle{const_cast<TiXmlNode*>(node)});
+}
+
+const TiXmlNode* nodeOf(const XmlHandle* handle) {
+    return handle ? handle->node : nullptr;
+}
+
+const TiXmlElement* elementOf(const XmlHandle* handle) {
+    const TiXmlNode* node = nodeOf(handle);
+    return node ? node->ToElement() : nullptr;
+}
+
+/// The value of an attribute; null when there is none.
+const char* findAttribute(const XmlHandle* handle, const wchar_t* attributeName) {
+    const NarrowText name = toNarrowText(attributeName);
+    const TiXmlElement* element = elementOf(handle);
+    return name && element ? element->Attribute(name.get()) : nullptr;
+}
+
+bool hasNameAndAttribute(const XmlHandle& handle, const wchar_t* elementName,
+                         const wchar_t* attributeName, const wchar_t* attributeValue) {
+    const WideText name = getElementName(&handle);
+    std::wstring value;
+    return name && wcscmp(name.get(), elementName) == 0 &&
+           getAttributeText(&handle, attributeName, value) && value == attributeValue;
+}
+
+/// The whole file as text; nothing when it can't be read.
+std::unique_ptr<char[]> readAll(std::FILE* file) {
+    std::fseek(file, 0, SEEK_END);
+    const long size = std::ftell(file);
+    if (size <= 0)
+        return nullptr;
+    std::rewind(file);
+    std::unique_ptr<char[]> text(new (std::nothrow) char[static_cast<size_t>(size) + 1]);
+    if (!text || std::fread(text.get(), static_cast<size_t>(size), 1, file) != 1)
+        return nullptr;
+    text[static_cast<size_t>(size)] = '\0';
+    return text;
+}
+
+bool isNestedWithinLimit(std::FILE* file) {
+    const std::unique_ptr<char[]> text = readAll(file);
+    return text && isNestedWithin(text.get(), maxElementDepth);
+}
+
+}  // namespace
+
+void XmlDocumentDeleter::operator()(XmlDocument* document) const {
+    std::default_delete<XmlDocument>()(document);
+}
+
+XmlDocumentPtr makeDocument() {
+    try {
+        return XmlDocumentPtr(std::make_unique<XmlDocument>().release());
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+XmlDocumentPtr openDocument(const wchar_t* fileName) {
+    XmlDocumentPtr document = makeDocument();
+    if (!document || !loadDocument(*document, fileName))
+        return nullptr;
+    return document;
+}
+
+bool loadDocument(XmlDocument& document, const wchar_t* fileName) try {
+    const NarrowText name = toNarrowText(fileName);
+    if (!name)
+        return false;
+    const FilePtr file(std::fopen(name.get(), "rb"));
+    return file && isNestedWithinLimit(file.get()) &&
+           document.LoadFile(file.get(), TIXML_ENCODING_UNKNOWN);
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
+bool parseDocument(XmlDocument& document, const wchar_t* text) try {
+    const NarrowText narrow = toNarrowText(text);
+    if (!narrow || !isNestedWithin(narrow.get(), maxElementDepth))
+        return false;
+    document.Clear();
+    document.ClearError();
+    document.Parse(narrow.get(), nullptr, TIXML_ENCODING_UNKNOWN);
+    return !document.Error();
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
+bool saveDocument(const XmlDocument& document, const wchar_t* fileName) {
+    const NarrowText name = toNarrowText(fileName);
+    return name && document.SaveFile(name.get());
+}
+
+XmlHandlePtr copyHandle(const XmlHandle& handle) {
+    return XmlHandlePtr(new (std::nothrow) XmlHandle(handle));
+}
+
+XmlHandlePtr getRootElement(const XmlDocument& document) {
+    return makeHandle(document.FirstChildElement());
+}
+
+XmlHandlePtr getFirstChildElement(const XmlHandle* handle) {
+    const TiXmlNode* node = nodeOf(handle);
+    return node ? makeHandle(node->FirstChildElement()) : nullptr;
+}
+
+XmlHandlePtr getFirstChildElementNamed(const XmlHandle* handle, const wchar_t* name) {
+    const NarrowText narrow = toNarrowText(name);
+    const TiXmlNode* node = nodeOf(handle);
+    return narrow && node ? makeHandle(node->FirstChildElement(narrow.get())) : nullptr;
+}
+
+XmlHandlePtr getNextSiblingElement(const XmlHandle* handle) {
+    const TiXmlNode* node = nodeOf(handle);
+    return node ? makeHandle(node->NextSiblingElement()) : nullptr;
+}
+
+XmlHandlePtr getNextSiblingElementNamed(const XmlHandle* handle, const wchar_t* name) {
+    const NarrowText narrow = toNarrowText(name);
+    const TiXmlNode* node = nodeOf(handle);
+    return narrow && node ? makeHandle(node->NextSiblingElement(narrow.get())) : nullptr;
+}
+
+size_t countChildElements(const XmlHandle* handle) {
+    size_t count = 0;
+    for (XmlHandlePtr child = getFirstChildElement(handle); child;
+         child = getNextSiblingElement(child.get()))
+        ++count;
+    return count;
+}
+
+XmlHandlePtr getParentNode(const XmlHandle* handle) {
+    const TiXmlNode* node = nodeOf(handle);
+    return node ? makeHandle(node->Parent()) : nullptr;
+}
+
+XmlHandlePtr asElement(const XmlHandle* handle) {
+    return makeHandle(elementOf(handle));
+}
+
+WideText getElementName(const XmlHandle* handle) {
+    const TiXmlElement* element = elementOf(handle);
+    return element ? toWideText(element->Value()) : nullptr;
+}
+
+void getNodeName(const XmlHandle* handle, std::wstring& name) {
+    const TiXmlNode* node = nodeOf(handle);
+    if (const WideText wide = node ? toWideText(node->Value()) : nullptr)
+        name = wide.get();
+}
+
+bool getAttributeText(const XmlHandle* handle, const wchar_t* attributeName, std::wstring& value) {
+    value.clear();
+    const char* narrow = findAttribute(handle, attributeName);
+    if (narrow == nullptr)
+        return false;
+    if (const WideText wide = toWideText(narrow))
+        value = wide.get();
+    return true;
+}
+
+WideText getAttributeCopy(const wchar_t* attributeName, const XmlHandle* handle) {
+    const char* narrow = findAttribute(handle, attributeName);
+    return narrow ? toWideText(narrow) : nullptr;
+}
+
+bool setAttributeText(const XmlHandle* handle, const wchar_t* attributeName, const wchar_t* value) {
+    const NarrowText name = toNarrowText(attributeName);
+    const NarrowText narrow = toNarrowText(value);
+    TiXmlElement* element = handle && handle->node ? handle->node->ToElement() : nullptr;
+    if (!name || !narrow || !element)
+        return false;
+    element->SetAttribute(name.get(), narrow.get());
+    return true;
+}
+
+XmlHandlePtr findElementRecursive(const wchar_t* elementName, const wchar_t* attributeName,
+                                  const wchar_t* attributeValue, const XmlHandle* start) {
+    if (!elementName || !attributeName || !attributeValue || !start)
+        return nullptr;
+    for (XmlHandlePtr child = getFirstChildElement(start); child;
+         child = getNextSiblingElement(child.get())) {
+        if (hasNameAndAttribute(*child, elementName, attributeName, attributeValue))
+            return child;
+        if (XmlHandlePtr found =
+                findElementRecursive(elementName, attributeName, attributeValue, child.get()))
+            return found;
+    }
+    return nullptr;
+}
+
+XmlHandlePtr findChildByAttribute(const wchar_t* elementName, const wchar_t* attributeName,
+                                  const wchar_t* attributeValue, const XmlHandle* parent) {
+    if (!elementName || !attributeName || !attributeValue || !parent)
+        return nullptr;
+    for (XmlHandlePtr child = getFirstChildElement(parent); child;
+         child = getNextSiblingElement(child.get()))
+        if (hasNameAndAttribute(*child, elementName, attributeName, attributeValue))
+            return child;
+    return nullptr;
+}
+
+uint64_t xmlNodesVisited() {
+    return nodesVisited;
+}

@@ -1,0 +1,179 @@
+#include "engine/CContext.h"
+
+#include <cwchar>
+#include <optional>
+
+#include "elements/ElementFactory.h"
+#include "engine/CProductElement.h"
+#include "expression/CIntVariable.h"
+#include "expression/CStringVariable.h"
+#include "expression/CVariableElement.h"
+#include "logging/Log.h"
+#include "system/SystemCalls.h"
+#include "system/SystemFacts.h"
+
+namespace {
+
+struct OsVersion {
+    uint32_t major;
+    uint32_t minor;
+};
+
+/// Asks with the larger of the two version records, and with the smaller where that one fails.
+std::optional<OsVersion> askOsVersion() {
+    OSVERSIONINFOEXW extended{};
+    extended.dwOSVersionInfoSize = sizeof extended;
+    if (systemCalls.GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&extended)))
+        return OsVersion{extended.dwMajorVersion, extended.dwMinorVersion};
+
+    OSVERSIONINFOW plain{};
+    OsVersion version{};
+    if (getOsVersion(version.major, version.minor, plain))
+        return version;
+    return std::nullopt;
+}
+
+}  // namespace
+
+// Left undefined: the run mode is the host's to set.
+CContext::CContext() = default;
+
+CContext::~CContext() {
+    unload();
+}
+
+bool CContext::load(const wchar_t* scriptPath) {
+    if (document) {
+        lastError = L"It have already loaded.";
+        return false;
+    }
+    document = openDocument(scriptPath);
+    if (!document)
+        return false;
+    if (createOsVariables() && createScriptVariables() && createProduct())
+        return true;
+    unload();
+    return false;
+}
+
+bool CContext::unload() {
+    elementIndex.clear();
+    product.reset();
+    variables.clear();
+    document.reset();
+    return true;
+}
+
+IterfaceProduct* CContext::getProduct() {
+    return product.get();
+}
+
+bool CContext::getVariable(std::wstring& value, const wchar_t* name) {
+    const CVariable* variable = findVariable(name);
+    if (variable == nullptr) {
+        lastError = std::wstring(name) + L" variable is no exist.";
+        return false;
+    }
+    try {
+        value = variable->getString();
+        return true;
+    } catch (const std::wstring& message) {
+        lastError = message;
+        return false;
+    }
+}
+
+std::wstring CContext::getReservedText() {
+    return {};
+}
+
+CVariable* CContext::findVariable(const wchar_t* name) const {
+    for (const CVariablePtr& variable : variables)
+        if (wcscmp(variable->getName(), name) == 0)
+            return variable.get();
+    return nullptr;
+}
+
+XmlHandlePtr CContext::findElementById(const wchar_t* elementName, const wchar_t* id) {
+    return product ? elementIndex.find(elementName, id, product->getNode()) : nullptr;
+}
+
+bool CContext::getDirectory(std::wstring& path, const wchar_t* directoryId) {
+    return product && product->getDirectory(path, directoryId, this);
+}
+
+CSubject& CContext::subject() {
+    return *product;
+}
+
+bool CContext::createOsVariables() {
+    variables.push_back(makeVariable<CIntVariable>(L"OS_BIT", isNative64Bit() ? 64 : 32));
+    const std::optional<OsVersion> version = askOsVersion();
+    if (!version) {
+        lastError = L"Can't get OS Version.";
+        return false;
+    }
+    variables.push_back(makeVariable<CIntVariable>(L"OS_MAJOR_VERSION", version->major));
+    variables.push_back(makeVariable<CIntVariable>(L"OS_MINOR_VERSION", version->minor));
+    return true;
+}
+
+bool CContext::createScriptVariables() {
+    const XmlHandlePtr root = getRootElement(*document);
+    for (XmlHandlePtr child = getFirstChildElement(root.get()); child;
+         child = getNextSiblingElement(child.get())) {
+        const WideText name = getElementName(child.get());
+        if (!name)
+            continue;
+        const bool isConst = wcscmp(name.get(), variableConstKind.name) == 0;
+        if ((isConst || wcscmp(name.get(), variableKind.name) == 0) &&
+            !createScriptVariable(*child, isConst))
+            return false;
+    }
+    return true;
+}
+
+bool CContext::createScriptVariable(const XmlHandle& node, bool isConst) {
+    ElementPtr made = CreateElement(&node, *this);
+    if (!made) {
+        lastError = getLastCreateError();
+        return false;
+    }
+    auto* element = static_cast<CVariableElement*>(made.get());
+    switch (element->getVariableType()) {
+        case VARIABLE_STRING:
+            variables.push_back(makeVariable<CStringVariable>(element, isConst));
+            break;
+        case VARIABLE_INT:
+            variables.push_back(makeVariable<CIntVariable>(element, isConst));
+            break;
+        default:
+            writeLog(WARNNING, element->describe(), " unknown variable type.");
+            return true;
+    }
+    // A variable's element stays for good: unload releases the variable alone.
+    made.release();
+    return true;
+}
+
+bool CContext::createProduct() {
+    if (product)
+        return true;
+    const XmlHandlePtr root = getRootElement(*document);
+    if (!root) {
+        lastError = L"There is no root element.";
+        return false;
+    }
+    const XmlHandlePtr node = getFirstChildElementNamed(root.get(), productKind.name);
+    if (!node) {
+        lastError = L"There is no Product element.";
+        return false;
+    }
+    ElementPtr made = CreateElement(node.get(), *this);
+    if (!made) {
+        lastError = getLastCreateError();
+        return false;
+    }
+    product.reset(static_cast<CProductElement*>(made.release()));
+    return true;
+}

@@ -1,0 +1,54 @@
+#include "engine/CProductElement.h"
+
+#include "elements/ElementFactory.h"
+#include "engine/CContext.h"
+#include "motion/CMotionElement.h"
+#include "system/PathText.h"
+#include "system/ShellOperations.h"
+
+int32_t CProductElement::run(IterfaceContext* hostContext) {
+    CContext& context = static_cast<CContext&>(*hostContext);
+    const XmlHandlePtr sequenceNode = getFirstChildElementNamed(node.get(), installKind.name);
+    clearRunState();
+    const MotionElementPtr sequence = CreateMotionElement(sequenceNode.get(), context, nullptr);
+    if (!sequence) {
+        setErrorText(L"Failed to create install element.");
+        return -1;
+    }
+    sequence->setProgressRange(0, 100);
+    return sequence->runElement(context);
+}
+
+bool CProductElement::getDirectory(std::wstring& path, const wchar_t* directoryId,
+                                   IterfaceContext* hostContext) {
+    CContext& context = static_cast<CContext&>(*hostContext);
+    std::wstring error = L"Get directory error:";
+    if (!getSpecialFolder(directoryId, path) && !findDirectory(path, directoryId, context, error)) {
+        setErrorText(error);
+        return false;
+    }
+    if (!path.empty() && !isSeparator(path.back()))
+        path += L'\\';
+    return true;
+}
+
+bool CProductElement::findDirectory(std::wstring& path, const wchar_t* directoryId,
+                                    CContext& context, std::wstring& error) {
+    const XmlHandlePtr found = context.findElementById(directoryKind.name, directoryId);
+    if (!found) {
+        error += std::wstring(L"can't get the ") + directoryId + L" directory";
+        return false;
+    }
+    const ElementPtr directory = CreateElement(found.get(), context);
+    if (!directory) {
+        error += getLastCreateError();
+        return false;
+    }
+    AttributeRecord record;
+    if (!directory->getAttribute(L"Path", record)) {
+        error += directory->describe() + L" element can't get " + L"Path" + L" attribute.";
+        return false;
+    }
+    path = record.value;
+    return true;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "elements/CElement.h"
+#include "logging/CSubject.h"
+
+/// The script element `Product`: where every search by id begins, and, as the subject that the host
+/// drives, the driver of a run. It has no attributes of its own.
+class CProductElement final : public CElement, public CSubject {
+public:
+    using CElement::CElement;
+
+    int32_t run(IterfaceContext* context) override;
+    bool getDirectory(std::wstring& path, const wchar_t* directoryId,
+                      IterfaceContext* context) override;
+
+    const XmlHandle* getNode() const { return node.get(); }
+
+private:
+    bool findDirectory(std::wstring& path, const wchar_t* directoryId, CContext& context,
+                       std::wstring& error);
+};

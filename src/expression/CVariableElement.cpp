@@ -1,0 +1,36 @@
+#include "expression/CVariableElement.h"
+
+namespace {
+
+constexpr wchar_t valueAttribute[] = L"Value";
+
+}  // namespace
+
+void CVariableElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
+    assignDeclarations(list, variableKind.declared);
+}
+
+VariableType CVariableElement::getVariableType() const {
+    AttributeRecord record;
+    if (getAttribute(L"Type", record))
+        for (const VariableTypeKeyword& keyword : variableTypeKeywords())
+            if (record.value == keyword.word)
+                return keyword.type;
+    return VARIABLE_UNKNOWN;
+}
+
+std::wstring CVariableElement::getValueText() const {
+    AttributeRecord record;
+    if (!getAttribute(valueAttribute, record))
+        throw describe() + L" can't get value attribute.";
+    return record.value;
+}
+
+void CVariableElement::setValueText(const std::wstring& text) {
+    AttributeRecord record;
+    if (!getAttribute(valueAttribute, record))
+        return;
+    record.value = text;
+    if (!updateAttribute(record))
+        throw std::wstring(L"failed to update attribute when assignment.");
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "elements/CElement.h"
+
+/// The script elements `Variable` and `VariableConst`. The value of a variable lives here, as the
+/// text of the attribute `Value`; an assignment rewrites that text in memory alone.
+class CVariableElement final : public CElement {
+public:
+    using CElement::CElement;
+
+    /// Texts of a variable stay literal.
+    bool isExpandable() const override { return false; }
+    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
+
+    const wchar_t* getId() const { return id; }
+    VariableType getVariableType() const;
+    /// Throws a message when the element has no `Value`.
+    std::wstring getValueText() const;
+    /// Does nothing when the element has no `Value`. Throws a message when it can't be replaced.
+    void setValueText(const std::wstring& text);
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <type_traits>
+
+class CLogSyn;
+
+/// One message of the log. It is opened at a level by CLogWriter::open, fed like a stream, and
+/// written when it is destroyed, also by an exception that passes through the composing.
+class CLogLine {
+public:
+    CLogLine() = default;
+    CLogLine(const CLogLine&) = delete;
+    CLogLine& operator=(const CLogLine&) = delete;
+    ~CLogLine();
+
+    /// Text that is null, and wide text that the active code page can't take, appends "null".
+    CLogLine& operator<<(const char* text);
+    CLogLine& operator<<(const wchar_t* text);
+    CLogLine& operator<<(const std::wstring& text);
+    CLogLine& operator<<(wchar_t character);
+    CLogLine& operator<<(bool value);
+
+    template <class Integer>
+    requires std::is_integral_v<Integer> CLogLine& operator<<(Integer value) {
+        text << value;
+        return *this;
+    }
+
+private:
+    friend class CLogWriter;
+
+    void write();
+    void appendToFile();
+
+    std::ostringstream text;
+    std::string path;
+    int32_t maxSize = 0;  // bytes
+    std::ofstream file;
+    CLogSyn* lock = nullptr;
+    int32_t threshold = 1;
+    int32_t level = 0;
+};

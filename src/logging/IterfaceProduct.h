@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+class IterfaceContext;
+class IterfaceObserver;
+
+/// What an action does, by the script element that carries it out. The numbers stand in
+/// ActionInfo::code, and in ErrorInfo::code when the action has failed.
+enum ActionCode : uint32_t {
+    ACTION_CONDITION = 2,             ///< Condition: text1 is the expression about to be evaluated
+    ACTION_COPY_FILE = 3,             ///< File, at install and upgrade: text1 is its name
+    ACTION_DELETE_FILE = 4,           ///< File, at uninstall: text1 is its name
+    ACTION_STOP_SERVICE = 5,          ///< ServiceControl
+    ACTION_START_SERVICE = 6,         ///< ServiceControl
+    ACTION_REMOVE_SERVICE = 7,        ///< ServiceControl
+    ACTION_SHORTCUT = 8,              ///< Shortcut
+    ACTION_CUSTOM_ACTION = 10,        ///< CustomAction
+    ACTION_SHELL_EXCUTE = 11,         ///< ShellExcute
+    ACTION_CREATE_REGISTRY_KEY = 12,  ///< RegistryKey
+    ACTION_REMOVE_REGISTRY_KEY = 13,  ///< RegistryKey
+    ACTION_REGISTRY_VALUE = 14,       ///< RegistryValue
+    ACTION_REMOVE_DIRECTORY = 15,     ///< RemoveDirectory: text1 is the path, text2 the title
+    ACTION_CAUTION = 16,              ///< Caution: text1 is empty, text2 what the user should read
+};
+
+/// The value of ErrorInfo::code for a failure that no action caused: `message` alone tells it.
+inline constexpr uint32_t ERROR_CODE_MESSAGE = 1;
+
+/// The action that is about to be carried out.
+struct ActionInfo {
+    uint32_t code;       ///< one of ActionCode, 0 before the first action
+    wchar_t text1[512];  ///< normally the object of the action
+    wchar_t text2[512];  ///< a further text, often empty
+};
+
+/// The last failure. It doesn't tell whether a run has succeeded, which its result alone does: each
+/// element that starts sets `code` to 1 and empties the rest.
+struct ErrorInfo {
+    uint32_t code;         ///< 1 for a failure told by `message` alone, else one of ActionCode
+    wchar_t text1[512];    ///< the object of the failed action
+    wchar_t text2[512];    ///< a further text of the action
+    uint32_t systemError;  ///< the system's error code, 0xFFFFFFFF or 0 when there is none
+    wchar_t message[512];  ///< readable message, cut to fit; may be empty or end in a line end
+};
+
+/// The product of a loaded script: the host runs it, and reads here what it does. It belongs to the
+/// context that handed it out and is gone after IterfaceContext::unload.
+class IterfaceProduct {
+public:
+    virtual ~IterfaceProduct() = default;
+
+    /// Carries out the install sequence of the script in the context's run mode; blocks until it
+    /// has ended. 0 on success; otherwise -1 or the code of the action that failed, with
+    /// `errorInfo` telling what happened. Can be called again.
+    virtual int32_t run(IterfaceContext* context) = 0;
+
+    /// Looks up the place that a folder word or the Id of a `Directory` element names. On success
+    /// `path` ends in a separator, unless it is empty. False, with `errorInfo.message` telling why,
+    /// when there is no such place; `path` may hold what it held before.
+    virtual bool getDirectory(std::wstring& path, const wchar_t* directoryId,
+                              IterfaceContext* context) = 0;
+
+    IterfaceObserver* observer = nullptr;  ///< set and owned by the host; null for none
+    void* observerData = nullptr;          ///< the host's own value, never looked at
+    uint32_t progress = 0;                 ///< percent of the run at the last action, 0 to 100
+    bool rebootRequired = false;  ///< a file waits for the next restart; kept until the next run
+    ActionInfo actionInfo{};      ///< the action that was announced last
+    ErrorInfo errorInfo{};        ///< the last failure
+};

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "motion/CMotionElement.h"
+
+/// The script element `Caution`: passes a text to the host, and does nothing else.
+class CCautionMtElement final : public CMotionElement {
+public:
+    CCautionMtElement(const XmlHandle& node, CContext& context);
+
+    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
+    int32_t execute(CContext& context) override;
+};

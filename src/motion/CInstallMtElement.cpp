@@ -1,0 +1,16 @@
+#include "motion/CInstallMtElement.h"
+
+#include <cwchar>
+
+static_assert(sizeof(CInstallMtElement) == sizeof(CMotionElement));
+
+CInstallMtElement::CInstallMtElement(const XmlHandle& node, CContext& context)
+    : CMotionElement(node, context) {
+    if (wcscmp(name, installKind.name) != 0)
+        throw std::wstring(L"Create element error:") + name + L" element is not " +
+            installKind.name;
+}
+
+bool CInstallMtElement::isChildAllowed(const wchar_t* childName) const {
+    return installKind.allowsChild(childName);
+}

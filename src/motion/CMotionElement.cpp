@@ -1,0 +1,130 @@
+#include "motion/CMotionElement.h"
+
+#include <cwchar>
+
+#include "elements/ElementFactory.h"
+#include "engine/CContext.h"
+#include "logging/CSubject.h"
+#include "logging/IterfaceObserver.h"
+#include "logging/Log.h"
+#include "system/TextFields.h"
+
+int32_t CMotionElement::prepare(bool& descend, CContext&) {
+    descend = true;
+    return 0;
+}
+
+bool CMotionElement::isChildAllowed(const wchar_t*) const {
+    return false;
+}
+
+int32_t CMotionElement::execute(CContext&) {
+    return 0;
+}
+
+int32_t CMotionElement::runElement(CContext& context) {
+    bool descend = false;
+    if (!passesOnFilter(context))
+        return 0;
+    if (const int32_t failure = prepare(descend, context))
+        return failure;
+    if (!descend)
+        return 0;
+    if (const int32_t failure = runChildren(context))
+        return failure;
+    return runAction(context);
+}
+
+bool CMotionElement::passesOnFilter(CContext& context) const {
+    AttributeRecord on;
+    if (!getAttribute(L"On", on) || on.value.empty())
+        return true;
+    for (const OnKeyword& keyword : onKeywords())
+        if (on.value == keyword.word)
+            return keyword.passesIn(context.runMode);
+    writeLog(WARNNING, describe(), " ", on.value, " attribute is unknown.");
+    return false;
+}
+
+int32_t CMotionElement::runChildren(CContext& context) {
+    XmlHandlePtr child = getFirstChildElement(node.get());
+    const auto count = static_cast<float>(countChildElements(node.get()));
+    for (float index = 0; child; child = getNextSiblingElement(child.get()), ++index)
+        if (const int32_t failure = runChild(*child, index, count, context))
+            return failure;
+    return 0;
+}
+
+int32_t CMotionElement::runChild(const XmlHandle& child, float index, float count,
+                                 CContext& context) {
+    const auto fail = [&](const std::wstring& message) {
+        context.subject().setErrorText(message);
+        return -1;
+    };
+    const WideText childName = getElementName(&child);
+    if (!childName || childName[0] == L'\0')
+        return fail(describe() + L" can't get child element name.");
+    if (!isChildAllowed(childName.get()))
+        return fail(describe() + L" has a illegal child element(" + childName.get() + L")");
+    const MotionElementPtr element = CreateMotionElement(&child, context, this);
+    if (!element)
+        return fail(getLastCreateError() + describe() + L" cann't create child element(" +
+                    childName.get() + L")");
+    element->setProgressRange(progressAt(index, count), progressAt(index + 1, count));
+    return element->runElement(context);
+}
+
+// In single precision and in this order: hosts see the rounding.
+uint32_t CMotionElement::progressAt(float index, float count) const {
+    const auto range = static_cast<float>(static_cast<int32_t>(progressTo - progressFrom));
+    return progressFrom + static_cast<uint32_t>(static_cast<int32_t>((index / count) * range));
+}
+
+int32_t CMotionElement::runAction(CContext& context) {
+    for (bool retried = false;;) {
+        const int32_t code = execute(context);
+        if (code == 0)
+            return 0;
+        int32_t answer = ANSWER_IGNORE;
+        if (isVital(context))
+            answer = context.subject().askObserver(&context.subject().errorInfo);
+        else
+            writeLog(WARNNING, "The last error isn't vital - ignore.");
+
+        if (answer == ANSWER_IGNORE)
+            return 0;
+        if (answer == ANSWER_RETRY)
+            retried = true;
+        else if (answer == ANSWER_ABORT || !retried)
+            return code;
+    }
+}
+
+bool CMotionElement::isVital(CContext&) const {
+    AttributeRecord vital;
+    return !getAttribute(L"Vital", vital) || vital.value == yesKeyword;
+}
+
+void CMotionElement::setProgressRange(uint32_t from, uint32_t to) {
+    progressFrom = from;
+    progressTo = to;
+}
+
+void CMotionElement::announce(ActionCode action, const std::wstring& text1,
+                              const std::wstring& text2, CContext& context) const {
+    ActionInfo info{};
+    info.code = action;
+    copyBounded(info.text1, text1.c_str());
+    copyBounded(info.text2, text2.c_str());
+    context.subject().setActionInfo(info, progressFrom);
+}
+
+void CMotionElement::requireActionKind(const ElementKind& kind) const {
+    if (wcscmp(name, kind.name) != 0)
+        throw L"Failed to create element " + describe();
+}
+
+void CMotionElement::requireContainerKind(const ElementKind& kind) const {
+    if (wcscmp(name, kind.name) != 0)
+        throw std::wstring(L"Failed to create element(") + name + L")" + L" in " + kind.name;
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <windows.h>
+
+/// The Win32 calls that read the time or wait; see FileCalls for the use of such a table.
+struct ClockCalls {
+    decltype(&::GetSystemTime) GetSystemTime = ::GetSystemTime;
+    decltype(&::SystemTimeToTzSpecificLocalTime) SystemTimeToTzSpecificLocalTime =
+        ::SystemTimeToTzSpecificLocalTime;
+    decltype(&::Sleep) Sleep = ::Sleep;
+};
+
+inline constinit ClockCalls clockCalls;

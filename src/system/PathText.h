@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "system/TextConversion.h"
+
+/// True for a backslash and a forward slash.
+constexpr bool isSeparator(wchar_t character) {
+    return character == L'\\' || character == L'/';
+}
+
+/// Directory and name with one separator between them; none is added to an empty directory or
+/// behind a separator. Null when either is null or memory is exhausted.
+WideText joinPath(const wchar_t* directory, const wchar_t* name);
+
+/// The text before the last separator, which may be the trailing one. A separator in the very
+/// first place doesn't count. Null when there is none, and when memory is exhausted.
+WideText parentDirectory(const wchar_t* path);
+
+/// Puts the time stamp of this process in front of the last "." of the whole path, or behind a path
+/// without one. All calls of a process use the stamp of the first. A null path counts as empty.
+void makeStampedName(const wchar_t* path, std::wstring& name);
+
+/// Whether two paths are the same text but for case, the kind of separator, and trailing
+/// separators.
+bool samePath(const wchar_t* left, const wchar_t* right);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+
+/// Null-terminated texts on the heap. A null owner stands for "no text".
+using WideText = std::unique_ptr<wchar_t[]>;
+using NarrowText = std::unique_ptr<char[]>;
+
+/// Converts from the active code page (CP_ACP). Null for a null text, a failed conversion and
+/// exhausted memory. When the system can't tell the size, one line with its error code goes to
+/// standard output.
+WideText toWideText(const char* text);
+
+/// Converts to the active code page (CP_ACP). Null for a null text, a failed conversion and
+/// exhausted memory.
+NarrowText toNarrowText(const wchar_t* text);
+
+/// The text as it is after a way through the active code page and back.
+WideText roundTripWideText(const wchar_t* text);
+
+/// Converts from the active code page to UTF-8. The results of the conversions aren't tested: what
+/// can't be converted leaves an empty text. Null for a null text and for exhausted memory.
+NarrowText ansiToUtf8(const char* text);

@@ -1,0 +1,45 @@
+#include "system/TextFields.h"
+
+#include <windows.h>
+
+#include <cwchar>
+
+static_assert(sizeof(wchar_t) == 2, "wide text is UTF-16");
+
+namespace {
+
+constexpr size_t recordTextLength = 512;
+constexpr UINT invalidParameterStatus = 0xC0000417;
+
+}  // namespace
+
+// Not the runtime's own handler: some runtimes only return an error where others end the process.
+void failInvalidParameter() {
+    TerminateProcess(GetCurrentProcess(), invalidParameterStatus);
+    __builtin_trap();
+}
+
+void copyBounded(wchar_t* field, size_t capacity, const wchar_t* text) {
+    if (field == nullptr || text == nullptr)
+        failInvalidParameter();
+    const size_t length = wcsnlen(text, capacity);
+    if (length == capacity)
+        failInvalidParameter();
+    wmemcpy(field, text, length);
+    field[length] = L'\0';
+}
+
+void copyCut(wchar_t* field, size_t capacity, const wchar_t* text) {
+    const size_t length = wcsnlen(text, capacity - 1);
+    wmemcpy(field, text, length);
+    field[length] = L'\0';
+}
+
+void assignText(std::wstring& target, const wchar_t* text) {
+    target = text ? text : L"";
+}
+
+void copyFieldText(wchar_t* target, size_t /*size*/, const wchar_t* text) {
+    if (target && text)
+        copyCut(target, recordTextLength, text);
+}

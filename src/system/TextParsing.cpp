@@ -1,0 +1,77 @@
+#include "system/TextParsing.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <limits>
+#include <new>
+
+namespace {
+
+constexpr int32_t delimiterCount = 4;
+
+bool isDigit(wchar_t character) {
+    return character >= L'0' && character <= L'9';
+}
+
+WideText copyText(const wchar_t* text, size_t length) {
+    WideText copy(new (std::nothrow) wchar_t[length + 1]);
+    if (copy) {
+        wmemcpy(copy.get(), text, length);
+        copy[length] = L'\0';
+    }
+    return copy;
+}
+
+/// The number of the first delimiter that stands at `text`, or -1.
+int32_t delimiterAt(const wchar_t* text, size_t length, const wchar_t* const* delimiters) {
+    for (int32_t number = 0; number < delimiterCount; ++number) {
+        const size_t compared = std::min(length, wcslen(delimiters[number]));
+        if (wmemcmp(text, delimiters[number], compared) == 0)
+            return number;
+    }
+    return -1;
+}
+
+}  // namespace
+
+bool parseIntText(const wchar_t* text, int32_t& value) {
+    if (text == nullptr)
+        return false;
+    const bool negative = *text == L'-';
+    const wchar_t* digits = negative ? text + 1 : text;
+    if (*digits == L'\0' || !std::all_of(digits, digits + wcslen(digits), isDigit))
+        return false;
+
+    using Limits = std::numeric_limits<int32_t>;
+    const int64_t limit = negative ? -int64_t{Limits::min()} : int64_t{Limits::max()};
+    int64_t magnitude = 0;
+    for (; *digits; ++digits)
+        magnitude = std::min(magnitude * 10 + (*digits - L'0'), limit);
+    value = static_cast<int32_t>(negative ? -magnitude : magnitude);
+    return true;
+}
+
+WideText nextPiece(const wchar_t* text, const wchar_t* const* delimiters, size_t /*count*/,
+                   const wchar_t*& rest, int32_t& index) {
+    const wchar_t* source = text ? text : rest;
+    if (source == nullptr || *source == L'\0')
+        return nullptr;
+
+    const size_t length = wcslen(source);
+    size_t position = 0;
+    int32_t found = -1;
+    while (position < length &&
+           (found = delimiterAt(source + position, length - position, delimiters)) < 0)
+        ++position;
+
+    if (position == 0) {
+        const size_t delimiterLength = wcslen(delimiters[found]);
+        const size_t taken = std::min(delimiterLength, length);
+        index = found;
+        rest = source + taken;
+        return copyText(source, taken);
+    }
+    index = -1;
+    rest = position < length ? source + position : nullptr;
+    return copyText(source, position);
+}

@@ -1,0 +1,58 @@
+#include "support/TestFolder.h"
+
+#include <windows.h>
+
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+TestFolder::TestFolder() {
+    // The process id keeps programs apart that run at once, the counter the folders of one program.
+    static int made = 0;
+    root = L"C:\\temz-tests\\" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+           std::to_wstring(made++);
+    fs::remove_all(root);
+    fs::create_directories(root);
+}
+
+TestFolder::~TestFolder() {
+    std::error_code ignored;
+    for (fs::recursive_directory_iterator entry(root, ignored), end; !ignored && entry != end;
+         entry.increment(ignored))
+        SetFileAttributesW(entry->path().c_str(), FILE_ATTRIBUTE_NORMAL);
+    fs::remove_all(root, ignored);
+}
+
+std::wstring TestFolder::path(std::wstring_view name) const {
+    return name.empty() ? root.wstring() : (root / name).make_preferred().wstring();
+}
+
+std::wstring TestFolder::write(std::wstring_view name, std::string_view content) const {
+    const std::wstring file = path(name);
+    fs::create_directories(fs::path(file).parent_path());
+    writeFile(file, content);
+    return file;
+}
+
+std::wstring TestFolder::makeDirectory(std::wstring_view name) const {
+    const std::wstring directory = path(name);
+    fs::create_directories(directory);
+    return directory;
+}
+
+std::string readFile(const std::wstring& path) {
+    std::ifstream file(fs::path(path), std::ios::binary);
+    if (!file)
+        return "<missing>";
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void writeFile(const std::wstring& path, std::string_view content) {
+    std::ofstream(fs::path(path), std::ios::binary) << content;
+}
+
+bool exists(const std::wstring& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
