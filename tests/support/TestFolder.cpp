@@ -8,11 +8,13 @@
 
 namespace fs = std::filesystem;
 
-TestFolder::TestFolder() {
+TestFolder::TestFolder() : TestFolder(L"C:\\temz-tests") {}
+
+TestFolder::TestFolder(const fs::path& parent) {
     // The process id keeps programs apart that run at once, the counter the folders of one program.
     static int made = 0;
-    root = L"C:\\temz-tests\\" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-           std::to_wstring(made++);
+    root = parent /
+           (L"test-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(made++));
     fs::remove_all(root);
     fs::create_directories(root);
 }
@@ -40,6 +42,12 @@ std::wstring TestFolder::makeDirectory(std::wstring_view name) const {
     const std::wstring directory = path(name);
     fs::create_directories(directory);
     return directory;
+}
+
+std::wstring testProgramDirectory() {
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    return fs::path(program).parent_path().wstring();
 }
 
 std::string readFile(const std::wstring& path) {

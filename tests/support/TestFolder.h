@@ -8,6 +8,8 @@
 class TestFolder {
 public:
     TestFolder();
+    /// A folder inside `parent`, for a test that needs it in a certain place.
+    explicit TestFolder(const std::filesystem::path& parent);
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
     ~TestFolder();
@@ -24,6 +26,9 @@ public:
 private:
     std::filesystem::path root;
 };
+
+/// The directory of the running test program, which is the host program in the engine's eyes.
+std::wstring testProgramDirectory();
 
 /// The content of a file; "<missing>" when it can't be opened.
 std::string readFile(const std::wstring& path);
