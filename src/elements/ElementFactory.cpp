@@ -76,18 +76,50 @@ const ReferenceKind* findReference(const wchar_t* name) {
     return nullptr;
 }
 
+/// Making an element can need others: a parent, or a directory that a text refers to. A script in
+/// which they need each other without end, or many times over at each of many levels, must fail and
+/// exhaust neither the stack nor the day. So one element may need only so many, and so deep; when
+/// it needs more, it fails, and with it all that were being made for its sake.
+class MakingScope {
+public:
+    MakingScope() {
+        if (depth++ == 0)
+            made = 0;
+        ++made;
+        if (depth > maxElementDepth)
+            made = maxElements + 1;
+    }
+    MakingScope(const MakingScope&) = delete;
+    MakingScope& operator=(const MakingScope&) = delete;
+    ~MakingScope() { --depth; }
+
+    void check() const {
+        if (made > maxElements)
+            throw std::wstring(L"Elements refer to each other without end.");
+    }
+
+private:
+    static constexpr size_t maxElements = 100'000;
+
+    static inline size_t depth = 0;
+    static inline size_t made = 0;
+};
+
 /// What both factories share: reads name and `Id` of the node, and turns a thrown message into a
 /// null result. `make` gets both, the `Id` null when there is none.
 template <class Pointer, class Make>
 Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
+    const MakingScope scope;
     try {
         if (node == nullptr)
             throw std::wstring(L"The parameter node is NULL.");
+        scope.check();
         const WideText name = getElementName(node);
         if (!name)
             throw std::wstring(L"Fail to get element name.");
         const WideText id = getAttributeCopy(L"Id", node);
         Pointer element = make(name.get(), id.get());
+        scope.check();
         return element;
     } catch (const std::wstring& message) {
         lastCreateError = prefix + message;

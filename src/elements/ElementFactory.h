@@ -4,8 +4,8 @@
 #include <string>
 
 #include "elements/CElement.h"
+#include "motion/CMotionElement.h"
 
-class CMotionElement;
 using MotionElementPtr = std::unique_ptr<CMotionElement, ElementDeleter>;
 
 /// Makes the element of a node, of any kind. Null, with the reason in lastCreateError, when the

@@ -1,0 +1,190 @@
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <new>
+#include <optional>
+
+#include "FailingAllocation.h"
+#include "elements/ElementFactory.h"
+#include "elements/raw_installerXML.h"
+#include "engine/CContext.h"
+#include "logging/Log.h"
+#include "support/LogFile.h"
+#include "support/TestFolder.h"
+#include "system/HexText.h"
+#include "system/PathText.h"
+#include "system/TextConversion.h"
+#include "system/TextParsing.h"
+
+namespace {
+
+constexpr char script[] =
+    "<Root><Variable Id='V' Type='string' Value='v'/><Product>"
+    "<Directory Id='D' Path='C:\\temz-tests'><Component Id='C'/></Directory>"
+    "<InstallExecuteSequence><Feature><ComponentRef Id='C'/></Feature>"
+    "<Fragment><Caution Title='[D]#V'/></Fragment></InstallExecuteSequence></Product></Root>";
+
+TEST(AllocationTest, FactoryGivesNull) {
+    const FailingAllocation failing;
+    EXPECT_EQ(CreateContextObject(), nullptr);
+}
+
+TEST(AllocationTest, TextHelpersGiveNull) {
+    const uint8_t byte = 1;
+    std::unique_ptr<uint8_t[]> bytes;
+    size_t count = 0;
+    const wchar_t* const delimiters[] = {L"=", L"+", L"-", L"*"};
+    const wchar_t* rest = nullptr;
+    int32_t index = 0;
+
+    const FailingAllocation failing;
+
+    EXPECT_EQ(toWideText("a"), nullptr);
+    EXPECT_EQ(toNarrowText(L"a"), nullptr);
+    EXPECT_EQ(roundTripWideText(L"a"), nullptr);
+    EXPECT_EQ(ansiToUtf8("a"), nullptr);
+    EXPECT_EQ(joinPath(L"a", L"b"), nullptr);
+    EXPECT_EQ(parentDirectory(L"a\\b"), nullptr);
+    EXPECT_EQ(bytesToHexText(&byte, 1), nullptr);
+    EXPECT_FALSE(hexTextToBytes("00", bytes, count));
+    EXPECT_EQ(nextPiece(L"a", delimiters, 4, rest, index), nullptr);
+}
+
+TEST(AllocationTest, HandlesAreNull) {
+    const TestFolder folder;
+    const XmlDocumentPtr document = openDocument(folder.write(L"a.xml", script).c_str());
+    const XmlHandlePtr root = getRootElement(*document);
+    const XmlHandlePtr product = getFirstChildElementNamed(root.get(), L"Product");
+
+    const FailingAllocation failing;
+
+    EXPECT_EQ(getRootElement(*document), nullptr);
+    EXPECT_EQ(getFirstChildElement(root.get()), nullptr);
+    EXPECT_EQ(getNextSiblingElement(product.get()), nullptr);
+    EXPECT_EQ(getParentNode(product.get()), nullptr);
+    EXPECT_EQ(asElement(product.get()), nullptr);
+    EXPECT_EQ(copyHandle(*product), nullptr);
+    EXPECT_EQ(getElementName(product.get()), nullptr);
+    EXPECT_EQ(findElementRecursive(L"Directory", L"Id", L"D", root.get()), nullptr);
+}
+
+TEST(AllocationTest, DocumentIsNullWhereverMemoryEnds) {
+    const TestFolder folder;
+    const std::wstring path = folder.write(L"a.xml", script);
+
+    bool failed = true;
+    for (size_t succeeding = 0; failed; ++succeeding) {
+        const FailingAllocation failing(succeeding);
+        const XmlDocumentPtr document = openDocument(path.c_str());
+        failed = failing.hasFailed();
+        EXPECT_EQ(document == nullptr, failed) << succeeding;
+    }
+}
+
+TEST(AllocationTest, ReferenceTellsThatMemoryIsShort) {
+    const TestFolder folder;
+    CContext context;
+    ASSERT_TRUE(context.load(folder.write(L"a.xml", script).c_str()));
+    ASSERT_NE(context.findElementById(L"Component", L"C"), nullptr);
+
+    std::wstring message;
+    try {
+        const FailingAllocation failing(0, 1);
+        createRefMotionElement(L"ComponentRef", L"C", context);
+    } catch (const std::wstring& thrown) {
+        message = thrown;
+    }
+
+    EXPECT_EQ(message, L"Insufficient memory.");
+}
+
+TEST(AllocationTest, LogLineIsLostSilently) {
+    const LogFile log;
+    std::optional<CLogLine> line(std::in_place);
+    logWriter.open(ERROR, *line) << "lost";
+    {
+        const FailingAllocation failing;
+        line.reset();
+    }
+    EXPECT_THAT(log.lines(), testing::IsEmpty());
+}
+
+// Wherever memory ends, a load fails or tells so by std::bad_alloc, and the context can be used on.
+TEST(AllocationTest, ContextSurvivesWhereverMemoryEnds) {
+    const TestFolder folder;
+    const std::wstring path = folder.write(L"a.xml", script);
+    CContext context;
+
+    bool failed = true;
+    for (size_t succeeding = 0; failed; ++succeeding) {
+        bool loaded = false;
+        const FailingAllocation failing(succeeding);
+        try {
+            loaded = context.load(path.c_str());
+            context.runMode = RUNMODE_INSTALL;
+            if (loaded)
+                context.getProduct()->run(&context);
+        } catch (const std::bad_alloc&) {
+        }
+        failed = failing.hasFailed();
+        context.unload();
+    }
+
+    EXPECT_TRUE(context.load(path.c_str()));
+    EXPECT_EQ(context.getProduct()->run(&context), 0);
+}
+
+class LeakTest : public testing::Test {
+protected:
+    /// What each further use of a script leaves allocated.
+    size_t leftBy(const char* xml) {
+        const std::wstring path = folder.write(L"a.xml", xml);
+        use(path);
+        const size_t before = liveAllocations();
+        use(path);
+        return liveAllocations() - before;
+    }
+
+    TestFolder folder;
+
+private:
+    void use(const std::wstring& path) {
+        IterfaceContext* context = CreateContextObject();
+        for (int pass = 0; pass < 2; ++pass) {
+            if (!context->load(path.c_str()))
+                continue;
+            std::wstring directory;
+            context->getProduct()->getDirectory(directory, L"D", context);
+            context->getProduct()->getDirectory(directory, L"absent", context);
+            context->runMode = RUNMODE_INSTALL;
+            context->getProduct()->run(context);
+            context->unload();
+        }
+        FreeContextObject(context);
+    }
+};
+
+// The array that held the variables outlives the context, by design.
+constexpr size_t variableArray = 1;
+
+TEST_F(LeakTest, ScriptLeavesNothing) {
+    EXPECT_EQ(leftBy("<Root><Product><Directory Id='D' Path='C:\\x'><Component Id='C'/></Directory>"
+                     "<InstallExecuteSequence><Feature><ComponentRef Id='C'/></Feature>"
+                     "</InstallExecuteSequence></Product></Root>"),
+              variableArray);
+}
+
+TEST_F(LeakTest, FailedLoadsLeaveNothing) {
+    EXPECT_EQ(leftBy("<Root><Variable Id='V' Type='string'/><Product/></Root>"), variableArray);
+    EXPECT_EQ(leftBy("<Root><Variable Id='V' Type='other' Value=''/></Root>"), variableArray);
+    EXPECT_EQ(leftBy("<Root>"), 0u);
+}
+
+TEST_F(LeakTest, FailedRunsLeaveNothing) {
+    EXPECT_EQ(leftBy("<Root><Product><Directory Id='D' Path='[D]'/><InstallExecuteSequence>"
+                     "<Fragment><Caution Title='[D]'/></Fragment></InstallExecuteSequence>"
+                     "</Product></Root>"),
+              variableArray);
+}
+
+}  // namespace
