@@ -6,7 +6,7 @@
 /// made whenever a path is asked for. Its one attribute, `Path`, is the element's own text behind
 /// the path of the enclosing `Directory`; without a text of its own it is the system's folder that
 /// the id names, or else the enclosing directory's path.
-class CDirectoryElement : public CElement {
+class CDirectoryElement final : public CElement {
 public:
     using CElement::CElement;
 

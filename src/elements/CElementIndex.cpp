@@ -25,7 +25,9 @@ XmlHandlePtr CElementIndex::find(const wchar_t* elementName, const wchar_t* id,
 }
 
 // Gives the storage back too: nothing releases it once the host has freed the context.
-void CElementIndex::clear() { *this = {}; }
+void CElementIndex::clear() {
+    *this = {};
+}
 
 // In the order of the search: each element before its descendants, and of equals the first stays.
 void CElementIndex::add(const XmlHandle* parent) {

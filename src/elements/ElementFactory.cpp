@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <iterator>
 #include <new>
+#include <type_traits>
 
 #include "elements/CDirectoryElement.h"
 #include "engine/CContext.h"
@@ -22,6 +23,7 @@ std::wstring lastCreateError;
 
 template <class Element>
 void destroyElement(CElement* element) {
+    static_assert(std::is_final_v<Element>, "another class behind it would be destroyed wrongly");
     std::default_delete<Element>()(static_cast<Element*>(element));
 }
 
