@@ -10,4 +10,4 @@ struct ClockCalls {
     decltype(&::Sleep) Sleep = ::Sleep;
 };
 
-inline constinit ClockCalls clockCalls;
+inline ClockCalls clockCalls;

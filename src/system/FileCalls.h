@@ -4,6 +4,9 @@
 
 /// The Win32 calls of the file operations. The engine calls through this table, so a test can
 /// replace any single one while all others stay real.
+///
+/// Not every compiler takes the address of an imported function for a constant, so a table may be
+/// filled while the library is loaded: nothing calls through one before that.
 struct FileCalls {
     decltype(&::FindFirstFileW) FindFirstFileW = ::FindFirstFileW;
     decltype(&::FindNextFileW) FindNextFileW = ::FindNextFileW;
@@ -18,4 +21,4 @@ struct FileCalls {
     decltype(&::GetModuleFileNameW) GetModuleFileNameW = ::GetModuleFileNameW;
 };
 
-inline constinit FileCalls fileCalls;
+inline FileCalls fileCalls;

@@ -19,4 +19,4 @@ struct ProcessCalls {
     decltype(&::LocalFree) LocalFree = ::LocalFree;
 };
 
-inline constinit ProcessCalls processCalls;
+inline ProcessCalls processCalls;

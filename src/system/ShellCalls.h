@@ -9,4 +9,4 @@ struct ShellCalls {
     decltype(&::SHGetSpecialFolderPathW) SHGetSpecialFolderPathW = ::SHGetSpecialFolderPathW;
 };
 
-inline constinit ShellCalls shellCalls;
+inline ShellCalls shellCalls;

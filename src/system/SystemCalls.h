@@ -9,4 +9,4 @@ struct SystemCalls {
     decltype(&::GetVersionExW) GetVersionExW = ::GetVersionExW;
 };
 
-inline constinit SystemCalls systemCalls;
+inline SystemCalls systemCalls;

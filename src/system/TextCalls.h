@@ -8,4 +8,4 @@ struct TextCalls {
     decltype(&::WideCharToMultiByte) WideCharToMultiByte = ::WideCharToMultiByte;
 };
 
-inline constinit TextCalls textCalls;
+inline TextCalls textCalls;
