@@ -1,13 +1,18 @@
 #!/usr/bin/env bash
-# Sets up, builds, checks the format and runs all tests.
+# Sets up, checks the format, builds with both compilers, and runs all tests: on what is shipped,
+# and again where undefined behaviour and library misuse stop the program.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 "$root/scripts/setup.sh"
 "$root/scripts/format.sh" --check
 "$root/scripts/build.sh"
-
 cd "$root"
+for preset in checked clang; do
+    [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset"
+    cmake --build --preset "$preset"
+done
+
 slots=$(nproc)
 stop_slots() {
     for ((i = 0; i < slots; i++)); do stop_prefix "$wine_home/slot$i"; done
@@ -16,4 +21,6 @@ trap stop_slots EXIT
 stop_slots
 for ((i = 0; i < slots; i++)); do start_prefix "$wine_home/slot$i"; done
 
-ctest --test-dir build/release --output-on-failure --no-tests=error -j "$slots"
+for preset in release checked; do
+    ctest --test-dir "build/$preset" --output-on-failure --no-tests=error -j "$slots"
+done
