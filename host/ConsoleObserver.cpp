@@ -36,8 +36,8 @@ constexpr size_t barWidth = 30;
 
 /// The action with its texts: "Copying app.exe".
 std::wstring describeAction(uint32_t code, const wchar_t* text1, const wchar_t* text2) {
-    const auto named = std::find_if(std::begin(actionNames), std::end(actionNames),
-                                    [code](const ActionName& name) { return name.code == code; });
+    const auto* named = std::find_if(std::begin(actionNames), std::end(actionNames),
+                                     [code](const ActionName& name) { return name.code == code; });
     std::wstring action =
         named == std::end(actionNames) ? L"Action " + std::to_wstring(code) : named->text;
     for (const wchar_t* text : {text1, text2})

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Sets up, checks the format, builds with both compilers, and runs all tests: on what is shipped,
+# Sets up, checks format and code, builds with both compilers, and runs all tests: on what is shipped,
 # and again where undefined behaviour and library misuse stop the program.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -12,6 +12,8 @@ for preset in checked clang; do
     [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset"
     cmake --build --preset "$preset"
 done
+
+"$root/scripts/lint.sh"
 
 slots=$(nproc)
 stop_slots() {

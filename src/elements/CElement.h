@@ -38,8 +38,8 @@ using ElementPtr = std::unique_ptr<CElement, ElementDeleter>;
 /// finished texts are asked for. Failures are thrown or handed back as a finished message.
 class CElement {
 public:
-    /// The element of a node. Throws a message when the node has no name.
-    CElement(const XmlHandle& node, CContext& context);
+    /// The element of the node `source`. Throws a message when the node has no name.
+    CElement(const XmlHandle& source, CContext& context);
 
     /// The element that a reference means: the first below the product with this name and `Id`.
     /// Throws a message when there is none.

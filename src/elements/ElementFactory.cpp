@@ -138,7 +138,7 @@ void finish(Pointer* element, CContext& context) {
         (*element)->resolveDerivedAttributes(context, message))
         return;
     element->reset();
-    throw message;
+    throw std::wstring(message);
 }
 
 }  // namespace
@@ -147,7 +147,7 @@ ElementPtr CreateElement(const XmlHandle* node, CContext& context) {
     return makeGuarded<ElementPtr>(L"Create Element error:", node,
                                    [&](const wchar_t* name, const wchar_t* id) -> ElementPtr {
                                        ElementPtr element;
-                                       if (const auto maker = findMaker(lookedUpMakers, name);
+                                       if (const auto* maker = findMaker(lookedUpMakers, name);
                                            maker != std::end(lookedUpMakers))
                                            element = maker->fromNode(*node, context);
                                        else if (wcscmp(directoryReference.name, name) == 0)
@@ -165,7 +165,8 @@ MotionElementPtr CreateMotionElement(const XmlHandle* node, CContext& context, C
     return makeGuarded<MotionElementPtr>(
         L"Create Motion Element error:", node, [&](const wchar_t* name, const wchar_t* id) {
             MotionElementPtr element;
-            if (const auto maker = findMaker(motionMakers, name); maker != std::end(motionMakers)) {
+            if (const auto* maker = findMaker(motionMakers, name);
+                maker != std::end(motionMakers)) {
                 element = maker->fromNode(*node, context);
                 if (parent)
                     element->setParent(parent);

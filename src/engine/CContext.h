@@ -44,7 +44,7 @@ private:
     bool createOsVariables();
     bool createScriptVariables();
     bool createProduct();
-    bool createScriptVariable(const XmlHandle& element, bool isConst);
+    bool createScriptVariable(const XmlHandle& node, bool isConst);
 
     XmlDocumentPtr document;
     std::unique_ptr<CProductElement> product;

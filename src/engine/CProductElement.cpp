@@ -7,7 +7,7 @@
 #include "system/ShellOperations.h"
 
 int32_t CProductElement::run(IterfaceContext* hostContext) {
-    CContext& context = static_cast<CContext&>(*hostContext);
+    auto& context = static_cast<CContext&>(*hostContext);
     const XmlHandlePtr sequenceNode = getFirstChildElementNamed(node.get(), installKind.name);
     clearRunState();
     const MotionElementPtr sequence = CreateMotionElement(sequenceNode.get(), context, nullptr);
@@ -21,7 +21,7 @@ int32_t CProductElement::run(IterfaceContext* hostContext) {
 
 bool CProductElement::getDirectory(std::wstring& path, const wchar_t* directoryId,
                                    IterfaceContext* hostContext) {
-    CContext& context = static_cast<CContext&>(*hostContext);
+    auto& context = static_cast<CContext&>(*hostContext);
     std::wstring error = L"Get directory error:";
     if (!getSpecialFolder(directoryId, path) && !findDirectory(path, directoryId, context, error)) {
         setErrorText(error);

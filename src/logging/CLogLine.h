@@ -18,9 +18,9 @@ public:
     ~CLogLine();
 
     /// Text that is null, and wide text that the active code page can't take, appends "null".
-    CLogLine& operator<<(const char* text);
-    CLogLine& operator<<(const wchar_t* text);
-    CLogLine& operator<<(const std::wstring& text);
+    CLogLine& operator<<(const char* narrow);
+    CLogLine& operator<<(const wchar_t* wide);
+    CLogLine& operator<<(const std::wstring& wide);
     CLogLine& operator<<(wchar_t character);
     CLogLine& operator<<(bool value);
 

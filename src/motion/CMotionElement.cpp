@@ -48,14 +48,14 @@ bool CMotionElement::passesOnFilter(CContext& context) const {
 
 int32_t CMotionElement::runChildren(CContext& context) {
     XmlHandlePtr child = getFirstChildElement(node.get());
-    const auto count = static_cast<float>(countChildElements(node.get()));
-    for (float index = 0; child; child = getNextSiblingElement(child.get()), ++index)
+    const size_t count = countChildElements(node.get());
+    for (size_t index = 0; child; child = getNextSiblingElement(child.get()), ++index)
         if (const int32_t failure = runChild(*child, index, count, context))
             return failure;
     return 0;
 }
 
-int32_t CMotionElement::runChild(const XmlHandle& child, float index, float count,
+int32_t CMotionElement::runChild(const XmlHandle& child, size_t index, size_t count,
                                  CContext& context) {
     const auto fail = [&](const std::wstring& message) {
         context.subject().setErrorText(message);
@@ -75,9 +75,10 @@ int32_t CMotionElement::runChild(const XmlHandle& child, float index, float coun
 }
 
 // In single precision and in this order: hosts see the rounding.
-uint32_t CMotionElement::progressAt(float index, float count) const {
+uint32_t CMotionElement::progressAt(size_t index, size_t count) const {
     const auto range = static_cast<float>(static_cast<int32_t>(progressTo - progressFrom));
-    return progressFrom + static_cast<uint32_t>(static_cast<int32_t>((index / count) * range));
+    const float part = static_cast<float>(index) / static_cast<float>(count);
+    return progressFrom + static_cast<uint32_t>(static_cast<int32_t>(part * range));
 }
 
 int32_t CMotionElement::runAction(CContext& context) {

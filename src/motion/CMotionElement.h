@@ -48,6 +48,6 @@ protected:
     uint32_t progressTo = 0;
 
 private:
-    int32_t runChild(const XmlHandle& child, float index, float count, CContext& context);
-    uint32_t progressAt(float index, float count) const;
+    int32_t runChild(const XmlHandle& child, size_t index, size_t count, CContext& context);
+    uint32_t progressAt(size_t index, size_t count) const;
 };
