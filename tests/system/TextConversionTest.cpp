@@ -1,0 +1,135 @@
+#include "system/TextConversion.h"
+
+#include <gtest/gtest.h>
+
+#include "support/FakeCall.h"
+#include "system/TextCalls.h"
+
+namespace {
+
+using FakeToWide = FakeCall<textCalls, &TextCalls::MultiByteToWideChar>;
+using FakeToNarrow = FakeCall<textCalls, &TextCalls::WideCharToMultiByte>;
+
+constexpr UINT westernEuropean = 1252;
+constexpr UINT simplifiedChinese = 936;
+
+/// Makes one code page the active one, whatever the system's is.
+class ActiveCodePage {
+public:
+    explicit ActiveCodePage(UINT active)
+        : toWide([=, this](UINT page, auto... arguments) {
+              return toWide.real(page == CP_ACP ? active : page, arguments...);
+          }),
+          toNarrow([=, this](UINT page, auto... arguments) {
+              return toNarrow.real(page == CP_ACP ? active : page, arguments...);
+          }) {}
+
+private:
+    const FakeToWide toWide;
+    const FakeToNarrow toNarrow;
+};
+
+TEST(ToWideTextTest, ConvertsFromTheActiveCodePage) {
+    const ActiveCodePage chinese(simplifiedChinese);
+
+    EXPECT_STREQ(toWideText("a\xD6\xD0\xCE\xC4z").get(), L"a\u4E2D\u6587z");
+}
+
+TEST(ToWideTextTest, NullGivesNull) {
+    EXPECT_EQ(toWideText(nullptr), nullptr);
+}
+
+TEST(ToWideTextTest, EmptyTextGivesAnEmptyText) {
+    EXPECT_STREQ(toWideText("").get(), L"");
+}
+
+TEST(ToWideTextTest, TellsOnStandardOutputThatThereIsNoSize) {
+    const FakeToWide convert([](auto...) {
+        SetLastError(ERROR_NO_UNICODE_TRANSLATION);
+        return 0;
+    });
+    testing::internal::CaptureStdout();
+
+    EXPECT_EQ(toWideText("a"), nullptr);
+
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "MultiByteToWideChar calc size error=1113\n");
+    EXPECT_EQ(convert.count, 1);
+}
+
+TEST(ToWideTextTest, FailedConversionIsSilentlyNull) {
+    const FakeToWide convert(
+        [](auto, auto, auto, auto, wchar_t* buffer, auto) { return buffer ? 0 : 2; });
+    testing::internal::CaptureStdout();
+
+    EXPECT_EQ(toWideText("a"), nullptr);
+
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(convert.count, 2);
+}
+
+TEST(ToNarrowTextTest, ConvertsToTheActiveCodePage) {
+    const ActiveCodePage chinese(simplifiedChinese);
+
+    EXPECT_STREQ(toNarrowText(L"a\u4E2D\u6587z").get(), "a\xD6\xD0\xCE\xC4z");
+}
+
+TEST(ToNarrowTextTest, NullGivesNull) {
+    EXPECT_EQ(toNarrowText(nullptr), nullptr);
+}
+
+TEST(ToNarrowTextTest, EmptyTextGivesAnEmptyText) {
+    EXPECT_STREQ(toNarrowText(L"").get(), "");
+}
+
+TEST(ToNarrowTextTest, MissingSizeIsSilentlyNull) {
+    const FakeToNarrow convert([](auto...) { return 0; });
+    testing::internal::CaptureStdout();
+
+    EXPECT_EQ(toNarrowText(L"a"), nullptr);
+
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(convert.count, 1);
+}
+
+TEST(ToNarrowTextTest, FailedConversionIsSilentlyNull) {
+    const FakeToNarrow convert(
+        [](auto, auto, auto, auto, char* buffer, auto...) -> int { return buffer ? 0 : 2; });
+    testing::internal::CaptureStdout();
+
+    EXPECT_EQ(toNarrowText(L"a"), nullptr);
+
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(convert.count, 2);
+}
+
+TEST(RoundTripWideTextTest, KeepsWhatTheActiveCodePageHas) {
+    const ActiveCodePage western(westernEuropean);
+
+    EXPECT_STREQ(roundTripWideText(L"Gr\u00FC\u00DFe").get(), L"Gr\u00FC\u00DFe");
+    EXPECT_STREQ(roundTripWideText(L"a\u4E2Dz").get(), L"a?z");
+}
+
+TEST(RoundTripWideTextTest, NullAndAFailureOnTheWayGiveNull) {
+    EXPECT_EQ(roundTripWideText(nullptr), nullptr);
+
+    const FakeToNarrow convert([](auto...) { return 0; });
+    EXPECT_EQ(roundTripWideText(L"a"), nullptr);
+}
+
+TEST(AnsiToUtf8Test, ConvertsFromTheActiveCodePage) {
+    const ActiveCodePage chinese(simplifiedChinese);
+
+    EXPECT_STREQ(ansiToUtf8("a\xD6\xD0\xCE\xC4z").get(), "a\xE4\xB8\xAD\xE6\x96\x87z");
+    EXPECT_STREQ(ansiToUtf8("").get(), "");
+}
+
+TEST(AnsiToUtf8Test, FailedConversionsGiveAnEmptyText) {
+    {
+        const FakeToWide convert([](auto...) { return 0; });
+        EXPECT_STREQ(ansiToUtf8("a").get(), "");
+    }
+    const FakeToNarrow convert([](auto...) { return 0; });
+    EXPECT_STREQ(ansiToUtf8("a").get(), "");
+}
+
+}  // namespace
