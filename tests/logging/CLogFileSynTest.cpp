@@ -4,6 +4,8 @@
 
 #include <thread>
 
+#include "support/VirtualSlot.h"
+
 namespace {
 
 /// Counts up in two threads, under a lock that is taken `depth` times. Gives the sum.
@@ -50,6 +52,11 @@ TEST(CLogSynTest, LetsEveryThreadIn) {
     }).join();
 
     EXPECT_TRUE(entered);
+}
+
+TEST(CLogSynTest, HasTwoVirtualOperations) {
+    EXPECT_EQ(virtualSlot(&CLogSyn::lock), 0u);
+    EXPECT_EQ(virtualSlot(&CLogSyn::unlock), 1u);
 }
 
 }  // namespace
