@@ -1,0 +1,187 @@
+#include "logging/CLogLine.h"
+
+#include <gmock/gmock.h>
+
+#include <barrier>
+#include <iostream>
+#include <limits>
+#include <thread>
+
+#include "logging/Log.h"
+#include "support/FakeCall.h"
+#include "support/LogFile.h"
+#include "support/TestFolder.h"
+#include "system/TextCalls.h"
+
+using testing::ElementsAre;
+using testing::EndsWith;
+
+namespace {
+
+constexpr size_t largestSize = 3145728;
+
+/// The text of a line that is made of the pieces.
+template <class... Pieces>
+std::string written(const Pieces&... pieces) {
+    const LogFile log;
+    writeLog(INFO, pieces...);
+    const std::vector<std::string> lines = log.lines();
+    return lines.empty() ? "<nothing>" : lines.front().substr(strlen("[INFO] "));
+}
+
+TEST(CLogLineTest, AppendsEachKindOfPiece) {
+    EXPECT_EQ(written("narrow"), "narrow");
+    EXPECT_EQ(written(L"wide"), "wide");
+    EXPECT_EQ(written(std::wstring(L"string")), "string");
+    EXPECT_EQ(written(L'w'), "w");
+    EXPECT_EQ(written(true), "true");
+    EXPECT_EQ(written(false), "false");
+    EXPECT_EQ(written(""), "");
+    EXPECT_EQ(written(L"a ", 1, " b ", true, L'.'), "a 1 b true.");
+}
+
+TEST(CLogLineTest, AppendsIntegersInDecimal) {
+    EXPECT_EQ(written(0), "0");
+    EXPECT_EQ(written(std::numeric_limits<int16_t>::min()), "-32768");
+    EXPECT_EQ(written(std::numeric_limits<uint16_t>::max()), "65535");
+    EXPECT_EQ(written(std::numeric_limits<int32_t>::min()), "-2147483648");
+    EXPECT_EQ(written(std::numeric_limits<uint32_t>::max()), "4294967295");
+    EXPECT_EQ(written(DWORD{0xFFFFFFFF}), "4294967295");
+    EXPECT_EQ(written(std::numeric_limits<int64_t>::min()), "-9223372036854775808");
+    EXPECT_EQ(written(std::numeric_limits<uint64_t>::max()), "18446744073709551615");
+}
+
+TEST(CLogLineTest, ConvertsWideTextToTheActiveCodePage) {
+    const wchar_t text[] = L"caf\u00E9 \u4E2D";
+    char narrow[32];
+    WideCharToMultiByte(CP_ACP, 0, text, -1, narrow, sizeof narrow, nullptr, nullptr);
+
+    EXPECT_EQ(written(text), narrow);
+    EXPECT_EQ(written(std::wstring(text)), narrow);
+}
+
+TEST(CLogLineTest, ShowsNullTextAsNull) {
+    EXPECT_EQ(written(static_cast<const char*>(nullptr)), "null");
+    EXPECT_EQ(written(static_cast<const wchar_t*>(nullptr)), "null");
+}
+
+TEST(CLogLineTest, ShowsWideTextThatCannotBeConvertedAsNull) {
+    const FakeCall<textCalls, &TextCalls::WideCharToMultiByte> convert([](auto...) { return 0; });
+
+    EXPECT_EQ(written("(", L"wide", ")"), "(null)");
+    EXPECT_EQ(written(std::wstring(L"string")), "null");
+    EXPECT_EQ(written(L'w'), "null");
+}
+
+TEST(CLogLineTest, InsertionGivesTheVeryLine) {
+    CLogLine line;
+
+    EXPECT_EQ(&(line << "a" << L"b" << std::wstring(L"c") << L'd' << true << 1), &line);
+}
+
+TEST(CLogLineTest, LeavesNoTraceWithoutALog) {
+    const LogFile log;
+    std::ostringstream output;
+    std::streambuf* const screen = std::cout.rdbuf(output.rdbuf());
+    { CLogLine() << "text"; }
+    std::cout.rdbuf(screen);
+
+    EXPECT_FALSE(exists(logPath));
+    EXPECT_EQ(output.str(), "");
+}
+
+TEST(CLogLineTest, IsWrittenAtItsEnd) {
+    const LogFile log;
+    {
+        CLogLine line;
+        logWriter.open(INFO, line) << "text";
+        EXPECT_FALSE(exists(logPath));
+    }
+    EXPECT_THAT(log.lines(), ElementsAre("[INFO] text"));
+}
+
+TEST(CLogLineTest, IsWrittenAsFarAsItWasComposedBeforeAnException) {
+    const LogFile log;
+    try {
+        CLogLine line;
+        logWriter.open(ERROR, line) << "composed";
+        throw std::wstring(L"message");
+    } catch (const std::wstring&) {
+    }
+    EXPECT_THAT(log.lines(), ElementsAre("[ERROR] composed"));
+}
+
+TEST(CLogLineTest, StandsBehindWhatTheFileHolds) {
+    const LogFile log;
+    writeFile(logPath, "earlier\r\n");
+
+    writeLog(INFO, "one");
+    writeLog(INFO, "two");
+
+    EXPECT_THAT(log.lines(), ElementsAre("earlier", "[INFO] one", "[INFO] two"));
+}
+
+TEST(CLogLineTest, IsWrittenToAFileOfExactlyTheLargestSize) {
+    const LogFile log;
+    const std::string earlier(largestSize, 'x');
+    writeFile(logPath, earlier);
+
+    writeLog(INFO, "text");
+
+    const std::string content = readFile(logPath);
+    EXPECT_EQ(content.substr(0, content.find('[')), earlier);
+    EXPECT_THAT(content, EndsWith("] text\r\n"));
+}
+
+TEST(CLogLineTest, IsTheFirstInAFileThatHadGrownPastTheLargestSize) {
+    const LogFile log;
+    writeFile(logPath, std::string(largestSize + 1, 'x'));
+
+    writeLog(INFO, "text");
+
+    EXPECT_THAT(log.lines(), ElementsAre("[INFO] text"));
+}
+
+TEST(CLogLineTest, HoldsNoFileWhileItIsComposed) {
+    const LogFile log;
+    writeLog(INFO, "deleted");
+    {
+        CLogLine line;
+        logWriter.open(INFO, line) << "text";
+        EXPECT_TRUE(DeleteFileW(logPath));
+    }
+    EXPECT_THAT(log.lines(), ElementsAre("[INFO] text"));
+}
+
+TEST(CLogLineTest, IsLostWhileTheFileIsHeldExclusively) {
+    const LogFile log;
+    const HANDLE file = CreateFileW(logPath, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+
+    writeLog(ERROR, "lost");
+    CloseHandle(file);
+    writeLog(ERROR, "kept");
+
+    EXPECT_THAT(log.lines(), ElementsAre("[ERROR] kept"));
+}
+
+// Each of the lines could be the one that empties the file; only the first may.
+TEST(CLogLineTest, IsWrittenByOneThreadAtATime) {
+    constexpr int threadCount = 8;
+    for (int round = 0; round < 10; ++round) {
+        const LogFile log;
+        writeFile(logPath, std::string(largestSize + 1, 'x'));
+        {
+            std::barrier start(threadCount);
+            std::vector<std::jthread> threads;
+            for (int thread = 0; thread < threadCount; ++thread)
+                threads.emplace_back([&] {
+                    start.arrive_and_wait();
+                    writeLog(INFO, "text");
+                });
+        }
+        EXPECT_EQ(log.lines(), std::vector<std::string>(threadCount, "[INFO] text"));
+    }
+}
+
+}  // namespace
