@@ -1,9 +1,17 @@
 #include "elements/XmlNesting.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <optional>
+#include <string_view>
 
 namespace {
+
+/// What the parser takes the bytes of a text for. Until it knows, each byte is a character.
+enum class Encoding { Unknown, Utf8, Bytes };
+
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 
 bool isSpace(char character) {
     return std::isspace(static_cast<unsigned char>(character)) != 0;
@@ -13,97 +21,229 @@ bool isQuote(char character) {
     return character == '"' || character == '\'';
 }
 
-/// An element begins with a letter, an underscore or any byte above ASCII.
+/// A name begins with a letter, an underscore or any byte above ASCII.
 bool startsName(char character) {
     const auto byte = static_cast<unsigned char>(character);
     return byte >= 127 || std::isalpha(byte) != 0 || byte == '_';
 }
 
-/// Reads a text tag by tag with the parser's own idea of where each of them ends.
+bool continuesName(char character) {
+    return startsName(character) || std::isdigit(static_cast<unsigned char>(character)) != 0 ||
+           character == '-' || character == '.' || character == ':';
+}
+
+/// How many bytes a character of UTF-8 has that begins so. Invalid bytes stand for themselves.
+size_t utf8Length(char first) {
+    const auto byte = static_cast<unsigned char>(first);
+    if (byte < 0xC2 || byte > 0xF4)
+        return 1;
+    return byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+}
+
+/// Follows a text in the parser's steps, up to where the parser finds it malformed and gives up:
+/// there a step is false.
 class NestingReader {
 public:
-    explicit NestingReader(const char* text) : position(text) {}
+    explicit NestingReader(const char* text) : position(text) {
+        if (startsWith(byteOrderMark))
+            encoding = Encoding::Utf8;
+    }
 
     bool staysWithin(size_t limit) {
-        for (position = std::strchr(position, '<'); position;
-             position = std::strchr(position, '<')) {
-            if (!skipMarkup() || depth > limit)
-                return false;
-        }
-        return true;
+        while (!refused && deepest <= limit && findMarkup() && skipMarkup())
+            ;
+        return !refused && deepest <= limit;
     }
 
 private:
+    bool startsWith(const char* mark) const {
+        return std::strncmp(position, mark, std::strlen(mark)) == 0;
+    }
+
+    static bool startsWithIgnoringCase(const char* text, const char* mark) {
+        return _strnicmp(text, mark, std::strlen(mark)) == 0;
+    }
+
+    /// Text can stand in front of a markup only inside an element.
+    bool findMarkup() {
+        skipSpace();
+        return depth > 0 ? skipText('<') : *position == '<';
+    }
+
     bool skipMarkup() {
-        if (startsWith("<?xml"))
+        if (startsWithIgnoringCase(position, "<?xml"))
             return skipDeclaration();
         if (startsWith("<!--"))
             return skipBehind("-->", 4);
         if (startsWith("<![CDATA["))
             return skipBehind("]]>", 9);
-        if (startsWith("</"))
-            return skipEndTag();
         if (startsName(position[1]))
             return skipStartTag();
+        if (position[1] == '/' && depth > 0)
+            --depth;
         return skipBehind(">", 1);
     }
 
-    bool startsWith(const char* mark) const {
-        return _strnicmp(position, mark, std::strlen(mark)) == 0;
-    }
-
-    /// Goes behind the next `mark` that begins `offset` or more further on, or to the text's end.
+    /// Goes behind the next `mark` that begins `offset` or more further on.
     bool skipBehind(const char* mark, size_t offset) {
         const char* found = std::strstr(position + offset, mark);
-        position = found ? found + std::strlen(mark) : position + std::strlen(position);
+        if (found == nullptr)
+            return false;
+        position = found + std::strlen(mark);
         return true;
     }
 
-    bool skipEndTag() {
-        position += 2;
-        if (depth > 0)
-            --depth;
-        return true;
-    }
-
-    /// The parser takes a quoted value of a declaration for one only under some names. Whatever
-    /// could end differently in its eyes, blanks and angle brackets within quotes, is refused.
-    bool skipDeclaration() {
-        for (; *position && *position != '>'; ++position) {
-            if (!isQuote(*position))
-                continue;
-            const char quote = *position;
-            do
-                ++position;
-            while (*position && !isQuote(*position) && !isSpace(*position) && *position != '<' &&
-                   *position != '>');
-            if (*position != quote)
+    bool skipStartTag() {
+        deepest = std::max(deepest, ++depth);
+        ++position;
+        skipSpace();
+        if (!skipName())
+            return false;
+        for (skipSpace(); *position != '>'; skipSpace()) {
+            if (skip('/')) {
+                --depth;
+                return skip('>');
+            }
+            if (!readAttribute())
                 return false;
         }
+        return skip('>');
+    }
+
+    /// The parser reads an attribute here under three names only. Of all else, quotes or not, it
+    /// takes what stands up to the next blank.
+    bool skipDeclaration() {
+        std::string_view encodingName;
+        position += std::strlen("<?xml");
+        while (*position && *position != '>') {
+            skipSpace();
+            const bool namesEncoding = startsWithIgnoringCase(position, "encoding");
+            if (namesEncoding || startsWithIgnoringCase(position, "version") ||
+                startsWithIgnoringCase(position, "standalone")) {
+                const auto value = readAttribute();
+                if (!value)
+                    return false;
+                if (namesEncoding)
+                    encodingName = *value;
+            } else {
+                skipWord(">");
+            }
+        }
+        if (depth == 0 && encoding == Encoding::Unknown)
+            setEncoding(encodingName);
+        return skip('>');
+    }
+
+    /// UTF-8 is also what goes without a name. A name spelled with references is for the parser
+    /// alone to read.
+    void setEncoding(std::string_view name) {
+        refused = name.find('&') != name.npos;
+        const bool isUtf8 = name.empty() || startsWithIgnoringCase(name.data(), "UTF-8") ||
+                            startsWithIgnoringCase(name.data(), "UTF8");
+        encoding = isUtf8 ? Encoding::Utf8 : Encoding::Bytes;
+    }
+
+    /// Gives the value of the attribute, which ends at a blank or at the tag's end if no quote
+    /// opens it; nothing when it is malformed.
+    std::optional<std::string_view> readAttribute() {
+        if (!skipName())
+            return std::nullopt;
+        skipSpace();
+        if (!skip('='))
+            return std::nullopt;
+        skipSpace();
+        const char quote = *position;
+        const char* begin = position;
+        if (!isQuote(quote)) {
+            skipWord("/>\"'");
+            return isQuote(*position) ? std::nullopt : valueFrom(begin);
+        }
+        ++position;
+        if (!skipText(quote))
+            return std::nullopt;
+        const auto value = valueFrom(begin + 1);
+        ++position;
+        return value;
+    }
+
+    std::optional<std::string_view> valueFrom(const char* begin) const {
+        return std::string_view(begin, static_cast<size_t>(position - begin));
+    }
+
+    bool skip(char expected) {
+        if (*position != expected)
+            return false;
+        ++position;
         return true;
     }
 
-    /// A quote opens a value only behind an equals sign; anywhere else the tag is malformed.
-    bool skipStartTag() {
-        char previous = *position++;
-        for (; *position && *position != '>'; ++position) {
-            if (isQuote(*position)) {
-                if (previous != '=')
-                    return false;
-                position = std::strchr(position + 1, *position);
-                if (position == nullptr)
-                    return false;
-            }
-            if (!isSpace(*position))
-                previous = *position;
+    bool skipName() {
+        if (!startsName(*position))
+            return false;
+        while (continuesName(*position))
+            ++position;
+        return true;
+    }
+
+    void skipWord(const char* ends) {
+        while (*position && !isSpace(*position) && std::strchr(ends, *position) == nullptr)
+            ++position;
+    }
+
+    /// In UTF-8 a byte order mark is a blank wherever it stands, and so are two that aren't
+    /// characters.
+    void skipSpace() {
+        for (;;) {
+            if (isSpace(*position))
+                ++position;
+            else if (encoding == Encoding::Utf8 &&
+                     (startsWith(byteOrderMark) || startsWith("\xEF\xBF\xBE") ||
+                      startsWith("\xEF\xBF\xBF")))
+                position += 3;
+            else
+                return;
         }
-        if (previous != '/')
-            ++depth;
+    }
+
+    bool skipText(char end) {
+        while (*position && *position != end)
+            if (!skipCharacter())
+                return false;
+        return *position == end;
+    }
+
+    /// The first byte of a character of UTF-8 tells its length, and the parser takes the bytes that
+    /// follow for a part of it whatever they are, marks included.
+    bool skipCharacter() {
+        if (startsWith("&#") && position[2])
+            return skipNumberedReference();
+        for (size_t left = encoding == Encoding::Utf8 ? utf8Length(*position) : 1;
+             left > 0 && *position; --left)
+            ++position;
+        return true;
+    }
+
+    /// The parser looks for the end first and then reads the digits backwards, so that whatever
+    /// stands in front of another "#" or "x" belongs to the reference too.
+    bool skipNumberedReference() {
+        const bool isHexadecimal = position[2] == 'x';
+        const char* end = std::strchr(position + (isHexadecimal ? 3 : 2), ';');
+        if (end == nullptr)
+            return false;
+        for (const char* digit = end - 1; *digit != (isHexadecimal ? 'x' : '#'); --digit) {
+            const auto byte = static_cast<unsigned char>(*digit);
+            if (!(isHexadecimal ? std::isxdigit(byte) : std::isdigit(byte)))
+                return false;
+        }
+        position = end + 1;
         return true;
     }
 
     const char* position;
+    Encoding encoding = Encoding::Unknown;
+    bool refused = false;
     size_t depth = 0;
+    size_t deepest = 0;
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <tinyxml.h>
 
 #include <cstdio>
+#include <cstring>
 #include <cwchar>
 #include <new>
 
@@ -52,23 +53,43 @@ bool hasNameAndAttribute(const XmlHandle& handle, const wchar_t* elementName,
            getAttributeText(&handle, attributeName, value) && value == attributeValue;
 }
 
-/// The whole file as text; nothing when it can't be read.
-std::unique_ptr<char[]> readAll(std::FILE* file) {
+/// The bytes of a file; none when it can't be read.
+std::string readAll(std::FILE* file) {
     std::fseek(file, 0, SEEK_END);
     const long size = std::ftell(file);
     if (size <= 0)
-        return nullptr;
+        return {};
     std::rewind(file);
-    std::unique_ptr<char[]> text(new (std::nothrow) char[static_cast<size_t>(size) + 1]);
-    if (!text || std::fread(text.get(), static_cast<size_t>(size), 1, file) != 1)
-        return nullptr;
-    text[static_cast<size_t>(size)] = '\0';
+    std::string bytes(static_cast<size_t>(size), '\0');
+    if (std::fread(bytes.data(), bytes.size(), 1, file) != 1)
+        return {};
+    return bytes;
+}
+
+/// Every end of a line becomes a line feed, as XML demands it of a file.
+std::string normalizeLineEnds(const std::string& bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        const bool isReturn = bytes[i] == '\r';
+        text += isReturn ? '\n' : bytes[i];
+        if (isReturn && i + 1 < bytes.size() && bytes[i + 1] == '\n')
+            ++i;
+    }
     return text;
 }
 
-bool isNestedWithinLimit(std::FILE* file) {
-    const std::unique_ptr<char[]> text = readAll(file);
-    return text && isNestedWithin(text.get(), maxElementDepth);
+/// Parses the very text whose nesting was tested, which ends at the first NUL.
+bool parse(XmlDocument& document, std::string text) {
+    document.Clear();
+    if (!isNestedWithin(text.c_str(), maxElementDepth))
+        return false;
+    // A character of UTF-8 that is cut off at the end leads the parser up to three bytes beyond it:
+    // it must find more NULs there.
+    text.resize(std::strlen(text.c_str()));
+    text.append(3, '\0');
+    document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    return !document.Error();
 }
 
 }  // namespace
@@ -97,20 +118,14 @@ bool loadDocument(XmlDocument& document, const wchar_t* fileName) try {
     if (!name)
         return false;
     const FilePtr file(std::fopen(name.get(), "rb"));
-    return file && isNestedWithinLimit(file.get()) &&
-           document.LoadFile(file.get(), TIXML_ENCODING_UNKNOWN);
+    return file && parse(document, normalizeLineEnds(readAll(file.get())));
 } catch (const std::bad_alloc&) {
     return false;
 }
 
 bool parseDocument(XmlDocument& document, const wchar_t* text) try {
     const NarrowText narrow = toNarrowText(text);
-    if (!narrow || !isNestedWithin(narrow.get(), maxElementDepth))
-        return false;
-    document.Clear();
-    document.ClearError();
-    document.Parse(narrow.get(), nullptr, TIXML_ENCODING_UNKNOWN);
-    return !document.Error();
+    return narrow && parse(document, narrow.get());
 } catch (const std::bad_alloc&) {
     return false;
 }

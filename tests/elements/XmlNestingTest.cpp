@@ -1,0 +1,352 @@
+#include "elements/XmlNesting.h"
+
+#include <gtest/gtest.h>
+#include <tinyxml.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr size_t unlimited = 1'000'000;
+
+/// `depth` elements in each other, around a content.
+std::string nested(size_t depth, std::string_view content = {}) {
+    std::string text;
+    for (size_t i = 0; i < depth; ++i)
+        text += "<a>";
+    text += content;
+    for (size_t i = 0; i < depth; ++i)
+        text += "</a>";
+    return text;
+}
+
+size_t depthBelow(const TiXmlNode& node) {
+    size_t deepest = 0;
+    for (const TiXmlNode* child = node.FirstChild(); child; child = child->NextSibling())
+        if (child->ToElement())
+            deepest = std::max(deepest, 1 + depthBelow(*child));
+    return deepest;
+}
+
+/// What the parser makes of a text, up to where it gives up.
+struct Parsed {
+    explicit Parsed(std::string text) {
+        text.append(3, '\0');
+        TiXmlDocument document;
+        document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+        depth = depthBelow(document);
+        accepted = depth > 0 && !document.Error();
+    }
+
+    size_t depth;
+    bool accepted;  ///< as a document with a root element
+};
+
+TEST(XmlNestingTest, LimitItselfPassesAndOneLevelMoreDoesNot) {
+    for (const size_t limit : {1u, 2u, 256u}) {
+        SCOPED_TRACE(limit);
+        EXPECT_TRUE(isNestedWithin(nested(limit).c_str(), limit));
+        EXPECT_FALSE(isNestedWithin(nested(limit + 1).c_str(), limit));
+    }
+}
+
+TEST(XmlNestingTest, ElementWithoutContentIsALevelToo) {
+    EXPECT_TRUE(isNestedWithin(nested(255, "<a/>").c_str(), 256));
+    EXPECT_FALSE(isNestedWithin(nested(256, "<a/>").c_str(), 256));
+}
+
+TEST(XmlNestingTest, DepthOfAnyBranchCounts) {
+    EXPECT_FALSE(isNestedWithin("<r><a/><b><c/></b></r>", 2));
+    EXPECT_FALSE(isNestedWithin("<r><b><c/></b><a/></r>", 2));
+    EXPECT_TRUE(isNestedWithin("<r><b><c/></b><b><c/></b></r>", 3));
+}
+
+TEST(XmlNestingTest, MillionsOfLevelsAreNoBurden) {
+    std::string text;
+    for (int i = 0; i < 1'000'000; ++i)
+        text += "<a>";
+    EXPECT_FALSE(isNestedWithin(text.c_str(), 256));
+    EXPECT_TRUE(isNestedWithin(text.c_str(), unlimited));
+}
+
+struct DepthCase {
+    const char* text;
+    size_t depth;
+};
+
+const DepthCase complete[] = {
+    {"<a/>", 1},
+    {"<a><b/></a>", 2},
+    {"<a><b></b><b></b></a>", 2},
+    {"<a/><b><c/></b>", 2},
+    {"<_a><b.c-d:e1/></_a>", 2},
+    {"<\xE4><b/></\xE4>", 2},
+    {"<a ><b /></a >", 2},
+    {"<a\n>text<b\t/>text</a>", 2},
+    // Comments.
+    {"<a><!-- <b><c> --></a>", 1},
+    {"<!-- <a><b> --><a/>", 1},
+    {"<a><!--> <b> --></a>", 1},
+    {"<a><!-- - -- -> <b> --></a>", 1},
+    {"<a><!----><b/></a>", 2},
+    {"<a><!-- </a> --><b/></a>", 2},
+    {"<a><!- <b> --></b></a>", 1},
+    // CDATA. Its keyword is exact.
+    {"<a><![CDATA[<b><c>]]></a>", 1},
+    {"<a><![CDATA[</a>]]><b/></a>", 2},
+    {"<a><![CDATA[]]><b/></a>", 2},
+    {"<a><![CDATA[]>]] ><b>]]></a>", 1},
+    {"<a><![cdata[><b/>]]></a>", 2},
+    // Declarations, and what the parser has no name for.
+    {"<?xml version='1.0'?><a/>", 1},
+    {"<?XML version='1.0'?><a/>", 1},
+    {"<?xml version='<a><b>'?><a/>", 1},
+    {"<?xml version='>' encoding=\"'\" standalone=yes?><a><b/></a>", 2},
+    {"<?xml other='><a/>", 1},
+    {"<?xml other='version='?><a/>", 1},
+    {"<?xml-stylesheet href='a b.xsl'?><a/>", 1},
+    {"<a><?xml version='1.0'?><b/></a>", 2},
+    {"<!DOCTYPE a><a/>", 1},
+    {"<!DOCTYPE \"<a>\n<b><c/></b>", 2},
+    {"<?php '><a/><?'?>", 1},
+    {"< a><b/>", 1},
+    {"<1><b/>", 1},
+    {"</a><b/>", 1},
+    {"</a b=\"><c><d/></c></e f=\">", 2},
+    // Attributes.
+    {"<a b='<c><d>'><e/></a>", 2},
+    {"<a b=\"'>\"><e/></a>", 2},
+    {"<a b='\"/>'><e/></a>", 2},
+    {"<a b = 'c'd\n=\n'e'><f/></a>", 2},
+    {"<a b='/'><c/></a>", 2},
+    {"<a b='c'/>", 1},
+    {"<a b=c><d/></a>", 2},
+    {"<a b=c/>", 1},
+    {"<a b=/>", 1},
+    {"<a b=><c/></a>", 2},
+    {"<a b=<c><d/></a>", 2},
+    // A reference by number reaches up to its semicolon.
+    {"<a b='&lt;&#60;&#x3C;&other;&'><c/></a>", 2},
+    {"<a>&#60;b&#62;&#x3c;&#x3C;&amp;</a>", 1},
+    {"<a>&#x</a>x1;</a>", 1},
+    {"<a>&#</a><b>#1;</a>", 1},
+    {"<a b='&#x' c=x1;'/>", 1},
+    {"<a b='&#x' x1; c=' ><d/></a><!-- ' -->", 2},
+    {"<a>&x;&;&#;</a>", 1},
+    // In UTF-8 a character has the length that its first byte tells.
+    {"<?xml?><a b='\xC3\xA4'>\xE4\xB8\xAD\xF0\x9F\x98\x80<b/></a>", 2},
+    {"<?xml?><a>\xF0</a></a>", 1},
+    {"<?xml?><a>\xE0</a></a>", 1},
+    {"<?xml?><a>\xC2</a></a>", 1},
+    {"<?xml?><a>\xC1</a>", 1},
+    {"<?xml?><a>\xF5</a>", 1},
+    {"<?xml?><a b='\xE0' c=' ><d/></a><!-- ' -->", 2},
+    {"<?xml?><a b='\xE0'><!-- ' ><c/></a><!-- -->", 2},
+    {"\xEF\xBB\xBF<a>\xF0</a></a>", 1},
+    {"<?xml encoding='utf-8'?><a>\xF0</a></a>", 1},
+    {"<?xml encoding='UTF8'?><a>\xF0</a></a>", 1},
+    {"<?xml encoding=UTF-8?><a>\xF0</a></a>", 1},
+    {"<?xml encoding='GBK' encoding=''?><a>\xF0</a></a>", 1},
+    {"<!----><?xml?><a>\xF0</a></a>", 1},
+    {"<?xml?><?xml encoding='GBK'?><a>\xF0</a></a>", 1},
+    {"\xEF\xBB\xBF<?xml encoding='GBK'?><a>\xF0</a></a>", 1},
+    // In any other encoding, and while none is told, it is one byte.
+    {"<a>\xF0</a>", 1},
+    {"<?xml encoding='GBK'?><a b='\xBA\xC3'>\xBA\xC3</a>", 1},
+    {"<?xml encoding='GBK' other='UTF-8'?><a>\xC3</a>", 1},
+    {"<?xml encoding='GBK'?><?xml?><a>\xC3</a>", 1},
+    {"<a><?xml?>\xF0</a>", 1},
+    {"<a>\xF0</a><?xml?><b>\xF0</b></b>", 1},
+    // In UTF-8 three sequences are blanks.
+    {"<?xml?>\xEF\xBB\xBF<a \xEF\xBF\xBE b\xEF\xBB\xBF=\xEF\xBF\xBF'>'><c/></a>", 2},
+    {"<?xml?><a b =\xEF\xBB\xBF'>'\xEF\xBF\xBE/>\xEF\xBF\xBF<c><d/></c>", 2},
+};
+
+const DepthCase broken[] = {
+    // Nothing to parse.
+    {"", 0},
+    {" \n", 0},
+    {"text", 0},
+    {"text<a><b/></a>", 0},
+    {"\xEF\xBB\xBF", 0},
+    {"\xEF\xBB", 0},
+    {"\x01\x7F\x80\xFF<a>", 0},
+    // Cut off in the middle.
+    {"<", 0},
+    {"<?xml", 0},
+    {"<?xml version='", 0},
+    {"<a", 1},
+    {"<a ", 1},
+    {"<a b", 1},
+    {"<a b=", 1},
+    {"<a b='", 1},
+    {"<a b='c", 1},
+    {"<a b='c'", 1},
+    {"<a/", 1},
+    {"<a>", 1},
+    {"<a><", 1},
+    {"<a><b", 2},
+    {"<a><b/>", 2},
+    {"<a></", 1},
+    {"<a></a", 1},
+    {"<a><!-- <b>", 1},
+    {"<a><![CDATA[<b>", 1},
+    {"<a><!DOCTYPE", 1},
+    {"<a>&", 1},
+    {"<a>&#", 1},
+    {"<a>&#x", 1},
+    {"<?xml?><a>\xE4", 1},
+    {"<?xml?><a b='\xF0\x9F", 1},
+    // Malformed before it comes to more.
+    {"<a '><b/></a>", 1},
+    {"<a b><c/></a>", 1},
+    {"<a b'='><c/></a>", 1},
+    {"<a b=c'><d/></a>", 1},
+    {"<a ='b'><c/></a>", 1},
+    {"<a<b/></a>", 1},
+    {"<a / ><b/></a>", 1},
+    {"<a 1='b'><c/></a>", 1},
+    {"<a>&#60<b/></a>", 1},
+    {"<a>&#6A;<b/></a>", 1},
+    {"<a>&#xG;<b/></a>", 1},
+    {"<?xml version?><a/>", 0},
+    {"<?xml encoding=GBK'?><a/>", 0},
+    {"<?xml?><\xEF\xBB\xBF/a><b/>", 1},
+};
+
+void expectDepth(const DepthCase& row) {
+    EXPECT_EQ(Parsed(row.text).depth, row.depth);
+    EXPECT_TRUE(isNestedWithin(row.text, row.depth));
+    EXPECT_FALSE(row.depth > 0 && isNestedWithin(row.text, row.depth - 1));
+}
+
+TEST(XmlNestingTest, CountsTheLevelsThatTheParserMakes) {
+    for (const DepthCase& row : complete) {
+        SCOPED_TRACE(row.text);
+        expectDepth(row);
+    }
+}
+
+TEST(XmlNestingTest, BrokenTextCountsUpToWhereTheParserGivesUp) {
+    for (const DepthCase& row : broken) {
+        SCOPED_TRACE(row.text);
+        expectDepth(row);
+    }
+}
+
+TEST(XmlNestingTest, EncodingNamedByReferencesIsRefused) {
+    EXPECT_FALSE(isNestedWithin("<?xml encoding='&#85;TF-8'?><a/>", unlimited));
+    EXPECT_FALSE(isNestedWithin("<?xml encoding='&#x;'?><a/>", unlimited));
+    EXPECT_TRUE(isNestedWithin("<a><?xml encoding='&#85;TF-8'?></a>", 1));
+}
+
+/// Makes texts out of all that could lead a reader of tags astray; the same ones in every run.
+class TextMaker {
+public:
+    explicit TextMaker(uint32_t seed) : random(seed) {}
+
+    /// Pieces in any order, from which the parser makes sense seldom.
+    std::string jumble() {
+        std::string text = prologue();
+        for (size_t count = random() % 40; count > 0; --count)
+            text += piece();
+        return text;
+    }
+
+    /// A document whose values, texts and comments hold such pieces.
+    std::string document() { return prologue() + element(random() % 12); }
+
+    /// The same with one byte changed.
+    std::string damagedDocument() {
+        std::string text = element(random() % 12);
+        text[random() % text.size()] = piece()[0];
+        return prologue() + text;
+    }
+
+private:
+    std::string pick(std::initializer_list<const char*> choices) {
+        return choices.begin()[random() % choices.size()];
+    }
+
+    std::string prologue() {
+        return pick({"", "", "\xEF\xBB\xBF", "<?xml?>", "<?xml version='1.0'?>",
+                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>", "<?xml encoding='GBK' ?>"});
+    }
+
+    std::string piece() {
+        return pick({"<a>",       "</a>",  "<a",           "/>",      "<",
+                     ">",         "/",     "\"",           "'",       "=",
+                     " b='",      " c=\"", " d=",          "<!--",    "-->",
+                     "<![CDATA[", "]]>",   "<!",           "<?xml",   "?>",
+                     " version=", "UTF-8", " encoding=",   "<?",      "&#",
+                     "#1;",       "&#x",   "x1;",          "&lt;",    "&",
+                     ";",         "text",  "\xEF\xBB\xBF", "\xC3",    "\xE4",
+                     "\xF0",      "\xB8",  "\xFF",         " ",       "\n",
+                     "-",         "]",     "<![cdata[",    "<?XML?>", "</",
+                     "_",         "1"});
+    }
+
+    std::string pieces(std::string_view without) {
+        std::string text;
+        for (size_t count = random() % 8; count > 5; --count)
+            if (const std::string next = piece(); next.find(without) == next.npos)
+                text += next;
+        return text;
+    }
+
+    std::string content(size_t depth) {
+        switch (random() % 5) {
+            case 0:
+                return "<!--" + pieces("-->") + "-->";
+            case 1:
+                return "<![CDATA[" + pieces("]]>") + "]]>";
+            case 2:
+                return pieces("<");
+            default:
+                return depth > 0 ? element(0) : "";
+        }
+    }
+
+    std::string element(size_t depth) {
+        std::string text = "<a";
+        if (random() % 2)
+            text += " b='" + pieces("'") + "'";
+        if (random() % 2)
+            text += " c=\"" + pieces("\"") + "\"";
+        text += ">";
+        for (size_t count = random() % 3; count > 0; --count)
+            text += content(depth);
+        if (depth > 0)
+            text += element(depth - 1);
+        return text + content(depth) + "</a>";
+    }
+
+    std::mt19937 random;
+};
+
+/// No text is nested deeper than the guard says, and none that the parser accepts less deep.
+void expectAgreement(const std::string& text, const Parsed& parsed) {
+    EXPECT_FALSE(parsed.depth > 0 && isNestedWithin(text.c_str(), parsed.depth - 1))
+        << testing::PrintToString(text);
+    EXPECT_TRUE(!parsed.accepted || isNestedWithin(text.c_str(), parsed.depth))
+        << testing::PrintToString(text);
+}
+
+TEST(XmlNestingTest, AgreesWithTheParserOnRandomTexts) {
+    TextMaker maker(20'240'229);
+    size_t deepAndAccepted = 0;
+    for (int i = 0; i < 5'000 && !HasFailure(); ++i) {
+        for (const std::string& text :
+             {maker.jumble(), maker.document(), maker.damagedDocument()}) {
+            const Parsed parsed(text);
+            expectAgreement(text, parsed);
+            deepAndAccepted += parsed.accepted && parsed.depth > 5;
+        }
+    }
+    EXPECT_GT(deepAndAccepted, 1'000u);
+}
+
+}  // namespace
