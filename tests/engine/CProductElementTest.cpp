@@ -1,6 +1,7 @@
 #include "engine/CProductElement.h"
 
 #include <gmock/gmock.h>
+#include <windows.h>
 
 #include "engine/CContext.h"
 #include "expression/CStringVariable.h"
@@ -179,11 +180,11 @@ TEST_F(CProductElementTest, FailingActionGivesItsCodeAndKeepsItsRecord) {
              "<InstallExecuteSequence><Feature><ComponentRef Id='C'/></Feature>"
              "</InstallExecuteSequence></Product></Root>"));
 
-    EXPECT_EQ(run(), 2);
+    EXPECT_EQ(run(), ERROR_FILE_NOT_FOUND);
 
     EXPECT_EQ(product().errorInfo.code, ACTION_COPY_FILE);
     EXPECT_STREQ(product().errorInfo.text1, L"made");
-    EXPECT_EQ(product().errorInfo.systemError, 2u);
+    EXPECT_EQ(product().errorInfo.systemError, uint32_t{ERROR_FILE_NOT_FOUND});
 }
 
 TEST_F(CProductElementTest, SuccessfulRunLeavesAnEmptyMessageUnderCode1) {
