@@ -134,6 +134,33 @@ TEST(AllocationTest, ContextSurvivesWhereverMemoryEnds) {
     EXPECT_EQ(context.getProduct()->run(&context), 0);
 }
 
+// What a host that forgets to unload gets: only the object itself and the long text are released.
+TEST(AllocationTest, FreedContextLeavesItsScriptAllocated) {
+    const TestFolder folder;
+    IterfaceContext* context = CreateContextObject();
+    ASSERT_TRUE(context->load(folder.write(L"a.xml", script).c_str()));
+    context->lastError = L"a text that is too long to be kept within the string itself";
+    const IterfaceProduct* const product = context->getProduct();
+    const size_t before = liveAllocations();
+
+    FreeContextObject(context);
+
+    EXPECT_EQ(before - liveAllocations(), 2u);
+    delete product;
+}
+
+TEST(AllocationTest, DestroyedContextUnloadsItsScript) {
+    const TestFolder folder;
+    const std::wstring path = folder.write(L"a.xml", "<Root><Product><Fragment/></Product></Root>");
+    const size_t before = liveAllocations();
+    {
+        CContext context;
+        ASSERT_TRUE(context.load(path.c_str()));
+        ASSERT_GT(liveAllocations(), before);
+    }
+    EXPECT_EQ(liveAllocations(), before);
+}
+
 class LeakTest : public testing::Test {
 protected:
     /// What each further use of a script leaves allocated.
