@@ -5,6 +5,7 @@
 
 #include "support/HostTest.h"
 #include "support/LockedFile.h"
+#include "support/Restart.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -21,19 +22,6 @@ protected:
 
     bool loadFile(std::string_view content, const std::string& attributes = {}) {
         return load(componentScript(file(L"a.txt", content, attributes)));
-    }
-
-    /// What the system does when it starts.
-    static void restart() {
-        wchar_t command[] = L"wineboot.exe -r";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION process;
-        ASSERT_TRUE(CreateProcessW(L"C:\\windows\\system32\\wineboot.exe", command, nullptr,
-                                   nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
-        EXPECT_EQ(WaitForSingleObject(process.hProcess, 60'000), WAIT_OBJECT_0);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
     }
 
     std::optional<LockedFile> lock;
