@@ -11,7 +11,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/FakeCall.h"
-#include "support/HeldFile.h"
+#include "support/LockedFile.h"
 #include "support/LogFile.h"
 #include "support/TestFolder.h"
 #include "system/FileCalls.h"
@@ -154,10 +154,10 @@ TEST(DeleteFileTest, LeavesTheAttributesOfAWritableFileAlone) {
     EXPECT_EQ(get.count, 0);
 }
 
-TEST(DeleteFileTest, FailsForAHeldFile) {
+TEST(DeleteFileTest, FailsForALockedFile) {
     const TestFolder folder;
     const std::wstring path = folder.write(L"a.txt", "a");
-    const HeldFile held(path);
+    const LockedFile held(path);
 
     EXPECT_EQ(deleteFile(path.c_str()), -1);
 
@@ -274,7 +274,7 @@ TEST_F(CopyFileWithDelayTest, ClearsTheStagingFileBeforeItCopies) {
 
 TEST_F(CopyFileWithDelayTest, StuckStagingFileLeavesSourceAndTargetUntouched) {
     writeFile(staging, "stale");
-    const HeldFile held(staging);
+    const LockedFile held(staging);
     const FakeCopy copy([](auto...) { return answer(ERROR_SUCCESS); });
 
     EXPECT_EQ(copyAtOnce(), -1);
@@ -288,7 +288,7 @@ TEST_F(CopyFileWithDelayTest, StuckStagingFileLeavesSourceAndTargetUntouched) {
 }
 
 TEST_F(CopyFileWithDelayTest, HeldTargetGivesTheErrorWhenNoDelayIsAllowed) {
-    const HeldFile held(target);
+    const LockedFile held(target);
     const FakeMove move([](auto...) { return answer(ERROR_SUCCESS); });
 
     EXPECT_EQ(copyAtOnce(), ERROR_SHARING_VIOLATION);
@@ -306,7 +306,7 @@ TEST_F(CopyFileWithDelayTest, HeldTargetIsReplacedAtTheNextRestart) {
         return answer(ERROR_SUCCESS);
     });
     {
-        const HeldFile held(target);
+        const LockedFile held(target);
         EXPECT_EQ(copyWithDelay(), -2);
     }
     EXPECT_EQ(move.count, 1);
@@ -365,7 +365,7 @@ TEST_F(CopyFileWithDelayTest, FailedCopyWithoutAnErrorIsStillAFailure) {
 }
 
 TEST_F(CopyFileWithDelayTest, TellsThatTheRegistrationWasRefused) {
-    const HeldFile held(target);
+    const LockedFile held(target);
     const FakeMove move([](auto...) { return answer(ERROR_ACCESS_DENIED); });
 
     EXPECT_EQ(copyWithDelay(), ERROR_ACCESS_DENIED);
@@ -374,7 +374,7 @@ TEST_F(CopyFileWithDelayTest, TellsThatTheRegistrationWasRefused) {
 }
 
 TEST_F(CopyFileWithDelayTest, RefusedRegistrationWithoutAnErrorIsStillAFailure) {
-    const HeldFile held(target);
+    const LockedFile held(target);
     const FakeMove move([](auto...) { return failWithoutError(); });
 
     EXPECT_EQ(copyWithDelay(), -1);
@@ -384,7 +384,7 @@ TEST_F(CopyFileWithDelayTest, RefusedRegistrationWithoutAnErrorIsStillAFailure) 
 
 TEST_F(CopyFileWithDelayTest, StagingFileOfARefusedRegistrationStaysUntilTheNextCall) {
     {
-        const HeldFile held(target);
+        const LockedFile held(target);
         const FakeMove move([](auto...) { return answer(ERROR_ACCESS_DENIED); });
         copyWithDelay();
     }
@@ -532,10 +532,10 @@ TEST(RemoveDirectoryTreeTest, FailsWhenTheDirectoryCannotBeListed) {
     }
 }
 
-TEST(RemoveDirectoryTreeTest, HeldFileStaysWithItsDirectoriesAndNothingElse) {
+TEST(RemoveDirectoryTreeTest, LockedFileStaysWithItsDirectoriesAndNothingElse) {
     const TestFolder folder;
     const std::wstring kept = folder.write(L"d\\e\\kept.txt", "k");
-    const HeldFile held(kept);
+    const LockedFile held(kept);
     for (const wchar_t* name :
          {L"d\\a.txt", L"d\\z.txt", L"d\\e\\a.txt", L"d\\e\\z.txt", L"d\\c\\a.txt", L"d\\f\\a.txt"})
         folder.write(name, "x");

@@ -9,7 +9,7 @@
 
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
-#include "support/SleepingProcess.h"
+#include "support/Sleeper.h"
 #include "support/TestFolder.h"
 #include "system/FileOperations.h"
 #include "system/ProcessCalls.h"
@@ -104,7 +104,7 @@ uint32_t found(const std::wstring& path) {
 
 TEST(FindProcessByPathTest, FindsARunningProgram) {
     const TestFolder folder;
-    const SleepingProcess process(folder.path(L"sleeper.exe"));
+    const Sleeper process(folder.path(L"sleeper.exe"));
 
     EXPECT_EQ(found(folder.path(L"sleeper.exe")), process.id());
 }
@@ -118,8 +118,8 @@ TEST(FindProcessByPathTest, FindsNothingWhereNoneRuns) {
 TEST(FindProcessByPathTest, TellsEqualNamesInDifferentDirectoriesApart) {
     const TestFolder folder;
     const TestFolder other;
-    const SleepingProcess first(folder.path(L"sleeper.exe"));
-    const SleepingProcess second(other.path(L"sleeper.exe"));
+    const Sleeper first(folder.path(L"sleeper.exe"));
+    const Sleeper second(other.path(L"sleeper.exe"));
 
     EXPECT_EQ(found(folder.path(L"sleeper.exe")), first.id());
     EXPECT_EQ(found(other.path(L"sleeper.exe")), second.id());
@@ -127,7 +127,7 @@ TEST(FindProcessByPathTest, TellsEqualNamesInDifferentDirectoriesApart) {
 
 TEST(FindProcessByPathTest, IgnoresCase) {
     const TestFolder folder;
-    const SleepingProcess process(folder.path(L"sleeper.exe"));
+    const Sleeper process(folder.path(L"sleeper.exe"));
     std::wstring path = folder.path(L"sleeper.exe");
     std::transform(path.begin(), path.end(), path.begin(), std::towupper);
 
@@ -137,14 +137,14 @@ TEST(FindProcessByPathTest, IgnoresCase) {
 TEST(FindProcessByPathTest, FindsOneOfTwoAndThenTheOther) {
     const TestFolder folder;
     const std::wstring path = folder.path(L"sleeper.exe");
-    const SleepingProcess one(path);
-    const SleepingProcess another(path);
+    const Sleeper one(path);
+    const Sleeper another(path);
 
     const uint32_t first = found(path);
     EXPECT_TRUE(killProcessById(first, 1));
 
-    const SleepingProcess& ended = first == one.id() ? one : another;
-    const SleepingProcess& left = first == one.id() ? another : one;
+    const Sleeper& ended = first == one.id() ? one : another;
+    const Sleeper& left = first == one.id() ? another : one;
     EXPECT_EQ(ended.exitCode(), 0u);
     EXPECT_TRUE(left.isRunning());
     EXPECT_EQ(found(path), left.id());
@@ -243,7 +243,7 @@ TEST(FindProcessByPathTest, OverlongBaseNameEndsTheProcess) {
 
 TEST(GetProcessImagePathTest, GivesTheExecutableWhateverTheCapacity) {
     const TestFolder folder;
-    const SleepingProcess process(folder.path(L"sleeper.exe"));
+    const Sleeper process(folder.path(L"sleeper.exe"));
     wchar_t path[pathBufferLength] = L"";
 
     EXPECT_TRUE(getProcessImagePath(path, 1, process.id()));
@@ -277,7 +277,7 @@ TEST(KillProcessByIdTest, EndsTheProcessWithExitCodeZero) {
     for (const uint32_t ignored : {0, 1, 7}) {
         SCOPED_TRACE(ignored);
         const TestFolder folder;
-        const SleepingProcess process(folder.path(L"sleeper.exe"));
+        const Sleeper process(folder.path(L"sleeper.exe"));
 
         EXPECT_TRUE(killProcessById(process.id(), ignored));
 
