@@ -66,8 +66,14 @@ int runScript(IterfaceContext& context, const CommandLine& command) {
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
-    const auto command = readCommandLine(count, arguments);
+    if (asksForHelp(count, arguments)) {
+        write(Stream::output, usage);
+        return EXIT_DONE;
+    }
+    std::wstring problem;
+    const auto command = readCommandLine(count, arguments, problem);
     if (!command) {
+        reportError(problem);
         write(Stream::error, usage);
         return EXIT_BAD_COMMAND;
     }
