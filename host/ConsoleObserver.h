@@ -40,6 +40,3 @@ private:
     bool userAborted = false;
     bool aborted = false;
 };
-
-/// What failed, on which object, and why, as a sentence.
-std::wstring describeFailure(const ErrorInfo& error);

@@ -11,6 +11,8 @@
 #include "CommandLine.h"
 #include "Console.h"
 #include "ConsoleObserver.h"
+#include "Messages.h"
+#include "ScriptFile.h"
 
 namespace {
 
@@ -36,16 +38,6 @@ using ContextPtr = std::unique_ptr<IterfaceContext, ContextDeleter>;
 
 void reportError(const std::wstring& text) {
     write(Stream::error, L"temz: " + text + L"\n");
-}
-
-/// Whether the script can be opened; the engine doesn't tell that from a script that is no XML.
-bool canOpen(const std::wstring& script) {
-    const HANDLE file = CreateFileW(script.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    CloseHandle(file);
-    return true;
 }
 
 int runScript(IterfaceContext& context, const CommandLine& command) {
@@ -77,8 +69,9 @@ int wmain(int count, wchar_t** arguments) {
         write(Stream::error, usage);
         return EXIT_BAD_COMMAND;
     }
-    if (!canOpen(command->script)) {
-        reportError(command->script + L" can't be opened.");
+    problem = findOpenProblem(command->script);
+    if (!problem.empty()) {
+        reportError(command->script + L" can't be opened: " + problem);
         return EXIT_NOT_OPENED;
     }
     const ContextPtr context(CreateContextObject());
@@ -90,9 +83,7 @@ int wmain(int count, wchar_t** arguments) {
     if (!context->load(command->script.c_str())) {
         const std::wstring reason = context->getLastError();
         reportError(command->script + L" can't be loaded: " +
-                    (reason.empty()
-                         ? L"it is no well-formed XML, or its name isn't in the active code page."
-                         : reason));
+                    (reason.empty() ? L"It is no XML that the engine can read." : reason));
         return EXIT_NOT_LOADED;
     }
     return runScript(*context, *command);
