@@ -48,11 +48,16 @@ int runScript(IterfaceContext& context, const CommandLine& command) {
     product->observer = nullptr;
     observer.finish(result == 0);
 
-    if (result == 0)
-        return product->rebootRequired ? EXIT_RESTART_NEEDED : EXIT_DONE;
-    if (!observer.failureReported())
-        reportError(describeFailure(product->errorInfo));
-    return observer.abortedByUser() ? EXIT_USER_ABORT : EXIT_RUN_FAILED;
+    if (result != 0) {
+        if (!observer.failureReported())
+            reportError(describeFailure(product->errorInfo));
+        return observer.abortedByUser() ? EXIT_USER_ABORT : EXIT_RUN_FAILED;
+    }
+    if (product->rebootRequired) {
+        write(Stream::output, L"Restart the machine to finish.\n");
+        return EXIT_RESTART_NEEDED;
+    }
+    return EXIT_DONE;
 }
 
 }  // namespace
