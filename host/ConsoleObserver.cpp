@@ -10,40 +10,71 @@ namespace {
 
 constexpr size_t barWidth = 30;
 
+/// How many columns a unit of UTF-16 takes on a terminal, roughly: two for most Asian characters,
+/// and for a surrogate pair as a whole.
+size_t columnsOf(wchar_t unit) {
+    constexpr wchar_t firstAsian = 0x2E80;
+    const bool endsPair = unit >= 0xDC00 && unit <= 0xDFFF;
+    return endsPair ? 0 : unit < firstAsian ? 1 : 2;
+}
+
+/// What of a text fits into so many columns of one line, filled up with blanks.
+std::wstring fitted(const std::wstring& text, size_t columns) {
+    std::wstring line;
+    for (const wchar_t unit : text) {
+        if (columnsOf(unit) > columns)
+            break;
+        columns -= columnsOf(unit);
+        line += unit < L' ' ? L' ' : unit;
+    }
+    return line + std::wstring(columns, L' ');
+}
+
 }  // namespace
 
 ConsoleObserver::ConsoleObserver(std::optional<ErrorPolicy> policy)
-    : policy(policy),
-      retriesLeft(policy ? policy->retries : 0),
-      terminal(isTerminal(Stream::output)) {}
+    : policy(policy), terminal(isTerminal(Stream::output)) {}
 
 void ConsoleObserver::update(IterfaceProduct* product) {
     const ActionInfo& info = product->actionInfo;
     const std::wstring action = describeAction(info.code, info.text1, info.text2);
-    if (!std::exchange(retrying, false) && policy)
-        retriesLeft = policy->retries;
+    if (!std::exchange(retrying, false))
+        refillRetries();
     highest = std::max(highest, std::min<unsigned>(product->progress, 100));
-    if (terminal)
+    // The user should read a caution, so the bar doesn't take its line.
+    if (terminal && info.code != ACTION_CAUTION) {
         drawBar(highest, action);
-    else
+    } else {
+        leaveBar();
         write(Stream::output, action + L"\n");
+    }
 }
 
 ObserverAnswer ConsoleObserver::askOnError(ErrorInfo* error) {
     leaveBar();
     write(Stream::error, L"temz: " + describeFailure(*error) + L"\n");
-    const ObserverAnswer answer = policy ? answerByPolicy() : canAsk() ? askUser() : ANSWER_ABORT;
+    // Not every action that fails has been announced.
+    const std::wstring action = describeAction(error->code, error->text1, error->text2);
+    if (std::exchange(failedAction, action) != action)
+        refillRetries();
+    const ObserverAnswer answer = decide();
+    retrying = answer == ANSWER_RETRY;
     aborted = answer == ANSWER_ABORT;
     return answer;
 }
 
-ObserverAnswer ConsoleObserver::answerByPolicy() {
+void ConsoleObserver::refillRetries() {
+    retriesLeft = policy ? policy->retries : 0;
+}
+
+ObserverAnswer ConsoleObserver::decide() {
+    if (!policy)
+        return canAsk() ? askUser() : ANSWER_ABORT;
     if (policy->answer != ANSWER_RETRY)
         return policy->answer;
     if (retriesLeft == 0)
         return ANSWER_ABORT;
     --retriesLeft;
-    retrying = true;
     return ANSWER_RETRY;
 }
 
@@ -72,11 +103,11 @@ void ConsoleObserver::drawBar(unsigned percent, const std::wstring& action) {
     const size_t filled = barWidth * percent / 100;
     std::wstring number = std::to_wstring(percent);
     number.insert(0, 3 - number.size(), L' ');
-    std::wstring line = L"[" + std::wstring(filled, L'#') + std::wstring(barWidth - filled, L'.') +
-                        L"] " + number + L"% " + action;
+    const std::wstring line = L"[" + std::wstring(filled, L'#') +
+                              std::wstring(barWidth - filled, L'.') + L"] " + number + L"% " +
+                              action;
     // The last column stays free, or the terminal would begin a new line.
-    line.resize(terminalWidth() - 1, L' ');
-    write(Stream::output, L"\r" + line);
+    write(Stream::output, L"\r" + fitted(line, terminalWidth() - 1));
     barDrawn = true;
 }
 
