@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <string_view>
 #include <vector>
@@ -9,13 +10,12 @@ const wchar_t usage[] =
     L"\n"
     L"  --on-error   what to do when a vital action fails, in place of asking: end the run, go on\n"
     L"               without the action, or try it again up to N times before the run ends\n"
+    L"  -h, --help   show this text\n"
     L"\n"
     L"Exit codes: 0 done, 3010 done and a restart is needed, 1602 ended by the user, 1603 failed,\n"
     L"1619 script can't be opened, 1620 script can't be loaded, 1639 wrong command line.\n";
 
 namespace {
-
-constexpr size_t retryDigits = 9;  // what surely fits the counter
 
 std::optional<RunMode> readMode(std::wstring_view word) {
     if (word == L"install")
@@ -27,6 +27,15 @@ std::optional<RunMode> readMode(std::wstring_view word) {
     return std::nullopt;
 }
 
+/// A number from 1 on, of no more digits than surely fit.
+std::optional<unsigned> readCount(std::wstring_view word) {
+    constexpr size_t maxDigits = 9;
+    if (word.size() > maxDigits || word.find_first_not_of(L"0123456789") != word.npos)
+        return std::nullopt;
+    const auto number = std::wcstoul(std::wstring(word).c_str(), nullptr, 10);
+    return number > 0 ? std::optional<unsigned>(number) : std::nullopt;
+}
+
 std::optional<ErrorPolicy> readPolicy(std::wstring_view word) {
     constexpr std::wstring_view retry = L"retry:";
     if (word == L"abort")
@@ -35,39 +44,48 @@ std::optional<ErrorPolicy> readPolicy(std::wstring_view word) {
         return ErrorPolicy{ANSWER_IGNORE};
     if (!word.starts_with(retry))
         return std::nullopt;
-    const std::wstring number(word.substr(retry.size()));
-    if (number.empty() || number.size() > retryDigits ||
-        number.find_first_not_of(L"0123456789") != std::wstring::npos)
-        return std::nullopt;
-    return ErrorPolicy{ANSWER_RETRY,
-                       static_cast<unsigned>(std::wcstoul(number.c_str(), nullptr, 10))};
+    const std::optional<unsigned> count = readCount(word.substr(retry.size()));
+    return count ? std::optional(ErrorPolicy{ANSWER_RETRY, *count}) : std::nullopt;
 }
 
 }  // namespace
 
-std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments) {
+std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
+                                           std::wstring& problem) {
+    const auto refuse = [&problem](const std::wstring& reason) {
+        problem = reason;
+        return std::nullopt;
+    };
     constexpr std::wstring_view onError = L"--on-error=";
     CommandLine command;
-    std::vector<std::wstring_view> words;
+    std::vector<std::wstring> words;
     for (int i = 1; i < count; ++i) {
-        const std::wstring_view argument = arguments[i];
-        if (argument.starts_with(onError)) {
-            const auto policy = readPolicy(argument.substr(onError.size()));
-            if (!policy || command.onError)
-                return std::nullopt;
-            command.onError = policy;
-        } else if (argument.starts_with(L"--")) {
-            return std::nullopt;
-        } else {
+        const std::wstring argument = arguments[i];
+        if (!argument.starts_with(L'-'))
             words.push_back(argument);
-        }
+        else if (!argument.starts_with(onError))
+            return refuse(argument + L" is no option.");
+        else if (command.onError)
+            return refuse(L"--on-error stands twice.");
+        else if (!(command.onError = readPolicy(argument.substr(onError.size()))))
+            return refuse(argument + L" is none of abort, ignore and retry:N.");
     }
-    if (words.size() != 2 || words[1].empty())
-        return std::nullopt;
+    if (words.empty())
+        return refuse(L"The mode is missing.");
     const std::optional<RunMode> mode = readMode(words[0]);
     if (!mode)
-        return std::nullopt;
+        return refuse(words[0] + L" is no mode.");
+    if (words.size() == 1 || words[1].empty())
+        return refuse(L"The script is missing.");
+    if (words.size() > 2)
+        return refuse(words[2] + L" is one argument too many.");
     command.mode = *mode;
     command.script = words[1];
     return command;
+}
+
+bool asksForHelp(int count, const wchar_t* const* arguments) {
+    return std::any_of(arguments, arguments + count, [](const std::wstring_view argument) {
+        return argument == L"-h" || argument == L"--help";
+    });
 }

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-/// What is done about a vital failure when there is nobody to ask.
+/// What is done about a vital failure when nobody is asked.
 struct ErrorPolicy {
     ObserverAnswer answer = ANSWER_ABORT;
     unsigned retries = 0;  ///< with ANSWER_RETRY: attempts after the first, then the run is aborted
@@ -20,7 +20,11 @@ struct CommandLine {
 };
 
 /// Reads `install|uninstall|upgrade SCRIPT [--on-error=abort|ignore|retry:N]`, where the option may
-/// stand anywhere. Nothing when the arguments are no such command.
-std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments);
+/// stand anywhere. Nothing when the arguments are no such command; `problem` then tells why.
+std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
+                                           std::wstring& problem);
+
+/// Whether the user just wants to know how the program is called.
+bool asksForHelp(int count, const wchar_t* const* arguments);
 
 extern const wchar_t usage[];

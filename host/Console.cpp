@@ -29,7 +29,7 @@ bool isTerminal(Stream stream) {
 }
 
 bool canAsk() {
-    return isConsole(GetStdHandle(STD_INPUT_HANDLE));
+    return isConsole(GetStdHandle(STD_INPUT_HANDLE)) && isTerminal(Stream::error);
 }
 
 void write(Stream stream, const std::wstring& text) {

@@ -1,114 +1,80 @@
 #include "ConsoleObserver.h"
 
-#include <windows.h>
-
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "Console.h"
+#include "Messages.h"
 
 namespace {
 
-struct ActionName {
-    uint32_t code;
-    const wchar_t* text;
-};
-
-constexpr ActionName actionNames[] = {
-    {ACTION_CONDITION, L"Checking"},
-    {ACTION_COPY_FILE, L"Copying"},
-    {ACTION_DELETE_FILE, L"Deleting"},
-    {ACTION_STOP_SERVICE, L"Stopping service"},
-    {ACTION_START_SERVICE, L"Starting service"},
-    {ACTION_REMOVE_SERVICE, L"Removing service"},
-    {ACTION_SHORTCUT, L"Shortcut"},
-    {ACTION_CUSTOM_ACTION, L"Custom action"},
-    {ACTION_SHELL_EXCUTE, L"Starting"},
-    {ACTION_CREATE_REGISTRY_KEY, L"Creating registry key"},
-    {ACTION_REMOVE_REGISTRY_KEY, L"Removing registry key"},
-    {ACTION_REGISTRY_VALUE, L"Writing registry value"},
-    {ACTION_REMOVE_DIRECTORY, L"Removing directory"},
-    {ACTION_CAUTION, L"Caution:"},
-};
-
 constexpr size_t barWidth = 30;
 
-/// The action with its texts: "Copying app.exe".
-std::wstring describeAction(uint32_t code, const wchar_t* text1, const wchar_t* text2) {
-    const auto* named = std::find_if(std::begin(actionNames), std::end(actionNames),
-                                     [code](const ActionName& name) { return name.code == code; });
-    std::wstring action =
-        named == std::end(actionNames) ? L"Action " + std::to_wstring(code) : named->text;
-    for (const wchar_t* text : {text1, text2})
-        if (*text)
-            action += std::wstring(L" ") + text;
-    return action;
+/// How many columns a unit of UTF-16 takes on a terminal, roughly: two for most Asian characters,
+/// and for a surrogate pair as a whole.
+size_t columnsOf(wchar_t unit) {
+    constexpr wchar_t firstAsian = 0x2E80;
+    const bool endsPair = unit >= 0xDC00 && unit <= 0xDFFF;
+    return endsPair ? 0 : unit < firstAsian ? 1 : 2;
 }
 
-/// The system's text for an error code; empty when it has none.
-std::wstring systemMessage(uint32_t code) {
-    wchar_t text[512];
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-                       text, static_cast<DWORD>(std::size(text)), nullptr);
-    return std::wstring(text, length);
-}
-
-std::wstring withoutLineEnd(std::wstring text) {
-    text.erase(text.find_last_not_of(L"\r\n ") + 1);
-    return text;
+/// What of a text fits into so many columns of one line, filled up with blanks.
+std::wstring fitted(const std::wstring& text, size_t columns) {
+    std::wstring line;
+    for (const wchar_t unit : text) {
+        if (columnsOf(unit) > columns)
+            break;
+        columns -= columnsOf(unit);
+        line += unit < L' ' ? L' ' : unit;
+    }
+    return line + std::wstring(columns, L' ');
 }
 
 }  // namespace
 
-std::wstring describeFailure(const ErrorInfo& error) {
-    std::wstring reason = withoutLineEnd(error.message);
-    if (error.code == ERROR_CODE_MESSAGE)
-        return reason;
-    const bool hasCode = error.systemError != 0 && error.systemError != UINT32_MAX;
-    if (reason.empty() && hasCode)
-        reason = withoutLineEnd(systemMessage(error.systemError));
-    std::wstring failure = describeAction(error.code, error.text1, error.text2) + L" failed";
-    if (!reason.empty())
-        failure += L": " + reason;
-    if (hasCode)
-        failure += L" (error " + std::to_wstring(error.systemError) + L")";
-    return failure;
-}
-
 ConsoleObserver::ConsoleObserver(std::optional<ErrorPolicy> policy)
-    : policy(policy),
-      retriesLeft(policy ? policy->retries : 0),
-      terminal(isTerminal(Stream::output)) {}
+    : policy(policy), terminal(isTerminal(Stream::output)) {}
 
 void ConsoleObserver::update(IterfaceProduct* product) {
     const ActionInfo& info = product->actionInfo;
     const std::wstring action = describeAction(info.code, info.text1, info.text2);
-    if (!std::exchange(retrying, false) && policy)
-        retriesLeft = policy->retries;
+    if (!std::exchange(retrying, false))
+        refillRetries();
     highest = std::max(highest, std::min<unsigned>(product->progress, 100));
-    if (terminal)
+    // The user should read a caution, so the bar doesn't take its line.
+    if (terminal && info.code != ACTION_CAUTION) {
         drawBar(highest, action);
-    else
+    } else {
+        leaveBar();
         write(Stream::output, action + L"\n");
+    }
 }
 
 ObserverAnswer ConsoleObserver::askOnError(ErrorInfo* error) {
     leaveBar();
     write(Stream::error, L"temz: " + describeFailure(*error) + L"\n");
-    const ObserverAnswer answer = policy ? answerByPolicy() : canAsk() ? askUser() : ANSWER_ABORT;
+    // Not every action that fails has been announced.
+    const std::wstring action = describeAction(error->code, error->text1, error->text2);
+    if (std::exchange(failedAction, action) != action)
+        refillRetries();
+    const ObserverAnswer answer = decide();
+    retrying = answer == ANSWER_RETRY;
     aborted = answer == ANSWER_ABORT;
     return answer;
 }
 
-ObserverAnswer ConsoleObserver::answerByPolicy() {
+void ConsoleObserver::refillRetries() {
+    retriesLeft = policy ? policy->retries : 0;
+}
+
+ObserverAnswer ConsoleObserver::decide() {
+    if (!policy)
+        return canAsk() ? askUser() : ANSWER_ABORT;
     if (policy->answer != ANSWER_RETRY)
         return policy->answer;
     if (retriesLeft == 0)
         return ANSWER_ABORT;
     --retriesLeft;
-    retrying = true;
     return ANSWER_RETRY;
 }
 
@@ -137,11 +103,11 @@ void ConsoleObserver::drawBar(unsigned percent, const std::wstring& action) {
     const size_t filled = barWidth * percent / 100;
     std::wstring number = std::to_wstring(percent);
     number.insert(0, 3 - number.size(), L' ');
-    std::wstring line = L"[" + std::wstring(filled, L'#') + std::wstring(barWidth - filled, L'.') +
-                        L"] " + number + L"% " + action;
+    const std::wstring line = L"[" + std::wstring(filled, L'#') +
+                              std::wstring(barWidth - filled, L'.') + L"] " + number + L"% " +
+                              action;
     // The last column stays free, or the terminal would begin a new line.
-    line.resize(terminalWidth() - 1, L' ');
-    write(Stream::output, L"\r" + line);
+    write(Stream::output, L"\r" + fitted(line, terminalWidth() - 1));
     barDrawn = true;
 }
 

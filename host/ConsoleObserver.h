@@ -26,20 +26,19 @@ public:
     bool failureReported() const { return aborted; }
 
 private:
+    void refillRetries();
     void drawBar(unsigned percent, const std::wstring& action);
     void leaveBar();
-    ObserverAnswer answerByPolicy();
+    ObserverAnswer decide();
     ObserverAnswer askUser();
 
     std::optional<ErrorPolicy> policy;
-    unsigned retriesLeft;   // of the current action
-    bool retrying = false;  // the next action announced is the one that failed
+    unsigned retriesLeft = 0;   // of the current action
+    bool retrying = false;      // the next action announced is the one that failed
+    std::wstring failedAction;  // the last one
     bool terminal;
     bool barDrawn = false;
     unsigned highest = 0;  // percent: the bar never goes back
     bool userAborted = false;
     bool aborted = false;
 };
-
-/// What failed, on which object, and why, as a sentence.
-std::wstring describeFailure(const ErrorInfo& error);

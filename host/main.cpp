@@ -11,6 +11,8 @@
 #include "CommandLine.h"
 #include "Console.h"
 #include "ConsoleObserver.h"
+#include "Messages.h"
+#include "ScriptFile.h"
 
 namespace {
 
@@ -38,16 +40,6 @@ void reportError(const std::wstring& text) {
     write(Stream::error, L"temz: " + text + L"\n");
 }
 
-/// Whether the script can be opened; the engine doesn't tell that from a script that is no XML.
-bool canOpen(const std::wstring& script) {
-    const HANDLE file = CreateFileW(script.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    CloseHandle(file);
-    return true;
-}
-
 int runScript(IterfaceContext& context, const CommandLine& command) {
     IterfaceProduct* product = context.getProduct();
     ConsoleObserver observer(command.onError);
@@ -56,23 +48,35 @@ int runScript(IterfaceContext& context, const CommandLine& command) {
     product->observer = nullptr;
     observer.finish(result == 0);
 
-    if (result == 0)
-        return product->rebootRequired ? EXIT_RESTART_NEEDED : EXIT_DONE;
-    if (!observer.failureReported())
-        reportError(describeFailure(product->errorInfo));
-    return observer.abortedByUser() ? EXIT_USER_ABORT : EXIT_RUN_FAILED;
+    if (result != 0) {
+        if (!observer.failureReported())
+            reportError(describeFailure(product->errorInfo));
+        return observer.abortedByUser() ? EXIT_USER_ABORT : EXIT_RUN_FAILED;
+    }
+    if (product->rebootRequired) {
+        write(Stream::output, L"Restart the machine to finish.\n");
+        return EXIT_RESTART_NEEDED;
+    }
+    return EXIT_DONE;
 }
 
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
-    const auto command = readCommandLine(count, arguments);
+    if (asksForHelp(count, arguments)) {
+        write(Stream::output, usage);
+        return EXIT_DONE;
+    }
+    std::wstring problem;
+    const auto command = readCommandLine(count, arguments, problem);
     if (!command) {
+        reportError(problem);
         write(Stream::error, usage);
         return EXIT_BAD_COMMAND;
     }
-    if (!canOpen(command->script)) {
-        reportError(command->script + L" can't be opened.");
+    problem = findOpenProblem(command->script);
+    if (!problem.empty()) {
+        reportError(command->script + L" can't be opened: " + problem);
         return EXIT_NOT_OPENED;
     }
     const ContextPtr context(CreateContextObject());
@@ -84,9 +88,7 @@ int wmain(int count, wchar_t** arguments) {
     if (!context->load(command->script.c_str())) {
         const std::wstring reason = context->getLastError();
         reportError(command->script + L" can't be loaded: " +
-                    (reason.empty()
-                         ? L"it is no well-formed XML, or its name isn't in the active code page."
-                         : reason));
+                    (reason.empty() ? L"It is no XML that the engine can read." : reason));
         return EXIT_NOT_LOADED;
     }
     return runScript(*context, *command);

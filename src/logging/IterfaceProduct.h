@@ -28,6 +28,9 @@ enum ActionCode : uint32_t {
 /// The value of ErrorInfo::code for a failure that no action caused: `message` alone tells it.
 inline constexpr uint32_t ERROR_CODE_MESSAGE = 1;
 
+/// The value of ErrorInfo::code for a Shortcut that couldn't be removed: text1 is its name.
+inline constexpr uint32_t ERROR_CODE_REMOVE_SHORTCUT = 9;
+
 /// The action that is about to be carried out.
 struct ActionInfo {
     uint32_t code;       ///< one of ActionCode, 0 before the first action
