@@ -769,7 +769,8 @@ TEST(HostProgramDirectoryTest, IsEmptyUntilTheSystemAnswers) {
     inFreshProcess([] {
         bool known = false;
         const FakeModuleFileName name([&](auto, wchar_t* buffer, auto) {
-            return known ? giveProgram(L"C:\\Host\\setup.exe", buffer) : 0;
+            const DWORD length = giveProgram(L"C:\\Host\\setup.exe", buffer);
+            return known ? length : 0;
         });
 
         EXPECT_EQ(hostProgramDirectory(), L"");
