@@ -21,6 +21,13 @@ using testing::Pair;
 
 namespace {
 
+/// A product with an element of that name that can't be made, and why not.
+struct Fault {
+    const char* product;
+    const wchar_t* name;
+    const wchar_t* message;
+};
+
 class ElementFactoryTest : public ScriptTest {
 protected:
     /// The element of that name with the id "x".
@@ -89,11 +96,7 @@ TEST_F(ElementFactoryTest, ElementsThatAreLookedUpAreNoMotionElements) {
 }
 
 TEST_F(ElementFactoryTest, FaultOfAnAttributeIsReported) {
-    const struct {
-        const char* product;
-        const wchar_t* name;
-        const wchar_t* message;
-    } faults[] = {
+    const Fault faults[] = {
         {"<File Id='x' Source='s'/>", L"File",
          L"Create Motion Element error:(File,x) cant get the require explicit Nameattribute."},
         {"<Component><File Id='x' Name='n' Source='s'/></Component>", L"File",
@@ -105,7 +108,7 @@ TEST_F(ElementFactoryTest, FaultOfAnAttributeIsReported) {
          L"(Directory,x) can't get Path attribute from  parent element."},
         {"<Directory Id='x' Path=']'/>", L"Directory", L"] can't be the first"},
     };
-    for (const auto& fault : faults) {
+    for (const Fault& fault : faults) {
         SCOPED_TRACE(fault.product);
         context.unload();
         ASSERT_TRUE(loadProduct(fault.product));
@@ -188,11 +191,7 @@ TEST_F(ElementFactoryTest, ComponentRefTakesThePathOfTheDirectoryThatHoldsTheDef
 // References
 
 TEST_F(ElementFactoryTest, BrokenReferencesAreReported) {
-    const struct {
-        const char* product;
-        const wchar_t* name;
-        const wchar_t* message;
-    } faults[] = {
+    const Fault faults[] = {
         {"<ComponentRef Id='x'/>", L"ComponentRef",
          L"(Component,x) element can't create(get the node is null)."},
         {"<FeatureRef Id='x'/><Feature Id='X'/>", L"FeatureRef",
@@ -204,7 +203,7 @@ TEST_F(ElementFactoryTest, BrokenReferencesAreReported) {
         {"<DirectoryRef Id='x'/><Component Id='x'/>", L"DirectoryRef",
          L"DirectoryRef element name is undefined."},
     };
-    for (const auto& fault : faults) {
+    for (const Fault& fault : faults) {
         SCOPED_TRACE(fault.product);
         context.unload();
         ASSERT_TRUE(loadProduct(fault.product));

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <map>
 #include <typeinfo>
 
 #include "elements/ElementFactory.h"
@@ -19,17 +20,8 @@ using testing::UnorderedElementsAreArray;
 
 namespace {
 
-struct NamedClass {
-    const wchar_t* name;
-    std::string className;
-    bool operator==(const NamedClass& other) const {
-        return std::wstring_view(name) == other.name && className == other.className;
-    }
-};
-
-void PrintTo(const NamedClass& named, std::ostream* stream) {
-    *stream << toNarrowText(named.name).get() << " " << named.className;
-}
+/// The name of an element in a script, and of the class that stands for it.
+using NamedClass = std::pair<std::wstring, std::string>;
 
 const NamedClass motionElements[] = {{L"InstallExecuteSequence", "CInstallMtElement"},
                                      {L"Fragment", "CFragmentMtElement"},
@@ -57,13 +49,8 @@ const NamedClass lookedUpElements[] = {{L"Directory", "CDirectoryElement"},
                                        {L"Variable", "CVariableElement"},
                                        {L"VariableConst", "CVariableElement"}};
 
-struct Nesting {
-    const wchar_t* parent;
-    std::vector<std::wstring> children;
-};
-
 /// An element that isn't named here holds no other.
-const Nesting nestings[] = {
+const std::map<std::wstring, std::vector<std::wstring>> nestings = {
     {L"InstallExecuteSequence",
      {L"Feature", L"FeatureRef", L"Fragment", L"FragmentRef", L"Condition"}},
     {L"Feature", {L"Feature", L"Condition", L"ComponentRef", L"Component"}},
@@ -82,16 +69,14 @@ const Nesting nestings[] = {
 };
 
 std::vector<std::wstring> childrenOf(const wchar_t* parent) {
-    for (const Nesting& nesting : nestings)
-        if (std::wstring_view(nesting.parent) == parent)
-            return nesting.children;
-    return {};
+    const auto found = nestings.find(parent);
+    return found == nestings.end() ? std::vector<std::wstring>() : found->second;
 }
 
 /// The kind of that name, null for an element whose class isn't there yet.
-const ElementKind* findMotionKind(const wchar_t* name) {
+const ElementKind* findMotionKind(const std::wstring& name) {
     for (const ElementKind* kind : motionKinds())
-        if (std::wstring_view(kind->name) == name)
+        if (name == kind->name)
             return kind;
     return nullptr;
 }
@@ -165,11 +150,11 @@ TEST_F(VocabularyTest, EveryMotionElementIsMadeAsItsClassOrIsUndefined) {
             const MotionElementPtr element = make(*kind);
             ASSERT_NE(element, nullptr) << toNarrowText(getLastCreateError().c_str()).get();
             EXPECT_THAT(className(*element), EndsWith(expectedClass));
-            EXPECT_EQ(element->describe(), std::wstring(L"(") + name + L",x)");
+            EXPECT_EQ(element->describe(), L"(" + name + L",x)");
         } else {
-            EXPECT_EQ(CreateMotionElement(loadNode(name).get(), context, nullptr), nullptr);
-            EXPECT_EQ(getLastCreateError(), std::wstring(L"Create Motion Element error:") + name +
-                                                L" element name is undefined.");
+            EXPECT_EQ(CreateMotionElement(loadNode(name.c_str()).get(), context, nullptr), nullptr);
+            EXPECT_EQ(getLastCreateError(),
+                      L"Create Motion Element error:" + name + L" element name is undefined.");
         }
     }
 }
