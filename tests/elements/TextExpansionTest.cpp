@@ -140,6 +140,7 @@ TEST_F(TextExpansionTest, FailedLookUpKeepsItsOwnReport) {
 }
 
 TEST_F(TextExpansionTest, MisplacedMarkIsFoundWithoutALookUp) {
+    expand(L"[]");
     expand(L"[UNKNOWN");
     expand(L"[UNKNOWN#");
     expand(L"#UNKNOWN]");
