@@ -227,7 +227,7 @@ private:
     /// stands in front of another "#" or "x" belongs to the reference too.
     bool skipNumberedReference() {
         const bool isHexadecimal = position[2] == 'x';
-        const char* end = std::strchr(position + (isHexadecimal ? 3 : 2), ';');
+        const char* end = std::strchr(position + 2, ';');
         if (end == nullptr)
             return false;
         for (const char* digit = end - 1; *digit != (isHexadecimal ? 'x' : '#'); --digit) {
