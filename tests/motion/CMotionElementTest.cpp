@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -224,25 +224,33 @@ TEST_F(CMotionElementTest, ExceptionOfAnActionLeavesTheVisit) {
 TEST_F(CMotionElementTest, OnLetsAnElementPassInItsModes) {
     struct Row {
         const char* attributes;
-        std::array<bool, 5> passes;  // in the modes 0, 1, 2, 3 and -1
+        bool install;
+        bool uninstall;
+        bool upgrade;
+        bool other;
     };
     constexpr Row rows[] = {
-        {"", {true, true, true, true, true}},
-        {"On=''", {true, true, true, true, true}},
-        {"On='install'", {true, false, false, false, false}},
-        {"On='uninstall'", {false, true, false, false, false}},
-        {"On='upgrade'", {false, false, true, false, false}},
-        {"On='installupgrade'", {true, false, true, false, false}},
-        {"On='Install'", {false, false, false, false, false}},
-        {"On=' '", {false, false, false, false, false}},
+        {"", true, true, true, true},
+        {"On=''", true, true, true, true},
+        {"On='install'", true, false, false, false},
+        {"On='uninstall'", false, true, false, false},
+        {"On='upgrade'", false, false, true, false},
+        {"On='installupgrade'", true, false, true, false},
+        {"On='Install'", false, false, false, false},
+        {"On=' '", false, false, false, false},
     };
-    constexpr int32_t modes[] = {0, 1, 2, 3, -1};
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.attributes);
         const ProbeElement& element = makeProbe(row.attributes);
-        for (size_t i = 0; i < std::size(modes); ++i) {
-            context.runMode = modes[i];
-            EXPECT_EQ(element.passesOnFilter(context), row.passes[i]) << "mode " << modes[i];
+        for (const auto& [mode, passes] :
+             std::initializer_list<std::pair<int32_t, bool>>{{0, row.install},
+                                                             {1, row.uninstall},
+                                                             {2, row.upgrade},
+                                                             {3, row.other},
+                                                             {-1, row.other},
+                                                             {32, row.other},
+                                                             {-32, row.other}}) {
+            context.runMode = mode;
+            EXPECT_EQ(element.passesOnFilter(context), passes) << row.attributes << " in " << mode;
         }
     }
 }
