@@ -5,7 +5,6 @@
 #include <deque>
 #include <filesystem>
 #include <functional>
-#include <initializer_list>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -88,11 +87,10 @@ public:
 class CMotionElementTest : public ScriptTest {
 protected:
     /// Makes the probe of `<Probe Id='P' attributes>children</Probe>`, which the observer hears.
-    ProbeElement& makeProbe(std::string_view attributes, std::string_view children = {},
-                            std::string_view elsewhere = {}) {
+    ProbeElement& makeProbe(std::string_view attributes, std::string_view children = {}) {
         context.unload();
         EXPECT_TRUE(loadProduct("<Probe Id='P' " + std::string(attributes) + ">" +
-                                std::string(children) + "</Probe>" + std::string(elsewhere)));
+                                std::string(children) + "</Probe>"));
         context.runMode = RUNMODE_INSTALL;
         context.getProduct()->observer = &observer;
         probe.emplace(L"Probe", L"P", context);
@@ -240,18 +238,17 @@ TEST_F(CMotionElementTest, OnLetsAnElementPassInItsModes) {
         {"On=' '", false, false, false, false},
     };
     for (const Row& row : rows) {
+        SCOPED_TRACE(row.attributes);
         const ProbeElement& element = makeProbe(row.attributes);
-        for (const auto& [mode, passes] :
-             std::initializer_list<std::pair<int32_t, bool>>{{0, row.install},
-                                                             {1, row.uninstall},
-                                                             {2, row.upgrade},
-                                                             {3, row.other},
-                                                             {-1, row.other},
-                                                             {32, row.other},
-                                                             {-32, row.other}}) {
+        const auto passesIn = [&](int32_t mode) {
             context.runMode = mode;
-            EXPECT_EQ(element.passesOnFilter(context), passes) << row.attributes << " in " << mode;
-        }
+            return element.passesOnFilter(context);
+        };
+        EXPECT_EQ(passesIn(RUNMODE_INSTALL), row.install);
+        EXPECT_EQ(passesIn(RUNMODE_UNINSTALL), row.uninstall);
+        EXPECT_EQ(passesIn(RUNMODE_UPGRADE), row.upgrade);
+        for (const int32_t mode : {3, -1, 32, -32})
+            EXPECT_EQ(passesIn(mode), row.other) << mode;
     }
 }
 
