@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <deque>
 #include <filesystem>
 #include <functional>
@@ -88,11 +87,10 @@ public:
 class CMotionElementTest : public ScriptTest {
 protected:
     /// Makes the probe of `<Probe Id='P' attributes>children</Probe>`, which the observer hears.
-    ProbeElement& makeProbe(std::string_view attributes, std::string_view children = {},
-                            std::string_view elsewhere = {}) {
+    ProbeElement& makeProbe(std::string_view attributes, std::string_view children = {}) {
         context.unload();
         EXPECT_TRUE(loadProduct("<Probe Id='P' " + std::string(attributes) + ">" +
-                                std::string(children) + "</Probe>" + std::string(elsewhere)));
+                                std::string(children) + "</Probe>"));
         context.runMode = RUNMODE_INSTALL;
         context.getProduct()->observer = &observer;
         probe.emplace(L"Probe", L"P", context);
@@ -224,26 +222,33 @@ TEST_F(CMotionElementTest, ExceptionOfAnActionLeavesTheVisit) {
 TEST_F(CMotionElementTest, OnLetsAnElementPassInItsModes) {
     struct Row {
         const char* attributes;
-        std::array<bool, 5> passes;  // in the modes 0, 1, 2, 3 and -1
+        bool install;
+        bool uninstall;
+        bool upgrade;
+        bool other;
     };
     constexpr Row rows[] = {
-        {"", {true, true, true, true, true}},
-        {"On=''", {true, true, true, true, true}},
-        {"On='install'", {true, false, false, false, false}},
-        {"On='uninstall'", {false, true, false, false, false}},
-        {"On='upgrade'", {false, false, true, false, false}},
-        {"On='installupgrade'", {true, false, true, false, false}},
-        {"On='Install'", {false, false, false, false, false}},
-        {"On=' '", {false, false, false, false, false}},
+        {"", true, true, true, true},
+        {"On=''", true, true, true, true},
+        {"On='install'", true, false, false, false},
+        {"On='uninstall'", false, true, false, false},
+        {"On='upgrade'", false, false, true, false},
+        {"On='installupgrade'", true, false, true, false},
+        {"On='Install'", false, false, false, false},
+        {"On=' '", false, false, false, false},
     };
-    constexpr int32_t modes[] = {0, 1, 2, 3, -1};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.attributes);
         const ProbeElement& element = makeProbe(row.attributes);
-        for (size_t i = 0; i < std::size(modes); ++i) {
-            context.runMode = modes[i];
-            EXPECT_EQ(element.passesOnFilter(context), row.passes[i]) << "mode " << modes[i];
-        }
+        const auto passesIn = [&](int32_t mode) {
+            context.runMode = mode;
+            return element.passesOnFilter(context);
+        };
+        EXPECT_EQ(passesIn(RUNMODE_INSTALL), row.install);
+        EXPECT_EQ(passesIn(RUNMODE_UNINSTALL), row.uninstall);
+        EXPECT_EQ(passesIn(RUNMODE_UPGRADE), row.upgrade);
+        for (const int32_t mode : {3, -1, 32, -32})
+            EXPECT_EQ(passesIn(mode), row.other) << mode;
     }
 }
 
