@@ -11,12 +11,14 @@ namespace fs = std::filesystem;
 TestFolder::TestFolder() : TestFolder(L"C:\\temz-tests") {}
 
 TestFolder::TestFolder(const fs::path& parent) {
-    // The process id keeps programs apart that run at once, the counter the folders of one program.
+    // The parent may be on a drive that several Wine prefixes share, where programs that run at
+    // once can have the same process id: the folder is whosever makes it.
     static int made = 0;
-    root = parent /
-           (L"test-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(made++));
-    fs::remove_all(root);
-    fs::create_directories(root);
+    fs::create_directories(parent);
+    do
+        root = parent /
+               (L"test-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(made++));
+    while (!fs::create_directory(root));
 }
 
 TestFolder::~TestFolder() {
