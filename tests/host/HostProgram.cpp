@@ -22,6 +22,16 @@ HandlePtr openOutput(const std::wstring& path) {
     return openStream(path, GENERIC_WRITE, CREATE_ALWAYS);
 }
 
+Pipe::Pipe() {
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    EXPECT_TRUE(CreatePipe(&readEnd, &writeEnd, &inherited, 0));
+    SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
+    reader.reset(readEnd);
+    writer.reset(writeEnd);
+}
+
 HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
                        const Streams& streams, DWORD flags) {
     STARTUPINFOW startup{};

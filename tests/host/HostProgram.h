@@ -21,6 +21,14 @@ struct Streams {
 HandlePtr openInput(const std::wstring& path);
 HandlePtr openOutput(const std::wstring& path);
 
+/// What a program writes into the one end can be read from the other.
+struct Pipe {
+    Pipe();
+
+    HandlePtr reader;
+    HandlePtr writer;
+};
+
 /// Starts a program in a directory. Null, with a failed expectation, when it can't be started.
 HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
                        const Streams& streams, DWORD flags = 0);

@@ -3,12 +3,13 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <memory>
+
 #include "HostProgram.h"
 #include "SetupTest.h"
 #include "support/LockedFile.h"
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::StartsWith;
@@ -140,27 +141,19 @@ TEST_F(TemzTest, GoesOnWhenARetrySucceeds) {
     writeScript(file("a.txt") + file("b.txt"));
     folder.write(L"app\\a.txt", "old");
     auto inUse = std::make_unique<LockedFile>(app(L"a.txt"));
-    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    HANDLE reader = nullptr;
-    HANDLE writer = nullptr;
-    ASSERT_TRUE(CreatePipe(&reader, &writer, &inherited, 0));
-    const HandlePtr errors(reader);
-    HandlePtr toErrors(writer);
-    SetHandleInformation(reader, HANDLE_FLAG_INHERIT, 0);
-    const HandlePtr process = startProgram(L"\"" + setup(L"temz.exe") +
-                                               L"\" install install.xml "
-                                               L"--on-error=retry:999999999",
-                                           folder.path(L"setup"), {nullptr, nullptr, writer});
-    toErrors.reset();
+    Pipe errors;
+    const HandlePtr process = startProgram(
+        L"\"" + setup(L"temz.exe") + L"\" install install.xml --on-error=retry:999999999",
+        folder.path(L"setup"), {nullptr, nullptr, errors.writer.get()});
+    errors.writer.reset();
 
     // The file is free from the first failure on.
-    char buffer[4096];
-    DWORD read = 0;
-    ASSERT_TRUE(ReadFile(reader, buffer, sizeof buffer, &read, nullptr));
-    EXPECT_THAT(std::string(buffer, read),
-                StartsWith(copyFailed("a.txt", ERROR_SHARING_VIOLATION)));
+    char text[4096];
+    DWORD size = 0;
+    ASSERT_TRUE(ReadFile(errors.reader.get(), text, sizeof text, &size, nullptr));
     inUse.reset();
-    while (ReadFile(reader, buffer, sizeof buffer, &read, nullptr)) {
+    EXPECT_THAT(std::string(text, size), StartsWith(copyFailed("a.txt", ERROR_SHARING_VIOLATION)));
+    while (ReadFile(errors.reader.get(), text, sizeof text, &size, nullptr)) {
     }
 
     EXPECT_EQ(waitForProgram(process.get()), 0u);

@@ -84,6 +84,13 @@ TEST_F(TerminalTest, KeepsACautionOnALineOfItsOwn) {
               bar(0, "  0% Copying a.txt") + "Caution: Read me\n" + bar(30, "100% Done"));
 }
 
+TEST_F(TerminalTest, ShowsTextsOfAnyAlphabet) {
+    writeScript("<Caution Title='Caf\xE9'/>");
+
+    EXPECT_EQ(temzAtTerminal(L"install install.xml").output,
+              "Caution: Caf\u00E9\n" + bar(30, "100% Done"));
+}
+
 TEST_F(TerminalTest, NeverWrapsTheBar) {
     const std::string name = std::string(100, 'x');
     writeScript(file(name));
