@@ -42,8 +42,8 @@ std::wstring errorNumber(uint32_t code) {
 }  // namespace
 
 std::wstring describeAction(uint32_t code, const wchar_t* text1, const wchar_t* text2) {
-    const auto named = std::find_if(std::begin(actionNames), std::end(actionNames),
-                                    [code](const ActionName& name) { return name.code == code; });
+    const auto* named = std::find_if(std::begin(actionNames), std::end(actionNames),
+                                     [code](const ActionName& name) { return name.code == code; });
     std::wstring action =
         named == std::end(actionNames) ? L"Action " + std::to_wstring(code) : named->text;
     for (const wchar_t* text : {text1, text2})
@@ -53,7 +53,7 @@ std::wstring describeAction(uint32_t code, const wchar_t* text1, const wchar_t* 
 }
 
 std::wstring describeFailure(const ErrorInfo& error) {
-    const std::wstring reason = withoutLineEnd(error.message);
+    std::wstring reason = withoutLineEnd(error.message);
     if (error.code == ERROR_CODE_MESSAGE)
         return reason;
     std::wstring failure = describeAction(error.code, error.text1, error.text2) + L" failed";
