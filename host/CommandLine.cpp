@@ -30,7 +30,7 @@ std::optional<RunMode> readMode(std::wstring_view word) {
 /// A number from 1 on, of no more digits than surely fit.
 std::optional<unsigned> readCount(std::wstring_view word) {
     constexpr size_t maxDigits = 9;
-    if (word.size() > maxDigits || word.find_first_not_of(L"0123456789") != word.npos)
+    if (word.size() > maxDigits || word.find_first_not_of(L"0123456789") != std::wstring_view::npos)
         return std::nullopt;
     const auto number = std::wcstoul(std::wstring(word).c_str(), nullptr, 10);
     return number > 0 ? std::optional<unsigned>(number) : std::nullopt;

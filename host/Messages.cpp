@@ -36,7 +36,7 @@ std::wstring withoutLineEnd(std::wstring text) {
 }
 
 std::wstring errorNumber(uint32_t code) {
-    return L" (error " + std::to_wstring(code) + L")";
+    return L"(error " + std::to_wstring(code) + L")";
 }
 
 }  // namespace
@@ -53,14 +53,14 @@ std::wstring describeAction(uint32_t code, const wchar_t* text1, const wchar_t* 
 }
 
 std::wstring describeFailure(const ErrorInfo& error) {
-    const std::wstring reason = withoutLineEnd(error.message);
+    std::wstring reason = withoutLineEnd(error.message);
     if (error.code == ERROR_CODE_MESSAGE)
         return reason;
     std::wstring failure = describeAction(error.code, error.text1, error.text2) + L" failed";
     if (!reason.empty())
         failure += L": " + reason;
     if (error.systemError != 0 && error.systemError != UINT32_MAX)
-        failure += errorNumber(error.systemError);
+        failure += L" " + errorNumber(error.systemError);
     return failure;
 }
 
@@ -69,5 +69,6 @@ std::wstring describeSystemError(uint32_t code) {
     const DWORD length =
         FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
                        text, static_cast<DWORD>(std::size(text)), nullptr);
-    return withoutLineEnd(std::wstring(text, length)) + errorNumber(code);
+    const std::wstring message = withoutLineEnd(std::wstring(text, length));
+    return message.empty() ? errorNumber(code) : message + L" " + errorNumber(code);
 }

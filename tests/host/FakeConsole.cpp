@@ -1,0 +1,42 @@
+#include "FakeConsole.h"
+
+#include "host/Console.h"
+
+namespace {
+
+FakeConsole* console = nullptr;
+
+}  // namespace
+
+FakeConsole::FakeConsole() {
+    console = this;
+}
+
+FakeConsole::~FakeConsole() {
+    console = nullptr;
+}
+
+bool isTerminal(Stream) {
+    return console->terminal;
+}
+
+bool canAsk() {
+    return console->someoneAnswers;
+}
+
+void write(Stream stream, const std::wstring& text) {
+    (stream == Stream::output ? console->output : console->error) += text;
+    console->shown += text;
+}
+
+bool readLine(std::wstring& line) {
+    if (console->answers.empty())
+        return false;
+    line = console->answers.front();
+    console->answers.pop_front();
+    return true;
+}
+
+size_t terminalWidth() {
+    return console->width;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+struct HandleCloser {
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using HandlePtr = std::unique_ptr<void, HandleCloser>;
+
+/// What the standard streams of a program are; null for none.
+struct Streams {
+    HANDLE input = nullptr;
+    HANDLE output = nullptr;
+    HANDLE error = nullptr;
+};
+
+/// Opens a file as a stream that a program can be started with.
+HandlePtr openInput(const std::wstring& path);
+HandlePtr openOutput(const std::wstring& path);
+
+/// What a program writes into the one end can be read from the other.
+struct Pipe {
+    Pipe();
+
+    HandlePtr reader;
+    HandlePtr writer;
+};
+
+/// Starts a program in a directory. Null, with a failed expectation, when it can't be started.
+HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
+                       const Streams& streams, DWORD flags = 0);
+
+/// Waits for the end of a program and gives its exit code. One that hangs is ended.
+DWORD waitForProgram(HANDLE process);

@@ -1,0 +1,86 @@
+#include "SetupTest.h"
+
+#include <windows.h>
+
+#include "HostProgram.h"
+
+namespace fs = std::filesystem;
+
+SetupTest::SetupTest() {
+    folder.makeDirectory(L"setup");
+    for (const wchar_t* program : {L"temz.exe", L"TEMZ.dll"})
+        fs::copy_file(fs::path(testProgramDirectory()) / program, setup(program));
+}
+
+ProgramRun SetupTest::temz(const std::wstring& arguments) const {
+    const std::wstring outputPath = folder.path(L"output.txt");
+    const std::wstring errorPath = folder.path(L"error.txt");
+    DWORD exitCode;
+    {
+        const HandlePtr input = openInput(L"NUL");
+        const HandlePtr output = openOutput(outputPath);
+        const HandlePtr error = openOutput(errorPath);
+        const HandlePtr process =
+            startProgram(L"\"" + setup(L"temz.exe") + L"\" " + arguments, folder.path(L"setup"),
+                         {input.get(), output.get(), error.get()});
+        exitCode = waitForProgram(process.get());
+    }
+    return {exitCode, readFile(outputPath), readFile(errorPath)};
+}
+
+ProgramRun SetupTest::temzAtTerminal(const std::wstring& arguments,
+                                     const std::wstring& typed) const {
+    return atTerminal(L"\"" + setup(L"temz.exe") + L"\" " + arguments, typed);
+}
+
+ProgramRun SetupTest::atTerminal(const std::wstring& commandLine, const std::wstring& typed) const {
+    const std::wstring screen = folder.write(L"screen.txt", "");
+    const std::wstring terminal = testProgramDirectory() + L"\\temz_terminal.exe";
+    const HandlePtr process =
+        startProgram(L"\"" + terminal + L"\" \"" + screen + L"\" \"" + typed + L"\" " + commandLine,
+                     folder.path(L"setup"), {}, CREATE_NO_WINDOW);
+    const DWORD exitCode = waitForProgram(process.get());
+    return {exitCode, readFile(screen), ""};
+}
+
+void SetupTest::writeScript(const std::string& elements, const std::wstring& name) const {
+    folder.write(L"setup\\" + name,
+                 "<Script><Product><Directory Path='" + utf8(folder.path(L"app")) +
+                     "'><Component Id='All'>" + elements +
+                     "</Component></Directory><InstallExecuteSequence><Feature>"
+                     "<ComponentRef Id='All'/></Feature></InstallExecuteSequence></Product>"
+                     "</Script>");
+}
+
+void SetupTest::ship(const std::wstring& name, std::string_view content) const {
+    folder.write(L"setup\\" + name, content);
+}
+
+std::map<std::wstring, std::string> SetupTest::installedFiles() const {
+    std::map<std::wstring, std::string> files;
+    if (exists(folder.path(L"app")))
+        for (const auto& entry : fs::directory_iterator(folder.path(L"app")))
+            files[entry.path().filename().wstring()] = readFile(entry.path().wstring());
+    return files;
+}
+
+std::string file(const std::string& name, const std::string& attributes) {
+    return "<File Name='" + name + "' Source='" + name + "' " + attributes + "/>";
+}
+
+std::wstring systemMessage(unsigned long code) {
+    wchar_t text[512];
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                        nullptr, code, 0, text, 512, nullptr);
+    const std::wstring message(text, length);
+    return message.substr(0, message.find_last_not_of(L"\r\n ") + 1);
+}
+
+std::string systemError(unsigned long code) {
+    return utf8(systemMessage(code)) + " (error " + std::to_string(code) + ")";
+}
+
+std::string utf8(const std::wstring& text) {
+    const std::u8string converted = fs::path(text).u8string();
+    return {converted.begin(), converted.end()};
+}

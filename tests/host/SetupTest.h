@@ -1,0 +1,57 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "support/TestFolder.h"
+
+/// What a program has left when it ended.
+struct ProgramRun {
+    unsigned long exitCode;
+    std::string output;
+    std::string error;
+};
+
+/// A test with a setup as it is shipped: the host program, the engine, and the files of a script in
+/// one folder.
+class SetupTest : public testing::Test {
+protected:
+    SetupTest();
+
+    /// Runs temz.exe in the setup's folder, with its streams in files and an empty input.
+    ProgramRun temz(const std::wstring& arguments) const;
+
+    /// Runs temz.exe at a terminal of 80 columns on which these lines are typed. What is on the
+    /// screen in the end is the output. A shell may be put in place of the program.
+    ProgramRun temzAtTerminal(const std::wstring& arguments, const std::wstring& typed = {}) const;
+    ProgramRun atTerminal(const std::wstring& commandLine, const std::wstring& typed = {}) const;
+
+    /// Writes install.xml with one component, which holds the elements and installs into app().
+    void writeScript(const std::string& elements, const std::wstring& name = L"install.xml") const;
+
+    /// Something in the folder of the setup, or in the directory into which the scripts install.
+    std::wstring setup(const std::wstring& name) const { return folder.path(L"setup\\" + name); }
+    std::wstring app(const std::wstring& name) const { return folder.path(L"app\\" + name); }
+
+    /// Writes a file of the setup that the scripts can install.
+    void ship(const std::wstring& name, std::string_view content) const;
+
+    /// The files in the installed directory, with their contents.
+    std::map<std::wstring, std::string> installedFiles() const;
+
+    const TestFolder folder;
+};
+
+/// An element `File` that installs the file of the setup with this name.
+std::string file(const std::string& name, const std::string& attributes = {});
+
+/// The system's message for an error code, without a line end.
+std::wstring systemMessage(unsigned long code);
+
+/// The message and the code as temz.exe tells them: "Access denied. (error 5)".
+std::string systemError(unsigned long code);
+
+std::string utf8(const std::wstring& text);

@@ -1,0 +1,380 @@
+// The host program as deployment systems and scripts run it: with its streams redirected.
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <memory>
+
+#include "HostProgram.h"
+#include "SetupTest.h"
+#include "support/LockedFile.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::StartsWith;
+
+namespace {
+
+class TemzTest : public SetupTest {
+protected:
+    /// A product of two files, with the first of them shipped.
+    void shipHalf() const {
+        ship(L"a.txt", "a");
+        writeScript(file("a.txt") + file("lacking.txt") + file("a.txt"));
+    }
+};
+
+const std::string usage =
+    "Usage: temz install|uninstall|upgrade SCRIPT [--on-error=abort|ignore|retry:N]\n"
+    "\n"
+    "  --on-error   what to do when a vital action fails, in place of asking: end the run, go on\n"
+    "               without the action, or try it again up to N times before the run ends\n"
+    "  -h, --help   show this text\n"
+    "\n"
+    "Exit codes: 0 done, 3010 done and a restart is needed, 1602 ended by the user, 1603 failed,\n"
+    "1619 script can't be opened, 1620 script can't be loaded, 1639 wrong command line.\n";
+
+std::string copyFailed(const std::string& name, DWORD code) {
+    return "temz: Copying " + name + " failed: " + systemError(code) + "\n";
+}
+
+TEST_F(TemzTest, InstallsUpgradesAndRemovesAProduct) {
+    writeScript(file("a.txt") + file("b.txt"));
+    ship(L"a.txt", "a1");
+    ship(L"b.txt", "b1");
+
+    const ProgramRun install = temz(L"install install.xml");
+    EXPECT_EQ(install.exitCode, 0u);
+    EXPECT_EQ(install.output, "Copying a.txt\nCopying b.txt\n");
+    EXPECT_EQ(install.error, "");
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a1"), Pair(L"b.txt", "b1")));
+
+    ship(L"a.txt", "a2");
+    const ProgramRun upgrade = temz(L"upgrade install.xml");
+    EXPECT_EQ(upgrade.exitCode, 0u);
+    EXPECT_EQ(upgrade.output, install.output);
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a2"), Pair(L"b.txt", "b1")));
+
+    const ProgramRun uninstall = temz(L"uninstall install.xml");
+    EXPECT_EQ(uninstall.exitCode, 0u);
+    EXPECT_EQ(uninstall.output, "Deleting a.txt\nDeleting b.txt\n");
+    EXPECT_EQ(uninstall.error, "");
+    EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(TemzTest, TellsThatARestartIsNeeded) {
+    ship(L"a.txt", "new");
+    writeScript(file("a.txt", "SupportDelayInstall='yes'"));
+    folder.write(L"app\\a.txt", "old");
+    ProgramRun run;
+    {
+        const LockedFile inUse(app(L"a.txt"));
+        run = temz(L"install install.xml");
+    }
+
+    EXPECT_EQ(run.exitCode, 3010u);
+    EXPECT_EQ(run.output, "Copying a.txt\nRestart the machine to finish.\n");
+    EXPECT_EQ(run.error, "");
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "old"), Pair(L"a.txt!@#$%", "new")));
+}
+
+TEST_F(TemzTest, FailsEvenIfARestartIsNeeded) {
+    ship(L"a.txt", "new");
+    writeScript(file("a.txt", "SupportDelayInstall='yes'") + file("lacking.txt"));
+    folder.write(L"app\\a.txt", "old");
+    const LockedFile inUse(app(L"a.txt"));
+
+    const ProgramRun run = temz(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\n");
+    EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(TemzTest, NeedsARestartEvenIfAFailureIsIgnored) {
+    ship(L"a.txt", "new");
+    writeScript(file("a.txt", "SupportDelayInstall='yes'") + file("lacking.txt"));
+    folder.write(L"app\\a.txt", "old");
+    const LockedFile inUse(app(L"a.txt"));
+
+    EXPECT_EQ(temz(L"install install.xml --on-error=ignore").exitCode, 3010u);
+}
+
+TEST_F(TemzTest, EndsAtTheFirstFailureWhereNobodyCanBeAsked) {
+    shipHalf();
+    for (const wchar_t* option : {L"", L" --on-error=abort"}) {
+        const ProgramRun run = temz(L"install install.xml" + std::wstring(option));
+
+        EXPECT_EQ(run.exitCode, 1603u);
+        EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\n");
+        EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND));
+        EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
+    }
+}
+
+TEST_F(TemzTest, GoesOnWhenToldToIgnoreFailures) {
+    shipHalf();
+
+    const ProgramRun run = temz(L"install install.xml --on-error=ignore");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\nCopying a.txt\n");
+    EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(TemzTest, TriesAsOftenAgainAsItIsTold) {
+    writeScript(file("lacking.txt") + file("other.txt"));
+
+    const ProgramRun run = temz(L"--on-error=retry:2 install install.xml");
+
+    const std::string copying = "Copying lacking.txt\n";
+    const std::string failed = copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, copying + copying + copying);
+    EXPECT_EQ(run.error, failed + failed + failed);
+}
+
+TEST_F(TemzTest, GoesOnWhenARetrySucceeds) {
+    ship(L"a.txt", "new");
+    ship(L"b.txt", "b");
+    writeScript(file("a.txt") + file("b.txt"));
+    folder.write(L"app\\a.txt", "old");
+    auto inUse = std::make_unique<LockedFile>(app(L"a.txt"));
+    Pipe errors;
+    const HandlePtr process = startProgram(
+        L"\"" + setup(L"temz.exe") + L"\" install install.xml --on-error=retry:999999999",
+        folder.path(L"setup"), {nullptr, nullptr, errors.writer.get()});
+    errors.writer.reset();
+
+    // The file is free from the first failure on.
+    char text[4096];
+    DWORD size = 0;
+    ASSERT_TRUE(ReadFile(errors.reader.get(), text, sizeof text, &size, nullptr));
+    inUse.reset();
+    EXPECT_THAT(std::string(text, size), StartsWith(copyFailed("a.txt", ERROR_SHARING_VIOLATION)));
+    while (ReadFile(errors.reader.get(), text, sizeof text, &size, nullptr)) {
+    }
+
+    EXPECT_EQ(waitForProgram(process.get()), 0u);
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "new"), Pair(L"b.txt", "b")));
+}
+
+TEST_F(TemzTest, TellsWhichFileCouldNotBeDeleted) {
+    writeScript(file("a.txt"));
+    folder.write(L"app\\a.txt", "old");
+    const LockedFile inUse(app(L"a.txt"));
+
+    const ProgramRun run = temz(L"uninstall install.xml");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, "Deleting a.txt\n");
+    EXPECT_EQ(run.error, "temz: Deleting a.txt failed\n");
+}
+
+TEST_F(TemzTest, SurvivesTheFailureOfWhatIsNotVital) {
+    writeScript(file("lacking.txt", "Vital='no'"));
+
+    const ProgramRun run = temz(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.output, "Copying lacking.txt\n");
+    EXPECT_EQ(run.error, "");
+}
+
+TEST_F(TemzTest, FailsWhateverItIsToldWhenTheScriptIsWrong) {
+    ship(L"a.txt", "a");
+    writeScript(file("lacking.txt") + file("a.txt") + "<Feature/>");
+
+    const ProgramRun run = temz(L"install install.xml --on-error=ignore");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, "Copying lacking.txt\nCopying a.txt\n");
+    EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND) +
+                             "temz: (Component,All) has a illegal child element(Feature)\n");
+}
+
+TEST_F(TemzTest, FailsWithoutAnInstallSequence) {
+    ship(L"install.xml", "<Script><Product/></Script>");
+
+    const ProgramRun run = temz(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.error, "temz: Failed to create install element.\n");
+}
+
+TEST_F(TemzTest, DoesNothingWithoutComplaintWhenThereIsNothingToDo) {
+    writeScript("");
+
+    const ProgramRun run = temz(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.error, "");
+}
+
+TEST_F(TemzTest, WritesTheCautionsOfTheMode) {
+    writeScript(
+        "<Caution Title='Welcome' On='install'/><Caution Title='Farewell' On='uninstall'/>"
+        "<Caution Title='Read me'/>");
+
+    EXPECT_EQ(temz(L"install install.xml").output, "Caution: Welcome\nCaution: Read me\n");
+    EXPECT_EQ(temz(L"uninstall install.xml").output, "Caution: Farewell\nCaution: Read me\n");
+}
+
+TEST_F(TemzTest, FindsFilesBesideItselfWhereverTheScriptIs) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt"), L"my scripts\\install it.xml");
+
+    EXPECT_EQ(temz(L"install \"my scripts\\install it.xml\"").exitCode, 0u);
+    EXPECT_EQ(temz(L"install \"" + setup(L"my scripts\\install it.xml") + L"\"").exitCode, 0u);
+
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
+}
+
+TEST_F(TemzTest, RunsWithoutAnyStreams) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt") + file("lacking.txt"));
+
+    const HandlePtr process = startProgram(L"\"" + setup(L"temz.exe") + L"\" install install.xml",
+                                           folder.path(L"setup"), {});
+
+    EXPECT_EQ(waitForProgram(process.get()), 1603u);
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
+}
+
+TEST_F(TemzTest, WritesUtf8) {
+    const std::wstring script = L"Einf\u00FChrung.xml";
+    writeScript("<Caution Title='Caf\xE9'/>" + file("Pr\xE9nom.txt"), script);
+
+    const ProgramRun run = temz(L"install " + script);
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, "Caution: Caf\u00E9\nCopying Pr\u00E9nom.txt\n");
+    EXPECT_EQ(run.error, copyFailed("Pr\u00E9nom.txt", ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(TemzTest, TellsWhyAScriptCannotBeOpened) {
+    const std::wstring held = folder.write(L"setup\\held.xml", "<Script/>");
+    const LockedFile inUse(held);
+    const struct {
+        std::wstring script;
+        std::string reason;
+    } scripts[] = {
+        {L"lacking.xml", systemError(ERROR_FILE_NOT_FOUND)},
+        {L"lacking\\install.xml", systemError(ERROR_PATH_NOT_FOUND)},
+        {folder.path(), systemError(ERROR_ACCESS_DENIED)},
+        {held, systemError(ERROR_SHARING_VIOLATION)},
+        {L"\u5B89\u88C5.xml", systemError(ERROR_FILE_NOT_FOUND)},
+    };
+    for (const auto& [script, reason] : scripts) {
+        const ProgramRun run = temz(L"install " + script);
+
+        EXPECT_EQ(run.exitCode, 1619u);
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.error, "temz: " + utf8(script) + " can't be opened: " + reason + "\n");
+    }
+}
+
+TEST_F(TemzTest, TakesNoOtherScriptForOneThatTheCodePageCannotName) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt"), L"A.xml");
+    writeScript(file("a.txt"), L"\u0100.xml");  // which in many code pages becomes an A
+
+    const ProgramRun run = temz(L"install \u0100.xml");
+
+    EXPECT_EQ(run.exitCode, 1619u);
+    EXPECT_EQ(run.error,
+              "temz: \u0100.xml can't be opened: Its name isn't in the active code page.\n");
+    EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(TemzTest, OpensAScriptThatIsBeingWritten) {
+    writeScript("");
+    const HandlePtr writer(CreateFileW(setup(L"install.xml").c_str(), GENERIC_WRITE,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                       0, nullptr));
+
+    EXPECT_EQ(temz(L"install install.xml").exitCode, 0u);
+}
+
+TEST_F(TemzTest, TellsWhyAScriptCannotBeLoaded) {
+    const std::string noXml = "It is no XML that the engine can read.";
+    const struct {
+        const char* content;
+        std::string reason;
+    } scripts[] = {
+        {"", noXml},
+        {"<Script><Product></Script>", noXml},
+        {"<!-- nothing -->", "There is no root element."},
+        {"<Script><product/></Script>", "There is no Product element."},
+    };
+    for (const auto& [content, reason] : scripts) {
+        ship(L"install.xml", content);
+
+        const ProgramRun run = temz(L"install install.xml");
+
+        EXPECT_EQ(run.exitCode, 1620u) << content;
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.error, "temz: install.xml can't be loaded: " + reason + "\n");
+    }
+}
+
+TEST_F(TemzTest, RefusesAWrongCommandLine) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt"));
+    const std::string noPolicy = " is none of abort, ignore and retry:N.";
+    const struct {
+        std::wstring arguments;
+        std::string problem;
+    } commandLines[] = {
+        {L"", "The mode is missing."},
+        {L"--on-error=abort", "The mode is missing."},
+        {L"remove install.xml", "remove is no mode."},
+        {L"Install install.xml", "Install is no mode."},
+        {L"install", "The script is missing."},
+        {L"install \"\"", "The script is missing."},
+        {L"install install.xml more", "more is one argument too many."},
+        {L"install install.xml --force", "--force is no option."},
+        {L"install install.xml -f", "-f is no option."},
+        {L"install install.xml --on-error", "--on-error is no option."},
+        {L"install install.xml --on-error abort", "--on-error is no option."},
+        {L"install install.xml --on-error=", "--on-error=" + noPolicy},
+        {L"install install.xml --on-error=Abort", "--on-error=Abort" + noPolicy},
+        {L"install install.xml --on-error=retry", "--on-error=retry" + noPolicy},
+        {L"install install.xml --on-error=retry:", "--on-error=retry:" + noPolicy},
+        {L"install install.xml --on-error=retry:0", "--on-error=retry:0" + noPolicy},
+        {L"install install.xml --on-error=retry:x", "--on-error=retry:x" + noPolicy},
+        {L"install install.xml --on-error=retry:-1", "--on-error=retry:-1" + noPolicy},
+        {L"install install.xml --on-error=retry:2x", "--on-error=retry:2x" + noPolicy},
+        {L"install install.xml --on-error=retry:1000000000",
+         "--on-error=retry:1000000000" + noPolicy},
+        {L"install install.xml --on-error=retry:99999999999",
+         "--on-error=retry:99999999999" + noPolicy},
+        {L"install install.xml --on-error=abort --on-error=abort", "--on-error stands twice."},
+    };
+    for (const auto& [arguments, problem] : commandLines) {
+        const ProgramRun run = temz(arguments);
+
+        EXPECT_EQ(run.exitCode, 1639u) << problem;
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.error, "temz: " + problem + "\n" + usage);
+    }
+    EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(TemzTest, ExplainsItselfWhenAsked) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt"));
+    for (const wchar_t* arguments : {L"-h", L"--help", L"install install.xml --help"}) {
+        const ProgramRun run = temz(arguments);
+
+        EXPECT_EQ(run.exitCode, 0u);
+        EXPECT_EQ(run.output, usage);
+        EXPECT_EQ(run.error, "");
+    }
+    EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+}  // namespace
