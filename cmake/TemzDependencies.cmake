@@ -17,6 +17,7 @@ else()
     ${TEMZ_TINYXML_SOURCE}/tinyxmlerror.cpp
     ${TEMZ_TINYXML_SOURCE}/tinyxmlparser.cpp)
   target_include_directories(tinyxml SYSTEM PUBLIC ${TEMZ_TINYXML_SOURCE})
+  target_compile_definitions(tinyxml PUBLIC TIXML_USE_STL)
   target_link_libraries(temz_tinyxml INTERFACE tinyxml)
 endif()
 target_compile_definitions(temz_tinyxml INTERFACE TIXML_USE_STL)

@@ -8,14 +8,10 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 add_library(temz_options INTERFACE)
 target_compile_definitions(temz_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN NOGDI
   _WIN32_WINNT=0x0601)
-if(MSVC)
-  target_compile_options(temz_options INTERFACE /W4 /WX)
-else()
-  target_compile_options(temz_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
-  # The C++ runtime is linked in; the flags of the file header are the linker's default, said anyway.
-  target_link_options(temz_options INTERFACE -static -Wl,--dynamicbase -Wl,--high-entropy-va
-    -Wl,--nxcompat -Wl,--no-insert-timestamp)
-endif()
+target_compile_options(temz_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+# The C++ runtime is linked in; the flags of the file header are the linker's default, said anyway.
+target_link_options(temz_options INTERFACE -static -Wl,--dynamicbase -Wl,--high-entropy-va
+  -Wl,--nxcompat -Wl,--no-insert-timestamp)
 
 if(TEMZ_CHECKED)
   add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error -fstack-protector-strong)

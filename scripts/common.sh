@@ -13,21 +13,31 @@ wine_environment() {
     unset DISPLAY WAYLAND_DISPLAY LANG TZ
 }
 
-# Makes the prefix $1 if it isn't there yet: the first one from nothing, later ones by copying it.
-make_prefix() {
-    local prefix=$1 template=$wine_home/template
-    [ -e "$prefix/ready" ] && return
+# Makes the template of all prefixes if it isn't there yet. Whoever comes second waits for the first.
+make_template() {
+    local template=$wine_home/template lock
+    mkdir -p "$wine_home/home"
+    exec {lock}>"$wine_home/template.lock"
+    flock "$lock"
     if [ ! -e "$template/ready" ]; then
         rm -rf "$template"
-        mkdir -p "$template" "$wine_home/home"
+        mkdir -p "$template"
         (
             wine_environment "$template"
             wineboot -i && wineserver -w
-        ) >"$wine_home/wineboot.log" 2>&1 </dev/null
+        ) >"$wine_home/wineboot.log" 2>&1 </dev/null {lock}>&-
         touch "$template/ready"
     fi
+    exec {lock}>&-
+}
+
+# Makes the prefix $1, a copy of the template, if it isn't there yet.
+make_prefix() {
+    local prefix=$1
+    [ ! -e "$prefix/ready" ] || return 0
+    make_template
     rm -rf "$prefix"
-    cp -a "$template" "$prefix"
+    cp -a "$wine_home/template" "$prefix"
 }
 
 # Starts the server of the prefix $1 so that it outlives its last process: a server that ends and

@@ -26,6 +26,14 @@ wine_environment "$prefix"
 # A server that is not there yet is started here, with nothing to inherit but /dev/null.
 if ! wineserver -p 2>/dev/null </dev/null {lock}>&-; then :; fi
 wine cmd /c exit >/dev/null 2>&1 </dev/null {lock}>&-
+# A test program that ends before its tests do leaves this file, whatever its exit status says: some
+# crashes end in 0.
+unfinished=$prefix/drive_c/unfinished
+rm -f "$unfinished"
 status=0
-wine "$@" {lock}>&- || status=$?
+TEST_PREMATURE_EXIT_FILE='C:\unfinished' wine "$@" {lock}>&- || status=$?
+if [ "$status" = 0 ] && [ -e "$unfinished" ]; then
+    echo "$1 ended before its tests did." >&2
+    status=1
+fi
 exit "$status"

@@ -5,12 +5,6 @@
 #include "system/PathText.h"
 #include "system/ShellOperations.h"
 
-namespace {
-
-constexpr wchar_t pathAttribute[] = L"Path";
-
-}  // namespace
-
 bool CDirectoryElement::isCumulativeAttribute(const wchar_t* attributeName) const {
     return attributeName && wcscmp(attributeName, pathAttribute) == 0;
 }

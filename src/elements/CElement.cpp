@@ -41,7 +41,7 @@ CElement::CElement(const XmlHandle& source, CContext&) {
     if (!elementName)
         throw std::wstring(L"Can't obtain the name of the element");
     copyBounded(name, elementName.get());
-    if (const WideText elementId = getAttributeCopy(L"Id", &source))
+    if (const WideText elementId = getAttributeCopy(idAttribute, &source))
         copyBounded(id, elementId.get());
     node = copyHandle(source);
 }

@@ -67,6 +67,8 @@ public:
     /// "(name,id)", which opens most messages.
     std::wstring describe() const;
 
+    /// The two passes that settle the attributes. False when one that is required can't be had or a
+    /// text can't be expanded; `message` then tells why.
     bool readDeclaredAttributes(CContext& context, std::wstring& message);
     bool resolveDerivedAttributes(CContext& context, std::wstring& message);
 
@@ -77,12 +79,14 @@ public:
                            CContext& context) const;
 
     /// Asks the parent for an attribute. A parent that the walk hasn't set is made from the XML.
+    /// False, with the reason in `message`, when there is no parent or it has no such attribute.
     bool getFromParent(AttributeRecord& record, const wchar_t* attributeName, CContext& context,
                        std::wstring& message);
 
     /// Overwrites the attribute of that name; false when there is none.
     bool updateAttribute(const AttributeRecord& record);
 
+    /// The parent isn't owned, but for one that was made from the XML.
     CElement* getParent() const { return parent; }
     void setParent(CElement* element) { parent = element; }
 

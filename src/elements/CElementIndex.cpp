@@ -1,5 +1,7 @@
 #include "elements/CElementIndex.h"
 
+#include "elements/Vocabulary.h"
+
 namespace {
 
 /// Name and id in one key. No text of a script holds a NUL, so no two pairs share a key.
@@ -16,10 +18,8 @@ XmlHandlePtr CElementIndex::find(const wchar_t* elementName, const wchar_t* id,
                                  const XmlHandle* start) {
     if (!elementName || !id || !start)
         return nullptr;
-    if (!built) {
-        add(start);
-        built = true;
-    }
+    if (!complete && !build(*start))
+        return nullptr;
     const auto found = elements.find(keyOf(elementName, id));
     return found == elements.end() ? nullptr : copyHandle(found->second);
 }
@@ -29,14 +29,15 @@ void CElementIndex::clear() {
     *this = {};
 }
 
-// In the order of the search: each element before its descendants, and of equals the first stays.
-void CElementIndex::add(const XmlHandle* parent) {
-    for (XmlHandlePtr child = getFirstChildElement(parent); child;
-         child = getNextSiblingElement(child.get())) {
-        const WideText name = getElementName(child.get());
+// In the order of the search, of equals the first stays. A name that can't be had is memory that
+// is exhausted: an incomplete table would hide its elements from every later question.
+bool CElementIndex::build(const XmlHandle& start) {
+    complete = visitElements(start, [this](const XmlHandle& element) {
+        const WideText name = getElementName(&element);
         std::wstring id;
-        if (name && getAttributeText(child.get(), L"Id", id))
-            elements.try_emplace(keyOf(name.get(), id.c_str()), *child);
-        add(child.get());
-    }
+        if (name && getAttributeText(&element, idAttribute, id))
+            elements.try_emplace(keyOf(name.get(), id.c_str()), element);
+        return name != nullptr;
+    });
+    return complete;
 }

@@ -10,14 +10,15 @@
 /// first question. Valid as long as the document's elements and their ids stay as they are.
 class CElementIndex {
 public:
-    /// The first element below `start`, in document order, with this name and `Id`; null if none.
+    /// The first element below `start`, in document order, with this name and `Id`; null if none,
+    /// and when memory is exhausted. `start` is the same node at every call until clear.
     XmlHandlePtr find(const wchar_t* elementName, const wchar_t* id, const XmlHandle* start);
 
     void clear();
 
 private:
-    void add(const XmlHandle* parent);
+    bool build(const XmlHandle& start);
 
-    bool built = false;
+    bool complete = false;
     std::unordered_map<std::wstring, XmlHandle> elements;
 };

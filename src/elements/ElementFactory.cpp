@@ -5,6 +5,7 @@
 #include <iterator>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 #include "elements/CDirectoryElement.h"
 #include "engine/CContext.h"
@@ -38,7 +39,7 @@ MotionElementPtr makeByReference(const wchar_t* id, CContext& context) {
 }
 
 /// How the elements of one kind are made. One row in one of the tables is all that a new class
-/// needs.
+/// needs here.
 template <class Pointer>
 struct Maker {
     const ElementKind* kind;
@@ -88,7 +89,7 @@ public:
         if (depth++ == 0)
             made = 0;
         ++made;
-        if (depth > maxElementDepth)
+        if (depth > maxDepth)
             made = maxElements + 1;
     }
     MakingScope(const MakingScope&) = delete;
@@ -101,6 +102,9 @@ public:
     }
 
 private:
+    // From the deepest element through all that are around it, of which each may take both
+    // factories.
+    static constexpr size_t maxDepth = 2 * maxElementDepth;
     static constexpr size_t maxElements = 100'000;
 
     static inline size_t depth = 0;
@@ -119,7 +123,7 @@ Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
         const WideText name = getElementName(node);
         if (!name)
             throw std::wstring(L"Fail to get element name.");
-        const WideText id = getAttributeCopy(L"Id", node);
+        const WideText id = getAttributeCopy(idAttribute, node);
         Pointer element = make(name.get(), id.get());
         scope.check();
         return element;
@@ -138,7 +142,7 @@ void finish(Pointer* element, CContext& context) {
         (*element)->resolveDerivedAttributes(context, message))
         return;
     element->reset();
-    throw std::wstring(message);
+    throw std::wstring(std::move(message));
 }
 
 }  // namespace

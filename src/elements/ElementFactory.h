@@ -25,7 +25,7 @@ MotionElementPtr createRefMotionElement(const wchar_t* elementName, const wchar_
                                         CContext& context);
 
 /// Makes the directory that a `DirectoryRef` stands for; null, with the reason in lastCreateError,
-/// when it can't.
+/// when there is no such directory. Null without a reason for any other name and without an id.
 ElementPtr createDirectoryRefElement(const wchar_t* elementName, const wchar_t* id,
                                      CContext& context);
 

@@ -1,5 +1,7 @@
 #include "elements/TextExpansion.h"
 
+#include <utility>
+
 #include "engine/CContext.h"
 #include "logging/CSubject.h"
 

@@ -4,10 +4,15 @@
 #include <span>
 
 #include "engine/IterfaceContext.h"
+#include "expression/VariableType.h"
 #include "logging/IterfaceProduct.h"
 
 // The language of install scripts as data: which elements there are, what may stand in them, which
 // attributes they have, and the words with a meaning. All names are exact and case-sensitive.
+
+/// The attribute by which elements are referred to, and the one that places them on the disk.
+inline constexpr wchar_t idAttribute[] = L"Id";
+inline constexpr wchar_t pathAttribute[] = L"Path";
 
 /// An attribute that an element wants.
 struct AttributeDeclaration {
@@ -71,8 +76,6 @@ std::span<const OnKeyword> onKeywords();
 /// The value that `Vital`, `KillProcess` and `SupportDelayInstall` know; any other means no.
 inline constexpr wchar_t yesKeyword[] = L"yes";
 inline constexpr wchar_t noKeyword[] = L"no";
-
-enum VariableType : int32_t { VARIABLE_UNKNOWN = 0, VARIABLE_STRING = 1, VARIABLE_INT = 2 };
 
 /// A value of `Type` of a variable.
 struct VariableTypeKeyword {

@@ -100,7 +100,7 @@ void XmlDocumentDeleter::operator()(XmlDocument* document) const {
 
 XmlDocumentPtr makeDocument() {
     try {
-        return XmlDocumentPtr(std::make_unique<XmlDocument>().release());
+        return XmlDocumentPtr(new XmlDocument);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -231,6 +231,16 @@ XmlHandlePtr findElementRecursive(const wchar_t* elementName, const wchar_t* att
             return found;
     }
     return nullptr;
+}
+
+bool visitElements(const XmlHandle& start, const std::function<bool(const XmlHandle&)>& visit) {
+    for (TiXmlElement* child = start.node->FirstChildElement(); child;
+         child = child->NextSiblingElement()) {
+        ++nodesVisited;
+        if (const XmlHandle handle{child}; !visit(handle) || !visitElements(handle, visit))
+            return false;
+    }
+    return true;
 }
 
 XmlHandlePtr findChildByAttribute(const wchar_t* elementName, const wchar_t* attributeName,

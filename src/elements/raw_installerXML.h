@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -36,8 +37,8 @@ inline constexpr size_t maxElementDepth = 256;
 /// well-formed, or is nested too deeply.
 XmlDocumentPtr openDocument(const wchar_t* fileName);
 
-/// Reads a file, or a text, in place of what the document holds. The document is empty or partly
-/// read after a failure.
+/// Reads a file, or a text, in place of what the document holds. After a failure the document holds
+/// nothing, a part, or, when there was nothing to read, what it held before.
 bool loadDocument(XmlDocument& document, const wchar_t* fileName);
 bool parseDocument(XmlDocument& document, const wchar_t* text);
 
@@ -84,6 +85,10 @@ bool setAttributeText(const XmlHandle* handle, const wchar_t* attributeName, con
 /// attribute value. An element is tested before its descendants; `start` itself isn't tested.
 XmlHandlePtr findElementRecursive(const wchar_t* elementName, const wchar_t* attributeName,
                                   const wchar_t* attributeValue, const XmlHandle* start);
+
+/// Shows `visit` each element below `start`, in document order, until it answers false. True when
+/// it has seen them all.
+bool visitElements(const XmlHandle& start, const std::function<bool(const XmlHandle&)>& visit);
 
 /// As findElementRecursive, among the direct children alone.
 XmlHandlePtr findChildByAttribute(const wchar_t* elementName, const wchar_t* attributeName,

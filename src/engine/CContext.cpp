@@ -9,31 +9,7 @@
 #include "expression/CStringVariable.h"
 #include "expression/CVariableElement.h"
 #include "logging/Log.h"
-#include "system/SystemCalls.h"
 #include "system/SystemFacts.h"
-
-namespace {
-
-struct OsVersion {
-    uint32_t major;
-    uint32_t minor;
-};
-
-/// Asks with the larger of the two version records, and with the smaller where that one fails.
-std::optional<OsVersion> askOsVersion() {
-    OSVERSIONINFOEXW extended{};
-    extended.dwOSVersionInfoSize = sizeof extended;
-    if (systemCalls.GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&extended)))
-        return OsVersion{extended.dwMajorVersion, extended.dwMinorVersion};
-
-    OSVERSIONINFOW plain{};
-    OsVersion version{};
-    if (getOsVersion(version.major, version.minor, plain))
-        return version;
-    return std::nullopt;
-}
-
-}  // namespace
 
 // Left undefined: the run mode is the host's to set.
 CContext::CContext() = default;

@@ -45,8 +45,8 @@ bool CProductElement::findDirectory(std::wstring& path, const wchar_t* directory
         return false;
     }
     AttributeRecord record;
-    if (!directory->getAttribute(L"Path", record)) {
-        error += directory->describe() + L" element can't get " + L"Path" + L" attribute.";
+    if (!directory->getAttribute(pathAttribute, record)) {
+        error += directory->describe() + L" element can't get " + pathAttribute + L" attribute.";
         return false;
     }
     path = record.value;

@@ -13,6 +13,7 @@ public:
     bool getDirectory(std::wstring& path, const wchar_t* directoryId,
                       IterfaceContext* context) override;
 
+    /// Where searches begin; stays the element's.
     const XmlHandle* getNode() const { return node.get(); }
 
 private:

@@ -16,12 +16,15 @@ enum RunMode : int32_t {
 /// One install script and what the engine makes of it. A context belongs to one thread at a time,
 /// and a process uses one context at a time. Host and engine must be built with the same compiler
 /// and runtime library, since they share std::wstring and the layout of this class.
+///
+/// Exhausted memory leaves load, getVariable and the operations of the product as std::bad_alloc;
+/// call unload then.
 class IterfaceContext {
 public:
     /// Opens and reads a script. The path is converted to the active code page. False when it
-    /// fails: `lastError` then tells why, but for a file that can't be opened or is no XML, where
-    /// it keeps what it held. A failed load leaves nothing behind, and a script that was loaded
-    /// before stays loaded.
+    /// fails: `lastError` then tells why, but for a file that can't be opened, is no XML or is
+    /// nested more than 256 elements deep, where it keeps what it held. A failed load leaves
+    /// nothing behind, and a script that was loaded before stays loaded.
     virtual bool load(const wchar_t* scriptPath) = 0;
 
     /// Releases the script; what getProduct has given is then gone. Safe at any time, and due
@@ -32,7 +35,7 @@ public:
     virtual IterfaceProduct* getProduct() = 0;
 
     /// Reads a string variable of the script. False, with the reason in `lastError` and `value`
-    /// untouched, when there is no variable of that name or it isn't a string.
+    /// untouched, when there is no variable of that name or it isn't a string. `name` isn't null.
     virtual bool getVariable(std::wstring& value, const wchar_t* name) = 0;
 
     /// Always an empty text.

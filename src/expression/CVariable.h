@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
-#include "elements/Vocabulary.h"
+#include "expression/VariableType.h"
 
 class CVariable;
 class CVariableElement;
@@ -27,7 +28,7 @@ public:
     virtual std::wstring getString() const;
 
     VariableType type;
-    bool isConst;
+    bool isConst;               ///< can't be assigned to
     CVariableElement* element;  ///< holds name and value; not owned, null for a built-in variable
 
 protected:

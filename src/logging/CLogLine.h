@@ -17,7 +17,8 @@ public:
     CLogLine& operator=(const CLogLine&) = delete;
     ~CLogLine();
 
-    /// Text that is null, and wide text that the active code page can't take, appends "null".
+    /// Wide text is converted to the active code page. Text that is null, or can't be converted for
+    /// lack of memory, appends "null".
     CLogLine& operator<<(const char* narrow);
     CLogLine& operator<<(const wchar_t* wide);
     CLogLine& operator<<(const std::wstring& wide);
@@ -26,7 +27,7 @@ public:
 
     template <class Integer>
     requires std::is_integral_v<Integer> CLogLine& operator<<(Integer value) {
-        text << value;
+        text << +value;  // a number, also of the types that are characters to a stream
         return *this;
     }
 

@@ -36,16 +36,17 @@ int32_t CSubject::clearRunState() {
 }
 
 void CSubject::notifyObserver() {
-    if (hasObserver())
-        observer->update(this);
+    if (IterfaceObserver* listener = observerOrWarning())
+        listener->update(this);
 }
 
 int32_t CSubject::askObserver(ErrorInfo* error) {
-    return hasObserver() ? observer->askOnError(error) : ANSWER_ABORT;
+    IterfaceObserver* listener = observerOrWarning();
+    return listener ? listener->askOnError(error) : ANSWER_ABORT;
 }
 
-bool CSubject::hasObserver() const {
+IterfaceObserver* CSubject::observerOrWarning() const {
     if (observer == nullptr)
         writeLog(WARNNING, "Observer is NULL in subject.");
-    return observer != nullptr;
+    return observer;
 }

@@ -32,5 +32,6 @@ public:
     int32_t askObserver(ErrorInfo* error);
 
 private:
-    bool hasObserver() const;
+    /// The observer; null, with a line in the log, when there is none.
+    IterfaceObserver* observerOrWarning() const;
 };

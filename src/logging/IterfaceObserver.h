@@ -15,8 +15,8 @@ enum ObserverAnswer : int32_t {
 
 /// Implemented by the host, which stores the object in IterfaceProduct::observer and owns it. Both
 /// operations are called on the thread that called IterfaceProduct::run, which waits for them, so
-/// the members of the product may be read freely. Neither may throw: the engine catches nothing
-/// that leaves an observer.
+/// the members of the product may be read freely. Neither may throw, since the engine
+/// catches nothing that leaves an observer, nor call load, unload or run, whose script is at work.
 class IterfaceObserver {
 public:
     /// An action is about to be carried out: `product->actionInfo` tells which, and

@@ -7,7 +7,8 @@ class IterfaceContext;
 class IterfaceObserver;
 
 /// What an action does, by the script element that carries it out. The numbers stand in
-/// ActionInfo::code, and in ErrorInfo::code when the action has failed.
+/// ActionInfo::code, and, but for ERROR_CODE_REMOVE_SHORTCUT, in ErrorInfo::code when the action
+/// has failed.
 enum ActionCode : uint32_t {
     ACTION_CONDITION = 2,             ///< Condition: text1 is the expression about to be evaluated
     ACTION_COPY_FILE = 3,             ///< File, at install and upgrade: text1 is its name
@@ -39,9 +40,9 @@ struct ActionInfo {
 };
 
 /// The last failure. It doesn't tell whether a run has succeeded, which its result alone does: each
-/// element that starts sets `code` to 1 and empties the rest.
+/// action that starts sets `code` to 1 and empties the rest.
 struct ErrorInfo {
-    uint32_t code;         ///< 1 for a failure told by `message` alone, else one of ActionCode
+    uint32_t code;         ///< ERROR_CODE_MESSAGE, ERROR_CODE_REMOVE_SHORTCUT, or one of ActionCode
     wchar_t text1[512];    ///< the object of the failed action
     wchar_t text2[512];    ///< a further text of the action
     uint32_t systemError;  ///< the system's error code, 0xFFFFFFFF or 0 when there is none
@@ -61,7 +62,7 @@ public:
 
     /// Looks up the place that a folder word or the Id of a `Directory` element names. On success
     /// `path` ends in a separator, unless it is empty. False, with `errorInfo.message` telling why,
-    /// when there is no such place; `path` may hold what it held before.
+    /// when there is no such place; `path` may hold what it held before. `directoryId` isn't null.
     virtual bool getDirectory(std::wstring& path, const wchar_t* directoryId,
                               IterfaceContext* context) = 0;
 

@@ -17,9 +17,9 @@ constexpr uint32_t killDelay = 1000;
 
 /// Ends the program that runs from `target`, if one does. That it can't be ended is no failure:
 /// the copy or the deletion is tried all the same.
-void killRunningTarget(const std::wstring& target) {
+void killRunningTarget(const wchar_t* target) {
     uint32_t processId = 0;
-    if (!findProcessByPath(processId, target.c_str()))
+    if (!findProcessByPath(processId, target))
         return;
     if (!killProcessById(processId, 1)) {
         writeLog(WARNNING, "Failed to kill process(", target, ")");
@@ -27,11 +27,6 @@ void killRunningTarget(const std::wstring& target) {
     }
     clockCalls.Sleep(killDelay);
     writeLog(INFO, "Kill process (", target, ") success.");
-}
-
-std::wstring joined(const std::wstring& directory, const std::wstring& name) {
-    const WideText path = joinPath(directory.c_str(), name.c_str());
-    return path ? path.get() : L"";
 }
 
 }  // namespace
@@ -63,30 +58,33 @@ int32_t CFileMtElement::execute(CContext& context) {
                             &texts.killProcess},
                            fileKind.fetched, context))
         return -1;
-    const std::wstring target = joined(texts.path, texts.name);
+    const WideText target = joinPath(texts.path.c_str(), texts.name.c_str());
+    if (!target)
+        return -1;
     if (texts.killProcess == yesKeyword)
-        killRunningTarget(target);
+        killRunningTarget(target.get());
     switch (context.runMode) {
         case RUNMODE_INSTALL:
         case RUNMODE_UPGRADE:
-            return install(texts, target, context);
+            return install(texts, target.get(), context);
         case RUNMODE_UNINSTALL:
-            return uninstall(texts, target, context);
+            return uninstall(texts, target.get(), context);
         default:
             return -1;
     }
 }
 
-int32_t CFileMtElement::install(const Texts& texts, const std::wstring& target,
+int32_t CFileMtElement::install(const Texts& texts, const wchar_t* target,
                                 CContext& context) const {
     // A directory that can't be made shows up as a failure of the copy.
-    if (const WideText directory = parentDirectory(target.c_str()))
+    if (const WideText directory = parentDirectory(target))
         createDirectories(directory.get());
     announce(ACTION_COPY_FILE, texts.name, L"", context);
 
-    const std::wstring source = joined(hostProgramDirectory(), texts.source);
+    const WideText source = joinPath(hostProgramDirectory().c_str(), texts.source.c_str());
     const bool delayAllowed = texts.supportDelayInstall == yesKeyword;
-    const int32_t result = copyFileWithDelay(source.c_str(), target.c_str(), delayAllowed);
+    const int32_t result =
+        source ? copyFileWithDelay(source.get(), target, delayAllowed) : COPY_FAILED;
     switch (result) {
         case COPY_DONE:
             return 0;
@@ -105,11 +103,11 @@ int32_t CFileMtElement::install(const Texts& texts, const std::wstring& target,
     return result;
 }
 
-int32_t CFileMtElement::uninstall(const Texts& texts, const std::wstring& target,
+int32_t CFileMtElement::uninstall(const Texts& texts, const wchar_t* target,
                                   CContext& context) const {
     announce(ACTION_DELETE_FILE, texts.name, L"", context);
     writeLog(WARNNING, "delete file ", target);
-    const int32_t result = deleteFile(target.c_str());
+    const int32_t result = deleteFile(target);
     if (result != 0)
         context.subject().setErrorInfo(ACTION_DELETE_FILE, texts.name, 0);
     return result;

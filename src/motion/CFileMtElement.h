@@ -16,6 +16,6 @@ public:
 
 private:
     struct Texts;
-    int32_t install(const Texts& texts, const std::wstring& target, CContext& context) const;
-    int32_t uninstall(const Texts& texts, const std::wstring& target, CContext& context) const;
+    int32_t install(const Texts& texts, const wchar_t* target, CContext& context) const;
+    int32_t uninstall(const Texts& texts, const wchar_t* target, CContext& context) const;
 };

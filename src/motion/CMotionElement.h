@@ -15,6 +15,7 @@ public:
 
     /// Comes before the children; `descend` tells whether they and `execute` come at all.
     virtual int32_t prepare(bool& descend, CContext& context);
+    /// Whether an element of this name may stand directly in this one.
     virtual bool isChildAllowed(const wchar_t* childName) const;
     /// The action; comes after the children.
     virtual int32_t execute(CContext& context);
@@ -28,6 +29,7 @@ public:
     int32_t runChildren(CContext& context);
     /// `execute`, repeated, ignored or passed up as `Vital` and the host's observer will have it.
     int32_t runAction(CContext& context);
+    /// Whether a failure of `execute` matters: without `Vital` it does.
     bool isVital(CContext& context) const;
 
     /// The element's share of the run, in percent.

@@ -30,9 +30,11 @@ bool createDirectories(const wchar_t* path);
 
 /// Removes a directory with all that it holds. What can be removed is removed even when something
 /// can't be; true only when the directory itself is gone, or was never there. Links to directories
-/// are entered like directories. A path of 260 characters or more, here or below, ends the process.
+/// are entered like directories. What the buffer can't hold ends the process: with a separator and
+/// "*" behind it a directory's path, and as it stands a file's, has at most 259 characters.
 bool removeDirectoryTree(const wchar_t* path);
 
+/// Whether the system finds something by this path: a file, a directory, or any match of a pattern.
 bool fileExists(const wchar_t* path);
 
 /// The text before the last backslash, or, in a path without one, before the last forward slash.

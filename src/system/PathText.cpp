@@ -1,13 +1,18 @@
 #include "system/PathText.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <cwchar>
-#include <cwctype>
 #include <new>
 
 #include "system/LocalTime.h"
 
 namespace {
+
+bool equalIgnoringCase(wchar_t left, wchar_t right) {
+    return CompareStringOrdinal(&left, 1, &right, 1, TRUE) == CSTR_EQUAL;
+}
 
 constexpr size_t stampLength = 128;
 
@@ -61,9 +66,13 @@ void makeStampedName(const wchar_t* path, std::wstring& name) {
     name.insert(dot == std::wstring::npos ? name.size() : dot, processStamp);
 }
 
+bool equalIgnoringCase(const wchar_t* left, const wchar_t* right) {
+    return CompareStringOrdinal(left, -1, right, -1, TRUE) == CSTR_EQUAL;
+}
+
 bool samePath(const wchar_t* left, const wchar_t* right) {
     while (*left && *right) {
-        const bool same = *left == *right || std::towlower(*left) == std::towlower(*right) ||
+        const bool same = *left == *right || equalIgnoringCase(*left, *right) ||
                           (isSeparator(*left) && isSeparator(*right));
         if (!same)
             return false;

@@ -21,6 +21,9 @@ WideText parentDirectory(const wchar_t* path);
 /// without one. All calls of a process use the stamp of the first. A null path counts as empty.
 void makeStampedName(const wchar_t* path, std::wstring& name);
 
+/// Whether two texts are the same but for case, by the case table that file names obey.
+bool equalIgnoringCase(const wchar_t* left, const wchar_t* right);
+
 /// Whether two paths are the same text but for case, the kind of separator, and trailing
 /// separators.
 bool samePath(const wchar_t* left, const wchar_t* right);

@@ -48,10 +48,6 @@ const wchar_t* baseName(const wchar_t* path) {
     return end;
 }
 
-bool sameText(const wchar_t* left, const wchar_t* right) {
-    return _wcsicmp(left, right) == 0;
-}
-
 struct LocalMemory {
     void operator()(void* memory) const { processCalls.LocalFree(memory); }
 };
@@ -83,9 +79,9 @@ bool findProcessByPath(uint32_t& processId, const wchar_t* path) {
     for (BOOL more = processCalls.Process32FirstW(snapshot.get(), &entry); more;
          more = processCalls.Process32NextW(snapshot.get(), &entry)) {
         wchar_t image[pathBufferLength];
-        if (sameText(entry.szExeFile, name) &&
+        if (equalIgnoringCase(entry.szExeFile, name) &&
             getProcessImagePath(image, pathBufferLength, entry.th32ProcessID) &&
-            sameText(image, path)) {
+            equalIgnoringCase(image, path)) {
             processId = entry.th32ProcessID;
             return true;
         }

@@ -26,3 +26,16 @@ bool getOsVersion(uint32_t& major, uint32_t& minor, OSVERSIONINFOW& record) {
     minor = record.dwMinorVersion;
     return true;
 }
+
+std::optional<OsVersion> askOsVersion() {
+    OSVERSIONINFOEXW extended{};
+    extended.dwOSVersionInfoSize = sizeof extended;
+    if (systemCalls.GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&extended)))
+        return OsVersion{extended.dwMajorVersion, extended.dwMinorVersion};
+
+    OSVERSIONINFOW plain{};
+    OsVersion version{};
+    if (getOsVersion(version.major, version.minor, plain))
+        return version;
+    return std::nullopt;
+}

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstdlib>
 #include <cwchar>
 
 static_assert(sizeof(wchar_t) == 2, "wide text is UTF-16");
@@ -16,7 +17,7 @@ constexpr UINT invalidParameterStatus = 0xC0000417;
 // Not the runtime's own handler: some runtimes only return an error where others end the process.
 void failInvalidParameter() {
     TerminateProcess(GetCurrentProcess(), invalidParameterStatus);
-    __builtin_trap();
+    std::abort();
 }
 
 void copyBounded(wchar_t* field, size_t capacity, const wchar_t* text) {

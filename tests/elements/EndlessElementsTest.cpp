@@ -114,6 +114,23 @@ TEST_F(EndlessElementsTest, DirectoriesNestedAsDeepAsAScriptCanBeWork) {
     EXPECT_EQ(directory(nested(deepest), "D" + std::to_string(deepest)), expected);
 }
 
+// An element of the sequence that is needed as a parent takes both factories.
+TEST_F(EndlessElementsTest, ComponentsNestedAsDeepAsAScriptCanBeWork) {
+    std::string open, close;
+    for (int i = 0; i < 250; ++i) {
+        open += "<Component>";
+        close += "</Component>";
+    }
+    ASSERT_TRUE(loadProduct("<Directory Id='D' Path='p'>" + open + component + close +
+                            "</Directory><InstallExecuteSequence><Feature><ComponentRef Id='C'/>"
+                            "</Feature></InstallExecuteSequence>"));
+
+    run();
+
+    // The file knows its place, and so comes as far as its action.
+    EXPECT_EQ(observer.updates.size(), 1u);
+}
+
 TEST_F(EndlessElementsTest, ChainThatDoublesAFewTimesWorks) {
     std::wstring expected;
     for (int i = 0; i < 1 << 10; ++i)

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/CContext.h"
+#include "logging/IterfaceProduct.h"
 #include "support/TestFolder.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "engine/IterfaceContext.h"
 #include "logging/IterfaceObserver.h"
 #include "logging/IterfaceProduct.h"
-#include "support/VirtualSlot.h"
+#include "support/ClassLayout.h"
 
 // The warning is about classes with virtual operations, whose layout this platform fixes all the
 // same.
@@ -36,14 +36,14 @@ TEST(PublicLayoutTest, ContextHasItsMembersBehindItsTable) {
 }
 
 TEST(PublicLayoutTest, ContextHasFiveVirtualOperationsAndNoVirtualDestructor) {
-    EXPECT_EQ(virtualSlot(&IterfaceContext::load), 0u);
-    EXPECT_EQ(virtualSlot(&IterfaceContext::unload), 1u);
-    EXPECT_EQ(virtualSlot(&IterfaceContext::getProduct), 2u);
-    EXPECT_EQ(virtualSlot(&IterfaceContext::getVariable), 3u);
-    EXPECT_EQ(virtualSlot(&IterfaceContext::getReservedText), 4u);
-    EXPECT_EQ(virtualSlot(&Extended<IterfaceContext>::next), 5u);
-    EXPECT_EQ(virtualSlot(&IterfaceContext::getLastError), notVirtual);
-    EXPECT_EQ(virtualSlot(&IterfaceContext::getRunMode), notVirtual);
+    EXPECT_EQ(slotOf(&IterfaceContext::load), 0u);
+    EXPECT_EQ(slotOf(&IterfaceContext::unload), 1u);
+    EXPECT_EQ(slotOf(&IterfaceContext::getProduct), 2u);
+    EXPECT_EQ(slotOf(&IterfaceContext::getVariable), 3u);
+    EXPECT_EQ(slotOf(&IterfaceContext::getReservedText), 4u);
+    EXPECT_EQ(slotOf(&Extended<IterfaceContext>::next), 5u);
+    EXPECT_EQ(slotOf(&IterfaceContext::getLastError), notVirtual);
+    EXPECT_EQ(slotOf(&IterfaceContext::getRunMode), notVirtual);
     EXPECT_FALSE(std::has_virtual_destructor_v<IterfaceContext>);
 }
 
@@ -65,15 +65,15 @@ TEST(PublicLayoutTest, ProductHasItsMembersBehindItsTable) {
 // A virtual destructor has two slots: one destroys, the other releases the memory as well.
 TEST(PublicLayoutTest, ProductHasTwoVirtualOperationsBehindItsDestructor) {
     EXPECT_TRUE(std::has_virtual_destructor_v<IterfaceProduct>);
-    EXPECT_EQ(virtualSlot(&IterfaceProduct::run), 2u);
-    EXPECT_EQ(virtualSlot(&IterfaceProduct::getDirectory), 3u);
-    EXPECT_EQ(virtualSlot(&Extended<IterfaceProduct>::next), 4u);
+    EXPECT_EQ(slotOf(&IterfaceProduct::run), 2u);
+    EXPECT_EQ(slotOf(&IterfaceProduct::getDirectory), 3u);
+    EXPECT_EQ(slotOf(&Extended<IterfaceProduct>::next), 4u);
 }
 
 TEST(PublicLayoutTest, ObserverHasTwoVirtualOperationsAndNoVirtualDestructor) {
-    EXPECT_EQ(virtualSlot(&IterfaceObserver::update), 0u);
-    EXPECT_EQ(virtualSlot(&IterfaceObserver::askOnError), 1u);
-    EXPECT_EQ(virtualSlot(&Extended<IterfaceObserver>::next), 2u);
+    EXPECT_EQ(slotOf(&IterfaceObserver::update), 0u);
+    EXPECT_EQ(slotOf(&IterfaceObserver::askOnError), 1u);
+    EXPECT_EQ(slotOf(&Extended<IterfaceObserver>::next), 2u);
     EXPECT_EQ(sizeof(IterfaceObserver), sizeof(void*));
     EXPECT_FALSE(std::has_virtual_destructor_v<IterfaceObserver>);
 }

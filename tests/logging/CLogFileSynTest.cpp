@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "support/VirtualSlot.h"
+#include "support/ClassLayout.h"
 
 namespace {
 
@@ -55,8 +55,8 @@ TEST(CLogSynTest, LetsEveryThreadIn) {
 }
 
 TEST(CLogSynTest, HasTwoVirtualOperations) {
-    EXPECT_EQ(virtualSlot(&CLogSyn::lock), 0u);
-    EXPECT_EQ(virtualSlot(&CLogSyn::unlock), 1u);
+    EXPECT_EQ(slotOf(&CLogSyn::lock), 0u);
+    EXPECT_EQ(slotOf(&CLogSyn::unlock), 1u);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <barrier>
+#include <atomic>
 #include <iostream>
 #include <limits>
 #include <thread>
@@ -172,11 +172,12 @@ TEST(CLogLineTest, IsWrittenByOneThreadAtATime) {
         const LogFile log;
         writeFile(logPath, std::string(largestSize + 1, 'x'));
         {
-            std::barrier start(threadCount);
+            std::atomic<int> missing = threadCount;
             std::vector<std::jthread> threads;
             for (int thread = 0; thread < threadCount; ++thread)
                 threads.emplace_back([&] {
-                    start.arrive_and_wait();
+                    for (--missing; missing > 0;)
+                        std::this_thread::yield();
                     writeLog(INFO, "text");
                 });
         }

@@ -3,12 +3,17 @@
 #include <array>
 #include <bit>
 #include <cstddef>
+#include <cstdint>
 
-/// The place of a virtual operation in its class's table, which a host calls through. A pointer to
-/// a virtual member holds the operation's byte in the table plus one.
+inline constexpr size_t notVirtual = SIZE_MAX;
+
+/// The place of an operation in its class's virtual table, through which hosts call it. A pointer
+/// to a virtual operation begins with its byte in the table plus one, and a pointer to any other
+/// with the operation's address, which is even.
 template <class Operation>
 size_t slotOf(Operation operation) {
-    return std::bit_cast<std::array<size_t, 2>>(operation)[0] / sizeof(void*);
+    const size_t place = std::bit_cast<std::array<size_t, 2>>(operation)[0];
+    return place % 2 == 1 ? place / sizeof(void*) : notVirtual;
 }
 
 /// The byte of an object at which a member of it begins.

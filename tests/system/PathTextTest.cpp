@@ -66,6 +66,7 @@ TEST(SamePathTest, IgnoresCaseKindOfSeparatorAndSeparatorsAtTheEnd) {
         {L"C:\\a\\", L"c:/A"},
         {L"C:\\a/\\//", L"C:\\a"},
         {L"a/b\\c", L"A\\B/C"},
+        {L"\u00C4pfel\\\u0416", L"\u00E4PFEL\\\u0436"},
         {L"", L""},
         {L"", L"\\/"},
     };

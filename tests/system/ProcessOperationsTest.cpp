@@ -125,11 +125,12 @@ TEST(FindProcessByPathTest, TellsEqualNamesInDifferentDirectoriesApart) {
     EXPECT_EQ(found(other.path(L"sleeper.exe")), second.id());
 }
 
-TEST(FindProcessByPathTest, IgnoresCase) {
+TEST(FindProcessByPathTest, IgnoresCaseAlsoOfOtherAlphabets) {
     const TestFolder folder;
-    const Sleeper process(folder.path(L"sleeper.exe"));
-    std::wstring path = folder.path(L"sleeper.exe");
-    std::transform(path.begin(), path.end(), path.begin(), std::towupper);
+    const Sleeper process(folder.path(L"\u00E4\\sleeper \u0436.exe"));
+
+    std::wstring path = folder.path(L"\u00C4\\SLEEPER \u0416.EXE");
+    path[0] = static_cast<wchar_t>(path[0] ^ 0x20);
 
     EXPECT_EQ(found(path), process.id());
 }
