@@ -137,7 +137,7 @@ private:
     /// UTF-8 is also what goes without a name. A name spelled with references is for the parser
     /// alone to read.
     void setEncoding(std::string_view name) {
-        refused = name.find('&') != name.npos;
+        refused = name.find('&') != std::string_view::npos;
         const bool isUtf8 = name.empty() || startsWithIgnoringCase(name.data(), "UTF-8") ||
                             startsWithIgnoringCase(name.data(), "UTF8");
         encoding = isUtf8 ? Encoding::Utf8 : Encoding::Bytes;
