@@ -1,16 +1,18 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "elements/Vocabulary.h"
 #include "elements/raw_installerXML.h"
+#include "system/BaseOwner.h"
 
 class CContext;
 class CElement;
+
+using ElementPtr = BaseOwner<CElement>;
 
 /// One resolved attribute.
 struct AttributeRecord {
@@ -21,14 +23,6 @@ struct AttributeRecord {
 /// Fills a record. A null pointer is told in the log; then it ends the process, as a name of 256
 /// characters or more does.
 void fillAttributeRecord(AttributeRecord& record, const wchar_t* name, const wchar_t* valueText);
-
-/// Elements have no virtual destructor: whoever makes one says how its real class is destroyed, and
-/// every owner, by whatever base it holds the element, keeps that.
-struct ElementDeleter {
-    void (*destroy)(CElement*) = nullptr;
-    void operator()(CElement* element) const { destroy(element); }
-};
-using ElementPtr = std::unique_ptr<CElement, ElementDeleter>;
 
 /// The base of everything that an XML element of a script becomes: its name and id, its resolved
 /// attributes, and the link to its parent.

@@ -4,7 +4,6 @@
 #include <cwchar>
 #include <iterator>
 #include <new>
-#include <type_traits>
 #include <utility>
 
 #include "elements/CDirectoryElement.h"
@@ -13,8 +12,11 @@
 #include "expression/CVariableElement.h"
 #include "motion/CCautionMtElement.h"
 #include "motion/CComponentMtElement.h"
+#include "motion/CConditionMtElement.h"
+#include "motion/CCopyFileMtElement.h"
 #include "motion/CFeatureMtElement.h"
 #include "motion/CFileMtElement.h"
+#include "motion/CFileSearchMtElement.h"
 #include "motion/CFragmentMtElement.h"
 #include "motion/CInstallMtElement.h"
 
@@ -22,20 +24,14 @@ namespace {
 
 std::wstring lastCreateError;
 
-template <class Element>
-void destroyElement(CElement* element) {
-    static_assert(std::is_final_v<Element>, "another class behind it would be destroyed wrongly");
-    std::default_delete<Element>()(static_cast<Element*>(element));
-}
-
-template <class Element, class Pointer>
+template <class Pointer, class Element>
 Pointer makeFromNode(const XmlHandle& node, CContext& context) {
-    return Pointer(new Element(node, context), {&destroyElement<Element>});
+    return makeOwned<Pointer, Element>(node, context);
 }
 
 template <class Element, const ElementKind& kind>
 MotionElementPtr makeByReference(const wchar_t* id, CContext& context) {
-    return MotionElementPtr(new Element(kind.name, id, context), {&destroyElement<Element>});
+    return makeOwned<MotionElementPtr, Element>(kind.name, id, context);
 }
 
 /// How the elements of one kind are made. One row in one of the tables is all that a new class
@@ -48,22 +44,25 @@ struct Maker {
 };
 
 constexpr Maker<MotionElementPtr> motionMakers[] = {
-    {&installKind, &makeFromNode<CInstallMtElement>},
-    {&fragmentKind, &makeFromNode<CFragmentMtElement>,
+    {&installKind, &makeFromNode<MotionElementPtr, CInstallMtElement>},
+    {&fragmentKind, &makeFromNode<MotionElementPtr, CFragmentMtElement>,
      &makeByReference<CFragmentMtElement, fragmentKind>},
-    {&featureKind, &makeFromNode<CFeatureMtElement>,
+    {&featureKind, &makeFromNode<MotionElementPtr, CFeatureMtElement>,
      &makeByReference<CFeatureMtElement, featureKind>},
-    {&componentKind, &makeFromNode<CComponentMtElement>,
+    {&componentKind, &makeFromNode<MotionElementPtr, CComponentMtElement>,
      &makeByReference<CComponentMtElement, componentKind>},
-    {&fileKind, &makeFromNode<CFileMtElement>},
-    {&cautionKind, &makeFromNode<CCautionMtElement>},
+    {&conditionKind, &makeFromNode<MotionElementPtr, CConditionMtElement>},
+    {&fileKind, &makeFromNode<MotionElementPtr, CFileMtElement>},
+    {&copyFileKind, &makeFromNode<MotionElementPtr, CCopyFileMtElement>},
+    {&fileSearchKind, &makeFromNode<MotionElementPtr, CFileSearchMtElement>},
+    {&cautionKind, &makeFromNode<MotionElementPtr, CCautionMtElement>},
 };
 
 constexpr Maker<ElementPtr> lookedUpMakers[] = {
-    {&directoryKind, &makeFromNode<CDirectoryElement>},
-    {&productKind, &makeFromNode<CProductElement>},
-    {&variableKind, &makeFromNode<CVariableElement>},
-    {&variableConstKind, &makeFromNode<CVariableElement>},
+    {&directoryKind, &makeFromNode<ElementPtr, CDirectoryElement>},
+    {&productKind, &makeFromNode<ElementPtr, CProductElement>},
+    {&variableKind, &makeFromNode<ElementPtr, CVariableElement>},
+    {&variableConstKind, &makeFromNode<ElementPtr, CVariableElement>},
 };
 
 template <class Makers>
@@ -207,8 +206,8 @@ ElementPtr createDirectoryRefElement(const wchar_t* elementName, const wchar_t* 
     if (wcscmp(elementName, directoryReference.name) != 0 || id == nullptr)
         return nullptr;
     try {
-        return ElementPtr(new CDirectoryElement(directoryReference.target->name, id, context),
-                          {&destroyElement<CDirectoryElement>});
+        return makeOwned<ElementPtr, CDirectoryElement>(directoryReference.target->name, id,
+                                                        context);
     } catch (const std::wstring& message) {
         lastCreateError = message;
         return nullptr;

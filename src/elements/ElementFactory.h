@@ -1,12 +1,11 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "elements/CElement.h"
 #include "motion/CMotionElement.h"
 
-using MotionElementPtr = std::unique_ptr<CMotionElement, ElementDeleter>;
+using MotionElementPtr = BaseOwner<CMotionElement, CElement>;
 
 /// Makes the element of a node, of any kind. Null, with the reason in lastCreateError, when the
 /// element is unknown or can't be built. No message is thrown out of a factory.

@@ -27,6 +27,14 @@ constexpr const wchar_t* componentChildren[] = {
     L"Condition",  L"CustomAction", L"ShellExcute",     L"ServiceControl",
     L"FileSearch", L"CopyFile",     L"RemoveDirectory", L"Caution"};
 
+constexpr AttributeDeclaration conditionDeclared[] = {{L"Expression", required}};
+constexpr const wchar_t* conditionChildren[] = {
+    L"Condition",      L"Feature",         L"Fragment", L"CustomAction", L"ShellExcute",
+    L"ServiceControl", L"FileSearch",      L"CopyFile", L"FeatureRef",   L"FragmentRef",
+    L"Component",      L"ComponentRef",    L"File",     L"Shortcut",     L"RegistryKey",
+    L"RegistryValue",  L"RemoveDirectory", L"Caution"};
+constexpr ActionCode conditionActions[] = {ACTION_CONDITION};
+
 constexpr AttributeDeclaration fileDeclared[] = {{L"Name", required},
                                                  {L"Source", required},
                                                  {L"SupportDelayInstall", optional},
@@ -41,6 +49,12 @@ constexpr AttributeDeclaration fileFetched[] = {{L"Path", required},
                                                 {L"KillProcess", optional}};
 constexpr ActionCode fileActions[] = {ACTION_COPY_FILE, ACTION_DELETE_FILE};
 
+constexpr AttributeDeclaration copyFileDeclared[] = {{L"DestinationName", required},
+                                                     {L"SourceName", required}};
+
+constexpr AttributeDeclaration fileSearchDeclared[] = {
+    {L"Name", required}, {L"Path", required}, {L"Expression", required}, {L"MinVersion", optional}};
+
 constexpr AttributeDeclaration cautionDeclared[] = {{L"Title", required}, {L"On", optional}};
 constexpr AttributeDeclaration cautionFetched[] = {{L"Title", required}};
 constexpr ActionCode cautionActions[] = {ACTION_CAUTION};
@@ -51,8 +65,9 @@ constexpr AttributeDeclaration directoryDerived[] = {{L"Path", required}};
 constexpr AttributeDeclaration variableDeclared[] = {{L"Value", required}, {L"Type", required}};
 
 // In the order in which names are tested.
-constexpr const ElementKind* motion[] = {&installKind,   &fragmentKind, &featureKind,
-                                         &componentKind, &fileKind,     &cautionKind};
+constexpr const ElementKind* motion[] = {&installKind,   &fragmentKind,   &featureKind,
+                                         &componentKind, &conditionKind,  &fileKind,
+                                         &copyFileKind,  &fileSearchKind, &cautionKind};
 constexpr const ElementKind* lookedUp[] = {&directoryKind, &productKind, &variableKind,
                                            &variableConstKind};
 constexpr ReferenceKind references[] = {{L"FragmentRef", &fragmentKind},
@@ -95,6 +110,13 @@ constinit const ElementKind componentKind = {
     .derived = componentDerived,
     .children = componentChildren,
 };
+constinit const ElementKind conditionKind = {
+    .name = L"Condition",
+    .className = "CConditionMtElement",
+    .declared = conditionDeclared,
+    .children = conditionChildren,
+    .actions = conditionActions,
+};
 constinit const ElementKind fileKind = {
     .name = L"File",
     .className = "CFileMtElement",
@@ -102,6 +124,17 @@ constinit const ElementKind fileKind = {
     .derived = fileDerived,
     .fetched = fileFetched,
     .actions = fileActions,
+};
+constinit const ElementKind copyFileKind = {
+    .name = L"CopyFile",
+    .className = "CCopyFileMtElement",
+    .declared = copyFileDeclared,
+};
+constinit const ElementKind fileSearchKind = {
+    .name = L"FileSearch",
+    .className = "CFileSearchMtElement",
+    .declared = fileSearchDeclared,
+    .fetched = fileSearchDeclared,
 };
 constinit const ElementKind cautionKind = {
     .name = L"Caution",

@@ -83,14 +83,15 @@ CSubject& CContext::subject() {
 }
 
 bool CContext::createOsVariables() {
-    variables.push_back(makeVariable<CIntVariable>(L"OS_BIT", isNative64Bit() ? 64 : 32));
+    variables.push_back(
+        makeOwned<CVariablePtr, CIntVariable>(L"OS_BIT", isNative64Bit() ? 64 : 32));
     const std::optional<OsVersion> version = askOsVersion();
     if (!version) {
         lastError = L"Can't get OS Version.";
         return false;
     }
-    variables.push_back(makeVariable<CIntVariable>(L"OS_MAJOR_VERSION", version->major));
-    variables.push_back(makeVariable<CIntVariable>(L"OS_MINOR_VERSION", version->minor));
+    variables.push_back(makeOwned<CVariablePtr, CIntVariable>(L"OS_MAJOR_VERSION", version->major));
+    variables.push_back(makeOwned<CVariablePtr, CIntVariable>(L"OS_MINOR_VERSION", version->minor));
     return true;
 }
 
@@ -118,10 +119,10 @@ bool CContext::createScriptVariable(const XmlHandle& node, bool isConst) {
     auto* element = static_cast<CVariableElement*>(made.get());
     switch (element->getVariableType()) {
         case VARIABLE_STRING:
-            variables.push_back(makeVariable<CStringVariable>(element, isConst));
+            variables.push_back(makeOwned<CVariablePtr, CStringVariable>(element, isConst));
             break;
         case VARIABLE_INT:
-            variables.push_back(makeVariable<CIntVariable>(element, isConst));
+            variables.push_back(makeOwned<CVariablePtr, CIntVariable>(element, isConst));
             break;
         default:
             writeLog(WARNNING, element->describe(), " unknown variable type.");

@@ -1,21 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
-#include <utility>
 
 #include "expression/VariableType.h"
+#include "system/BaseOwner.h"
 
-class CVariable;
 class CVariableElement;
-
-/// Variables have no virtual destructor: their maker says how the real class is destroyed.
-struct CVariableDeleter {
-    void (*destroy)(CVariable*) = nullptr;
-    void operator()(CVariable* variable) const { destroy(variable); }
-};
-using CVariablePtr = std::unique_ptr<CVariable, CVariableDeleter>;
 
 /// A named value that expressions read and assign, and that attribute texts refer to by `#name`.
 class CVariable {
@@ -40,9 +31,4 @@ protected:
     void requireWritable() const;
 };
 
-template <class Variable, class... Arguments>
-CVariablePtr makeVariable(Arguments&&... arguments) {
-    return CVariablePtr(new Variable(std::forward<Arguments>(arguments)...), {[](CVariable* made) {
-                            std::default_delete<Variable>()(static_cast<Variable*>(made));
-                        }});
-}
+using CVariablePtr = BaseOwner<CVariable>;

@@ -13,22 +13,29 @@ bool isDigit(wchar_t character) {
     return character >= L'0' && character <= L'9';
 }
 
-WideText copyText(const wchar_t* text, size_t length) {
+WideText copyText(const wchar_t* begin, const wchar_t* end) {
+    const auto length = static_cast<size_t>(end - begin);
     WideText copy(new (std::nothrow) wchar_t[length + 1]);
     if (copy) {
-        wmemcpy(copy.get(), text, length);
+        wmemcpy(copy.get(), begin, length);
         copy[length] = L'\0';
     }
     return copy;
 }
 
+/// Whether text and delimiter are the same as far as the shorter one goes.
+bool matches(const wchar_t* text, const wchar_t* delimiter) {
+    while (*text && *delimiter)
+        if (*text++ != *delimiter++)
+            return false;
+    return true;
+}
+
 /// The number of the first delimiter that stands at `text`, or -1.
-int32_t delimiterAt(const wchar_t* text, size_t length, const wchar_t* const* delimiters) {
-    for (int32_t number = 0; number < delimiterCount; ++number) {
-        const size_t compared = std::min(length, wcslen(delimiters[number]));
-        if (wmemcmp(text, delimiters[number], compared) == 0)
+int32_t delimiterAt(const wchar_t* text, const wchar_t* const* delimiters) {
+    for (int32_t number = 0; number < delimiterCount; ++number)
+        if (matches(text, delimiters[number]))
             return number;
-    }
     return -1;
 }
 
@@ -57,21 +64,18 @@ WideText nextPiece(const wchar_t* text, const wchar_t* const* delimiters, size_t
     if (source == nullptr || *source == L'\0')
         return nullptr;
 
-    const size_t length = wcslen(source);
-    size_t position = 0;
+    // No further than to the end of the piece: a long text is cut in one pass over all its pieces.
+    const wchar_t* end = source;
     int32_t found = -1;
-    while (position < length &&
-           (found = delimiterAt(source + position, length - position, delimiters)) < 0)
-        ++position;
+    while (*end && (found = delimiterAt(end, delimiters)) < 0)
+        ++end;
 
-    if (position == 0) {
-        const size_t delimiterLength = wcslen(delimiters[found]);
-        const size_t taken = std::min(delimiterLength, length);
+    if (end == source) {
         index = found;
-        rest = source + taken;
-        return copyText(source, taken);
+        rest = source + wcsnlen(source, wcslen(delimiters[found]));
+        return copyText(source, rest);
     }
     index = -1;
-    rest = position < length ? source + position : nullptr;
-    return copyText(source, position);
+    rest = *end ? end : nullptr;
+    return copyText(source, end);
 }

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "motion/CMotionElement.h"
+
+/// The script element `CopyFile`: its attributes are checked, and nothing is done. Scripts may
+/// carry it; `File` is what copies.
+class CCopyFileMtElement final : public CMotionElement {
+public:
+    CCopyFileMtElement(const XmlHandle& node, CContext& context);
+
+    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
+    int32_t execute(CContext& context) override;
+};

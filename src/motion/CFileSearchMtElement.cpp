@@ -1,0 +1,57 @@
+#include "motion/CFileSearchMtElement.h"
+
+#include "engine/CContext.h"
+#include "expression/CExpression.h"
+#include "logging/CSubject.h"
+#include "logging/Log.h"
+#include "system/FileOperations.h"
+#include "system/FileVersion.h"
+#include "system/PathText.h"
+
+static_assert(sizeof(CFileSearchMtElement) == sizeof(CMotionElement));
+
+namespace {
+
+bool satisfiesVersion(const wchar_t* file, const std::wstring& minVersion) {
+    if (minVersion.empty())
+        return true;
+    uint64_t version = 0;
+    const bool satisfied =
+        getFileVersion(file, version) && version >= parseVersionText(minVersion.c_str());
+    writeLog(INFO,
+             satisfied ? "Satisfy min version required." : "Can't satisfy min version required.");
+    return satisfied;
+}
+
+}  // namespace
+
+CFileSearchMtElement::CFileSearchMtElement(const XmlHandle& node, CContext& context)
+    : CMotionElement(node, context) {
+    requireActionKind(fileSearchKind);
+}
+
+void CFileSearchMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
+    assignDeclarations(list, fileSearchKind.declared);
+}
+
+int32_t CFileSearchMtElement::execute(CContext& context) {
+    std::wstring name;
+    std::wstring path;
+    std::wstring expression;
+    std::wstring minVersion;
+    if (!getAttributesText({&name, &path, &expression, &minVersion}, fileSearchKind.fetched,
+                           context))
+        return -1;
+    const WideText file = joinPath(path.c_str(), name.c_str());
+    if (!file)
+        return -1;
+    if (!fileExists(file.get()) || !satisfiesVersion(file.get(), minVersion))
+        return 0;
+    try {
+        CExpression().evaluate(expression.c_str(), context);
+    } catch (const std::wstring& message) {
+        context.subject().setErrorText(message);
+        return -1;
+    }
+    return 0;
+}
