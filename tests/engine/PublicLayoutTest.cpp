@@ -15,12 +15,6 @@
 // Hosts are built against these numbers: whoever changes one breaks them.
 namespace {
 
-/// A virtual operation behind all those of `Base`: its slot tells how many there are.
-template <class Base>
-struct Extended : Base {
-    virtual void next() = 0;
-};
-
 TEST(PublicLayoutTest, WideStringIsThatOfTheSharedRuntime) {
     EXPECT_EQ(sizeof(std::wstring), 32u);
     EXPECT_EQ(alignof(std::wstring), 8u);

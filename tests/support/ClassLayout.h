@@ -16,6 +16,12 @@ size_t slotOf(Operation operation) {
     return place % 2 == 1 ? place / sizeof(void*) : notVirtual;
 }
 
+/// A virtual operation behind all those of `Base`: its slot tells how many there are.
+template <class Base>
+struct Extended : Base {
+    virtual void next() = 0;
+};
+
 /// The byte of an object at which a member of it begins.
 template <class Object, class Member>
 ptrdiff_t offsetIn(const Object& object, const Member& member) {
