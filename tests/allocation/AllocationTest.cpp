@@ -8,6 +8,7 @@
 #include "elements/ElementFactory.h"
 #include "elements/raw_installerXML.h"
 #include "engine/CContext.h"
+#include "expression/CExpression.h"
 #include "logging/Log.h"
 #include "support/LogFile.h"
 #include "support/TestFolder.h"
@@ -96,6 +97,40 @@ TEST(AllocationTest, ReferenceTellsThatMemoryIsShort) {
     }
 
     EXPECT_EQ(message, L"Insufficient memory.");
+}
+
+TEST(AllocationTest, ExpressionTellsThatMemoryIsShortWhereverItEnds) {
+    const TestFolder folder;
+    CContext context;
+    ASSERT_TRUE(context.load(folder.write(L"a.xml", script).c_str()));
+    CExpression expression;
+
+    bool failed = true;
+    for (size_t succeeding = 0; failed; ++succeeding) {
+        std::wstring message;
+        const FailingAllocation failing(succeeding, 1);
+        try {
+            EXPECT_TRUE(expression.evaluate(L"( 5 G 3 ) AND !!V", context));
+        } catch (const std::wstring& thrown) {
+            message = thrown;
+        }
+        failed = failing.hasFailed();
+        EXPECT_EQ(message, failed ? L"Insufficient memory." : L"") << succeeding;
+    }
+}
+
+TEST(AllocationTest, ExpressionReleasesWhatAFailureLeftOnItsStacks) {
+    const TestFolder folder;
+    CContext context;
+    ASSERT_TRUE(context.load(folder.write(L"a.xml", script).c_str()));
+    const size_t before = liveAllocations();
+    {
+        CExpression expression;
+        for (const wchar_t* failing : {L"( V AND ( 1 OR ! ! absent", L"1 )", L"1 AND 2 = 3 = 4"})
+            EXPECT_THROW(expression.evaluate(failing, context), std::wstring);
+        ASSERT_GT(liveAllocations(), before);
+    }
+    EXPECT_EQ(liveAllocations(), before);
 }
 
 TEST(AllocationTest, LogLineIsLostSilently) {

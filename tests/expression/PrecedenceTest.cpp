@@ -132,7 +132,7 @@ protected:
         for (const auto& [name, value] : values)
             variable(name.c_str()).setInt(value);
         const std::wstring outcome =
-            outcomeOf(expression, [&] { return machine.evaluate(expression.c_str(), context); });
+            outcomeOf([&] { return machine.evaluate(expression.c_str(), context); });
         return outcome + told({{L"A", variable(L"A").getInt()},
                                {L"B", variable(L"B").getInt()},
                                {L"C", variable(L"C").getInt()}});
@@ -141,18 +141,17 @@ protected:
     /// The same by the grammar.
     static std::wstring expected(const std::wstring& expression, Variables values) {
         const Node tree = Parser(expression).assignment();
-        const std::wstring outcome =
-            outcomeOf(expression, [&] { return Evaluator(values).truth(tree); });
+        const std::wstring outcome = outcomeOf([&] { return Evaluator(values).truth(tree); },
+                                               L"\"" + expression + L"\" expression error:");
         return outcome + told(values);
     }
 
     template <class Evaluation>
-    static std::wstring outcomeOf(const std::wstring& expression, Evaluation evaluation) {
-        const std::wstring wrapper = L"\"" + expression + L"\" expression error:";
+    static std::wstring outcomeOf(Evaluation evaluation, const std::wstring& wrapper = {}) {
         try {
             return evaluation() ? L"true" : L"false";
         } catch (const std::wstring& message) {
-            return message.starts_with(wrapper) ? message : wrapper + message;
+            return wrapper + message;
         }
     }
 
