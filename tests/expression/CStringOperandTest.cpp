@@ -52,7 +52,7 @@ TEST_F(CStringOperandTest, IsTrueUnlessItsTextIsEmpty) {
         EXPECT_EQ(operand.getBoolean(), 1) << text;
     }
 
-    variable(L"S")->element->setValueText(L"");
+    variable(L"S")->element->setValueText({});
 
     EXPECT_EQ(operand.getBoolean(), 0);
 }
