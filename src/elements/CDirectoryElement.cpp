@@ -11,10 +11,7 @@ bool CDirectoryElement::isCumulativeAttribute(const wchar_t* attributeName) cons
 
 bool CDirectoryElement::combineWithParent(const std::wstring& parentValue,
                                           std::wstring& value) const {
-    if (parentValue.empty())
-        return true;
-    const wchar_t* separator = isSeparator(parentValue.back()) ? L"" : L"\\";
-    value = parentValue + separator + value;
+    value.insert(0, withSeparator(parentValue));
     return true;
 }
 

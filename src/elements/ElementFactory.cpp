@@ -14,11 +14,18 @@
 #include "motion/CComponentMtElement.h"
 #include "motion/CConditionMtElement.h"
 #include "motion/CCopyFileMtElement.h"
+#include "motion/CCustomActionMtElement.h"
 #include "motion/CFeatureMtElement.h"
 #include "motion/CFileMtElement.h"
 #include "motion/CFileSearchMtElement.h"
 #include "motion/CFragmentMtElement.h"
 #include "motion/CInstallMtElement.h"
+#include "motion/CRegistryKeyMtElement.h"
+#include "motion/CRegistryValueMtElement.h"
+#include "motion/CRemoveDirectoryMtElement.h"
+#include "motion/CServiceControlMtElement.h"
+#include "motion/CShellExcuteMtElement.h"
+#include "motion/CShortcutMtElement.h"
 
 namespace {
 
@@ -52,9 +59,16 @@ constexpr Maker<MotionElementPtr> motionMakers[] = {
     {&componentKind, &makeFromNode<MotionElementPtr, CComponentMtElement>,
      &makeByReference<CComponentMtElement, componentKind>},
     {&conditionKind, &makeFromNode<MotionElementPtr, CConditionMtElement>},
+    {&customActionKind, &makeFromNode<MotionElementPtr, CCustomActionMtElement>},
     {&fileKind, &makeFromNode<MotionElementPtr, CFileMtElement>},
+    {&shortcutKind, &makeFromNode<MotionElementPtr, CShortcutMtElement>},
+    {&shellExcuteKind, &makeFromNode<MotionElementPtr, CShellExcuteMtElement>},
+    {&serviceControlKind, &makeFromNode<MotionElementPtr, CServiceControlMtElement>},
     {&copyFileKind, &makeFromNode<MotionElementPtr, CCopyFileMtElement>},
     {&fileSearchKind, &makeFromNode<MotionElementPtr, CFileSearchMtElement>},
+    {&registryKeyKind, &makeFromNode<MotionElementPtr, CRegistryKeyMtElement>},
+    {&registryValueKind, &makeFromNode<MotionElementPtr, CRegistryValueMtElement>},
+    {&removeDirectoryKind, &makeFromNode<MotionElementPtr, CRemoveDirectoryMtElement>},
     {&cautionKind, &makeFromNode<MotionElementPtr, CCautionMtElement>},
 };
 

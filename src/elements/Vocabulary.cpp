@@ -33,7 +33,16 @@ constexpr const wchar_t* conditionChildren[] = {
     L"ServiceControl", L"FileSearch",      L"CopyFile", L"FeatureRef",   L"FragmentRef",
     L"Component",      L"ComponentRef",    L"File",     L"Shortcut",     L"RegistryKey",
     L"RegistryValue",  L"RemoveDirectory", L"Caution"};
-constexpr ActionCode conditionActions[] = {ACTION_CONDITION};
+constexpr ElementAction conditionActions[] = {{ACTION_CONDITION, ERROR_CODE_MESSAGE}};
+
+constexpr AttributeDeclaration customActionDeclared[] = {{L"DllFile", required},
+                                                         {L"DllEntry", required},
+                                                         {L"Return", required},
+                                                         {L"On", optional},
+                                                         {L"Title", optional}};
+constexpr AttributeDeclaration customActionFetched[] = {
+    {L"DllFile", required}, {L"DllEntry", required}, {L"Return", required}, {L"Title", optional}};
+constexpr ElementAction customActionActions[] = {{ACTION_CUSTOM_ACTION, ACTION_CUSTOM_ACTION}};
 
 constexpr AttributeDeclaration fileDeclared[] = {{L"Name", required},
                                                  {L"Source", required},
@@ -47,7 +56,44 @@ constexpr AttributeDeclaration fileFetched[] = {{L"Path", required},
                                                 {L"Source", required},
                                                 {L"SupportDelayInstall", optional},
                                                 {L"KillProcess", optional}};
-constexpr ActionCode fileActions[] = {ACTION_COPY_FILE, ACTION_DELETE_FILE};
+constexpr ElementAction fileActions[] = {{ACTION_COPY_FILE, ACTION_COPY_FILE},
+                                         {ACTION_DELETE_FILE, ACTION_DELETE_FILE}};
+
+constexpr AttributeDeclaration shortcutDeclared[] = {{L"Name", required},
+                                                     {L"Description", required},
+                                                     {L"Target", required},
+                                                     {L"WorkingDirectory", optional},
+                                                     {L"IcoFile", optional}};
+constexpr AttributeDeclaration shortcutDerived[] = {{L"Path", required}};
+constexpr AttributeDeclaration shortcutFetched[] = {{L"Path", required},
+                                                    {L"Name", required},
+                                                    {L"Description", required},
+                                                    {L"Target", required},
+                                                    {L"WorkingDirectory", optional},
+                                                    {L"IcoFile", optional}};
+constexpr ElementAction shortcutActions[] = {{ACTION_SHORTCUT, ACTION_SHORTCUT},
+                                             {ACTION_SHORTCUT, ERROR_CODE_REMOVE_SHORTCUT}};
+
+constexpr AttributeDeclaration shellExcuteDeclared[] = {
+    {L"File", required}, {L"Return", required}, {L"ExeCommand", optional}, {L"On", optional},
+    {L"Show", optional}, {L"Title", optional},  {L"Vital", optional}};
+constexpr AttributeDeclaration shellExcuteFetched[] = {{L"File", required},
+                                                       {L"Return", required},
+                                                       {L"ExeCommand", optional},
+                                                       {L"Show", optional},
+                                                       {L"Title", optional}};
+constexpr ElementAction shellExcuteActions[] = {{ACTION_SHELL_EXCUTE, ACTION_SHELL_EXCUTE}};
+
+constexpr AttributeDeclaration serviceControlDeclared[] = {{L"Name", required},
+                                                           {L"Action", required},
+                                                           {L"Wait", required},
+                                                           {L"On", optional},
+                                                           {L"Vital", optional}};
+constexpr AttributeDeclaration serviceControlFetched[] = {
+    {L"Name", required}, {L"Action", required}, {L"Wait", required}};
+constexpr ElementAction serviceControlActions[] = {{ACTION_STOP_SERVICE, ACTION_STOP_SERVICE},
+                                                   {ACTION_START_SERVICE, ACTION_START_SERVICE},
+                                                   {ACTION_REMOVE_SERVICE, ACTION_REMOVE_SERVICE}};
 
 constexpr AttributeDeclaration copyFileDeclared[] = {{L"DestinationName", required},
                                                      {L"SourceName", required}};
@@ -55,9 +101,37 @@ constexpr AttributeDeclaration copyFileDeclared[] = {{L"DestinationName", requir
 constexpr AttributeDeclaration fileSearchDeclared[] = {
     {L"Name", required}, {L"Path", required}, {L"Expression", required}, {L"MinVersion", optional}};
 
+constexpr AttributeDeclaration registryKeyDeclared[] = {
+    {L"Action", required}, {L"Key", required},   {L"Root", optional},
+    {L"On", optional},     {L"Vital", optional}, {L"Title", optional}};
+constexpr AttributeDeclaration registryKeyDerived[] = {{L"Root", required}};
+constexpr AttributeDeclaration registryKeyFetched[] = {
+    {L"Action", required}, {L"Key", required}, {L"Root", required}, {L"Title", optional}};
+constexpr const wchar_t* registryKeyChildren[] = {L"RegistryKey", L"RegistryValue", L"Condition"};
+constexpr ElementAction registryKeyActions[] = {
+    {ACTION_CREATE_REGISTRY_KEY, ACTION_CREATE_REGISTRY_KEY},
+    {ACTION_REMOVE_REGISTRY_KEY, ACTION_REMOVE_REGISTRY_KEY}};
+
+constexpr AttributeDeclaration registryValueDeclared[] = {
+    {L"Name", required}, {L"Type", required}, {L"Value", required}, {L"Vital", optional}};
+constexpr AttributeDeclaration registryValueDerived[] = {{L"Key", required}, {L"Root", required}};
+constexpr AttributeDeclaration registryValueFetched[] = {{L"Name", required},
+                                                         {L"Type", required},
+                                                         {L"Value", required},
+                                                         {L"Key", required},
+                                                         {L"Root", required}};
+constexpr ElementAction registryValueActions[] = {{ACTION_REGISTRY_VALUE, ACTION_REGISTRY_VALUE}};
+
+constexpr AttributeDeclaration removeDirectoryDeclared[] = {
+    {L"Path", required}, {L"On", optional}, {L"Vital", optional}, {L"Title", optional}};
+constexpr AttributeDeclaration removeDirectoryFetched[] = {{L"Path", required},
+                                                           {L"Title", optional}};
+constexpr ElementAction removeDirectoryActions[] = {
+    {ACTION_REMOVE_DIRECTORY, ACTION_REMOVE_DIRECTORY}};
+
 constexpr AttributeDeclaration cautionDeclared[] = {{L"Title", required}, {L"On", optional}};
 constexpr AttributeDeclaration cautionFetched[] = {{L"Title", required}};
-constexpr ActionCode cautionActions[] = {ACTION_CAUTION};
+constexpr ElementAction cautionActions[] = {{ACTION_CAUTION, noErrorCode}};
 
 constexpr AttributeDeclaration directoryDeclared[] = {{L"Path", optional}};
 constexpr AttributeDeclaration directoryDerived[] = {{L"Path", required}};
@@ -65,9 +139,11 @@ constexpr AttributeDeclaration directoryDerived[] = {{L"Path", required}};
 constexpr AttributeDeclaration variableDeclared[] = {{L"Value", required}, {L"Type", required}};
 
 // In the order in which names are tested.
-constexpr const ElementKind* motion[] = {&installKind,   &fragmentKind,   &featureKind,
-                                         &componentKind, &conditionKind,  &fileKind,
-                                         &copyFileKind,  &fileSearchKind, &cautionKind};
+constexpr const ElementKind* motion[] = {
+    &installKind,      &fragmentKind,   &featureKind,     &componentKind,     &conditionKind,
+    &customActionKind, &fileKind,       &shortcutKind,    &shellExcuteKind,   &serviceControlKind,
+    &copyFileKind,     &fileSearchKind, &registryKeyKind, &registryValueKind, &removeDirectoryKind,
+    &cautionKind};
 constexpr const ElementKind* lookedUp[] = {&directoryKind, &productKind, &variableKind,
                                            &variableConstKind};
 constexpr ReferenceKind references[] = {{L"FragmentRef", &fragmentKind},
@@ -81,6 +157,21 @@ constexpr OnKeyword keywordsOfOn[] = {{L"install", inInstall},
                                       {L"uninstall", inUninstall},
                                       {L"upgrade", inUpgrade},
                                       {L"installupgrade", inInstall | inUpgrade}};
+
+constexpr ActionKeyword keywordsOfServiceAction[] = {{L"stop", ACTION_STOP_SERVICE},
+                                                     {L"start", ACTION_START_SERVICE},
+                                                     {L"remove", ACTION_REMOVE_SERVICE}};
+constexpr ActionKeyword keywordsOfKeyAction[] = {{L"create", ACTION_CREATE_REGISTRY_KEY},
+                                                 {L"remove", ACTION_REMOVE_REGISTRY_KEY}};
+
+// The numbers of the system's predefined keys and of its value types.
+constexpr RegistryKeyword keywordsOfRoot[] = {{L"HKEY_CLASSES_ROOT", 0x80000000},
+                                              {L"HKEY_CURRENT_USER", 0x80000001},
+                                              {L"HKEY_LOCAL_MACHINE", 0x80000002},
+                                              {L"HKEY_USERS", 0x80000003},
+                                              {L"HKEY_CURRENT_CONFIG", 0x80000005}};
+constexpr RegistryKeyword keywordsOfValueType[] = {
+    {L"REG_SZ", 1}, {L"REG_DWORD", 4}, {L"REG_MULTI_SZ", 7}};
 
 constexpr VariableTypeKeyword keywordsOfType[] = {{L"string", VARIABLE_STRING},
                                                   {L"int", VARIABLE_INT}};
@@ -117,6 +208,13 @@ constinit const ElementKind conditionKind = {
     .children = conditionChildren,
     .actions = conditionActions,
 };
+constinit const ElementKind customActionKind = {
+    .name = L"CustomAction",
+    .className = "CCustomActionMtElement",
+    .declared = customActionDeclared,
+    .fetched = customActionFetched,
+    .actions = customActionActions,
+};
 constinit const ElementKind fileKind = {
     .name = L"File",
     .className = "CFileMtElement",
@@ -124,6 +222,28 @@ constinit const ElementKind fileKind = {
     .derived = fileDerived,
     .fetched = fileFetched,
     .actions = fileActions,
+};
+constinit const ElementKind shortcutKind = {
+    .name = L"Shortcut",
+    .className = "CShortcutMtElement",
+    .declared = shortcutDeclared,
+    .derived = shortcutDerived,
+    .fetched = shortcutFetched,
+    .actions = shortcutActions,
+};
+constinit const ElementKind shellExcuteKind = {
+    .name = L"ShellExcute",
+    .className = "CShellExcuteMtElement",
+    .declared = shellExcuteDeclared,
+    .fetched = shellExcuteFetched,
+    .actions = shellExcuteActions,
+};
+constinit const ElementKind serviceControlKind = {
+    .name = L"ServiceControl",
+    .className = "CServiceControlMtElement",
+    .declared = serviceControlDeclared,
+    .fetched = serviceControlFetched,
+    .actions = serviceControlActions,
 };
 constinit const ElementKind copyFileKind = {
     .name = L"CopyFile",
@@ -135,6 +255,30 @@ constinit const ElementKind fileSearchKind = {
     .className = "CFileSearchMtElement",
     .declared = fileSearchDeclared,
     .fetched = fileSearchDeclared,
+};
+constinit const ElementKind registryKeyKind = {
+    .name = L"RegistryKey",
+    .className = "CRegistryKeyMtElement",
+    .declared = registryKeyDeclared,
+    .derived = registryKeyDerived,
+    .fetched = registryKeyFetched,
+    .children = registryKeyChildren,
+    .actions = registryKeyActions,
+};
+constinit const ElementKind registryValueKind = {
+    .name = L"RegistryValue",
+    .className = "CRegistryValueMtElement",
+    .declared = registryValueDeclared,
+    .derived = registryValueDerived,
+    .fetched = registryValueFetched,
+    .actions = registryValueActions,
+};
+constinit const ElementKind removeDirectoryKind = {
+    .name = L"RemoveDirectory",
+    .className = "CRemoveDirectoryMtElement",
+    .declared = removeDirectoryDeclared,
+    .fetched = removeDirectoryFetched,
+    .actions = removeDirectoryActions,
 };
 constinit const ElementKind cautionKind = {
     .name = L"Caution",
@@ -182,6 +326,18 @@ std::span<const ReferenceKind> motionReferences() {
 }
 std::span<const OnKeyword> onKeywords() {
     return keywordsOfOn;
+}
+std::span<const ActionKeyword> serviceActionKeywords() {
+    return keywordsOfServiceAction;
+}
+std::span<const ActionKeyword> registryKeyActionKeywords() {
+    return keywordsOfKeyAction;
+}
+std::span<const RegistryKeyword> registryRootKeywords() {
+    return keywordsOfRoot;
+}
+std::span<const RegistryKeyword> registryTypeKeywords() {
+    return keywordsOfValueType;
 }
 std::span<const VariableTypeKeyword> variableTypeKeywords() {
     return keywordsOfType;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include "engine/IterfaceContext.h"
 #include "expression/VariableType.h"
@@ -20,6 +21,14 @@ struct AttributeDeclaration {
     bool required;
 };
 
+/// An action that an element announces, and the ErrorInfo code that tells of its failure.
+struct ElementAction {
+    ActionCode action;
+    uint32_t errorCode;
+};
+/// The error code of an action that can't fail.
+inline constexpr uint32_t noErrorCode = 0;
+
 /// One kind of element.
 struct ElementKind {
     const wchar_t* name;    ///< as the script spells it
@@ -33,8 +42,8 @@ struct ElementKind {
     std::span<const AttributeDeclaration> fetched = {};
     /// The elements that may stand in it.
     std::span<const wchar_t* const> children = {};
-    /// The actions that it announces.
-    std::span<const ActionCode> actions = {};
+    /// What it reports to the host.
+    std::span<const ElementAction> actions = {};
 
     bool allowsChild(const wchar_t* childName) const;
 };
@@ -50,9 +59,16 @@ extern const ElementKind fragmentKind;
 extern const ElementKind featureKind;
 extern const ElementKind componentKind;
 extern const ElementKind conditionKind;
+extern const ElementKind customActionKind;
 extern const ElementKind fileKind;
+extern const ElementKind shortcutKind;
+extern const ElementKind shellExcuteKind;
+extern const ElementKind serviceControlKind;
 extern const ElementKind copyFileKind;
 extern const ElementKind fileSearchKind;
+extern const ElementKind registryKeyKind;
+extern const ElementKind registryValueKind;
+extern const ElementKind removeDirectoryKind;
 extern const ElementKind cautionKind;
 extern const ElementKind directoryKind;
 extern const ElementKind productKind;
@@ -65,6 +81,15 @@ std::span<const ElementKind* const> lookedUpKinds();
 std::span<const ReferenceKind> motionReferences();
 extern const ReferenceKind directoryReference;
 
+/// The keyword of a list that is this word; null when it is none of them.
+template <class Keyword>
+const Keyword* findKeyword(std::span<const Keyword> keywords, const std::wstring& word) {
+    for (const Keyword& keyword : keywords)
+        if (word == keyword.word)
+            return &keyword;
+    return nullptr;
+}
+
 /// A value of `On` and the run modes in which it lets an element pass.
 struct OnKeyword {
     wchar_t word[16];
@@ -76,9 +101,30 @@ struct OnKeyword {
 };
 std::span<const OnKeyword> onKeywords();
 
-/// The value that `Vital`, `KillProcess` and `SupportDelayInstall` know; any other means no.
+/// The value that `Vital`, `KillProcess`, `SupportDelayInstall` and `Wait` know; any other means
+/// no.
 inline constexpr wchar_t yesKeyword[] = L"yes";
 inline constexpr wchar_t noKeyword[] = L"no";
+
+/// The values of `Return` with a meaning: a CustomAction's number counts, a program is waited for.
+inline constexpr wchar_t checkKeyword[] = L"check";
+inline constexpr wchar_t syncKeyword[] = L"sync";
+
+/// A value of `Action`, and the action that it asks for.
+struct ActionKeyword {
+    wchar_t word[8];
+    ActionCode action;
+};
+std::span<const ActionKeyword> serviceActionKeywords();
+std::span<const ActionKeyword> registryKeyActionKeywords();
+
+/// A value of `Root` or of `Type` of a registry value, and the system's number for it.
+struct RegistryKeyword {
+    wchar_t word[24];
+    uint32_t number;
+};
+std::span<const RegistryKeyword> registryRootKeywords();
+std::span<const RegistryKeyword> registryTypeKeywords();
 
 /// A value of `Type` of a variable.
 struct VariableTypeKeyword {

@@ -84,14 +84,16 @@ CSubject& CContext::subject() {
 
 bool CContext::createOsVariables() {
     variables.push_back(
-        makeOwned<CVariablePtr, CIntVariable>(L"OS_BIT", isNative64Bit() ? 64 : 32));
+        makeOwned<CVariablePtr, CIntVariable>(osBitVariable, isNative64Bit() ? 64 : 32));
     const std::optional<OsVersion> version = askOsVersion();
     if (!version) {
         lastError = L"Can't get OS Version.";
         return false;
     }
-    variables.push_back(makeOwned<CVariablePtr, CIntVariable>(L"OS_MAJOR_VERSION", version->major));
-    variables.push_back(makeOwned<CVariablePtr, CIntVariable>(L"OS_MINOR_VERSION", version->minor));
+    variables.push_back(
+        makeOwned<CVariablePtr, CIntVariable>(osMajorVersionVariable, version->major));
+    variables.push_back(
+        makeOwned<CVariablePtr, CIntVariable>(osMinorVersionVariable, version->minor));
     return true;
 }
 

@@ -12,6 +12,11 @@
 class CProductElement;
 class CSubject;
 
+/// The integer variables that every script finds, made from the facts of the machine.
+inline constexpr wchar_t osBitVariable[] = L"OS_BIT";
+inline constexpr wchar_t osMajorVersionVariable[] = L"OS_MAJOR_VERSION";
+inline constexpr wchar_t osMinorVersionVariable[] = L"OS_MINOR_VERSION";
+
 /// The engine object behind IterfaceContext: one loaded script, with its document, its product and
 /// its variables. There is no element tree; elements are made from the document when needed.
 class CContext final : public IterfaceContext {

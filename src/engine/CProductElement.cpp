@@ -27,8 +27,7 @@ bool CProductElement::getDirectory(std::wstring& path, const wchar_t* directoryI
         setErrorText(error);
         return false;
     }
-    if (!path.empty() && !isSeparator(path.back()))
-        path += L'\\';
+    path = withSeparator(path);
     return true;
 }
 

@@ -12,11 +12,10 @@ void CVariableElement::getAttributes(std::vector<AttributeDeclaration>& list) co
 
 VariableType CVariableElement::getVariableType() const {
     AttributeRecord record;
-    if (getAttribute(L"Type", record))
-        for (const VariableTypeKeyword& keyword : variableTypeKeywords())
-            if (record.value == keyword.word)
-                return keyword.type;
-    return VARIABLE_UNKNOWN;
+    if (!getAttribute(L"Type", record))
+        return VARIABLE_UNKNOWN;
+    const VariableTypeKeyword* keyword = findKeyword(variableTypeKeywords(), record.value);
+    return keyword ? keyword->type : VARIABLE_UNKNOWN;
 }
 
 std::wstring CVariableElement::getValueText() const {

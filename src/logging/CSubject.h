@@ -5,6 +5,9 @@
 
 #include "logging/IterfaceProduct.h"
 
+/// ErrorInfo::systemError of an action whose failure has no number of the system's.
+inline constexpr uint32_t noSystemError = 0xFFFFFFFF;
+
 /// The engine's side of the link to the host: fills the members that the host reads, and calls its
 /// observer. Kept apart from IterfaceProduct so that the host sees only what it can call.
 class CSubject : public IterfaceProduct {

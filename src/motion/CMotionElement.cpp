@@ -39,9 +39,8 @@ bool CMotionElement::passesOnFilter(CContext& context) const {
     AttributeRecord on;
     if (!getAttribute(L"On", on) || on.value.empty())
         return true;
-    for (const OnKeyword& keyword : onKeywords())
-        if (on.value == keyword.word)
-            return keyword.passesIn(context.runMode);
+    if (const OnKeyword* keyword = findKeyword(onKeywords(), on.value))
+        return keyword->passesIn(context.runMode);
     writeLog(WARNNING, describe(), " ", on.value, " attribute is unknown.");
     return false;
 }

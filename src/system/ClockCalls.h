@@ -7,6 +7,7 @@ struct ClockCalls {
     decltype(&::GetSystemTime) GetSystemTime = ::GetSystemTime;
     decltype(&::SystemTimeToTzSpecificLocalTime) SystemTimeToTzSpecificLocalTime =
         ::SystemTimeToTzSpecificLocalTime;
+    decltype(&::GetTickCount) GetTickCount = ::GetTickCount;
     decltype(&::Sleep) Sleep = ::Sleep;
 };
 

@@ -39,6 +39,12 @@ WideText joinPath(const wchar_t* directory, const wchar_t* name) {
     return path;
 }
 
+std::wstring withSeparator(std::wstring path) {
+    if (!path.empty() && !isSeparator(path.back()))
+        path += L'\\';
+    return path;
+}
+
 WideText parentDirectory(const wchar_t* path) {
     if (path == nullptr)
         return nullptr;

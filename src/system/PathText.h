@@ -13,6 +13,9 @@ constexpr bool isSeparator(wchar_t character) {
 /// behind a separator. Null when either is null or memory is exhausted.
 WideText joinPath(const wchar_t* directory, const wchar_t* name);
 
+/// The path with a separator at its end; an empty one stays empty.
+std::wstring withSeparator(std::wstring path);
+
 /// The text before the last separator, which may be the trailing one. A separator in the very
 /// first place doesn't count. Null when there is none, and when memory is exhausted.
 WideText parentDirectory(const wchar_t* path);

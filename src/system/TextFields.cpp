@@ -12,6 +12,17 @@ namespace {
 constexpr size_t recordTextLength = 512;
 constexpr UINT invalidParameterStatus = 0xC0000417;
 
+template <class Character>
+void copyWhole(Character* field, size_t capacity, const Character* text) {
+    using Traits = std::char_traits<Character>;
+    if (field == nullptr || text == nullptr)
+        failInvalidParameter();
+    const Character* const end = Traits::find(text, capacity, Character());
+    if (end == nullptr)
+        failInvalidParameter();
+    Traits::copy(field, text, static_cast<size_t>(end - text) + 1);
+}
+
 }  // namespace
 
 // Not the runtime's own handler: some runtimes only return an error where others end the process.
@@ -21,13 +32,11 @@ void failInvalidParameter() {
 }
 
 void copyBounded(wchar_t* field, size_t capacity, const wchar_t* text) {
-    if (field == nullptr || text == nullptr)
-        failInvalidParameter();
-    const size_t length = wcsnlen(text, capacity);
-    if (length == capacity)
-        failInvalidParameter();
-    wmemcpy(field, text, length);
-    field[length] = L'\0';
+    copyWhole(field, capacity, text);
+}
+
+void copyBounded(char* field, size_t capacity, const char* text) {
+    copyWhole(field, capacity, text);
 }
 
 void copyCut(wchar_t* field, size_t capacity, const wchar_t* text) {

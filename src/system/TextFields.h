@@ -10,9 +10,10 @@
 /// Copies `text` with its terminator into a field of `capacity` characters. A null text and one
 /// that doesn't fit end the process (failInvalidParameter) before anything is written.
 void copyBounded(wchar_t* field, size_t capacity, const wchar_t* text);
+void copyBounded(char* field, size_t capacity, const char* text);
 
-template <size_t capacity>
-void copyBounded(wchar_t (&field)[capacity], const wchar_t* text) {
+template <class Character, size_t capacity>
+void copyBounded(Character (&field)[capacity], const Character* text) {
     copyBounded(field, capacity, text);
 }
 

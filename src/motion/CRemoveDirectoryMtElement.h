@@ -1,0 +1,12 @@
+#pragma once
+
+#include "motion/CMotionElement.h"
+
+/// The script element `RemoveDirectory`: removes a directory with all that it holds.
+class CRemoveDirectoryMtElement final : public CMotionElement {
+public:
+    CRemoveDirectoryMtElement(const XmlHandle& node, CContext& context);
+
+    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
+    int32_t execute(CContext& context) override;
+};
