@@ -11,4 +11,5 @@ set(CMAKE_CXX_COMPILER_TARGET x86_64-w64-mingw32)
 set(CMAKE_CXX_FLAGS_INIT
     "-stdlib++-isystem ${gcc_library}/include/c++ -cxx-isystem ${gcc_library}/include/c++/x86_64-w64-mingw32")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-L${gcc_library} -fuse-ld=lld -lpthread")
+set(CMAKE_MODULE_LINKER_FLAGS_INIT "-L${gcc_library} -fuse-ld=lld -lpthread")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-L${gcc_library} -fuse-ld=lld -lpthread")

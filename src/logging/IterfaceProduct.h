@@ -10,18 +10,18 @@ class IterfaceObserver;
 /// ActionInfo::code, and, but for ERROR_CODE_REMOVE_SHORTCUT, in ErrorInfo::code when the action
 /// has failed.
 enum ActionCode : uint32_t {
-    ACTION_CONDITION = 2,             ///< Condition: text1 is the expression about to be evaluated
-    ACTION_COPY_FILE = 3,             ///< File, at install and upgrade: text1 is its name
-    ACTION_DELETE_FILE = 4,           ///< File, at uninstall: text1 is its name
-    ACTION_STOP_SERVICE = 5,          ///< ServiceControl
-    ACTION_START_SERVICE = 6,         ///< ServiceControl
-    ACTION_REMOVE_SERVICE = 7,        ///< ServiceControl
-    ACTION_SHORTCUT = 8,              ///< Shortcut
-    ACTION_CUSTOM_ACTION = 10,        ///< CustomAction
-    ACTION_SHELL_EXCUTE = 11,         ///< ShellExcute
-    ACTION_CREATE_REGISTRY_KEY = 12,  ///< RegistryKey
-    ACTION_REMOVE_REGISTRY_KEY = 13,  ///< RegistryKey
-    ACTION_REGISTRY_VALUE = 14,       ///< RegistryValue
+    ACTION_CONDITION = 2,     ///< Condition: text1 is the expression about to be evaluated
+    ACTION_COPY_FILE = 3,     ///< File, at install and upgrade: text1 is its name
+    ACTION_DELETE_FILE = 4,   ///< File, at uninstall: text1 is its name
+    ACTION_STOP_SERVICE = 5,  ///< ServiceControl, for this and the next two: text1 is the service
+    ACTION_START_SERVICE = 6,
+    ACTION_REMOVE_SERVICE = 7,
+    ACTION_SHORTCUT = 8,              ///< Shortcut, in every mode: text1 is its name
+    ACTION_CUSTOM_ACTION = 10,        ///< CustomAction: text1 is the function, text2 the title
+    ACTION_SHELL_EXCUTE = 11,         ///< ShellExcute: text1 is the file, text2 the title
+    ACTION_CREATE_REGISTRY_KEY = 12,  ///< RegistryKey: text1 is root and key, text2 the title
+    ACTION_REMOVE_REGISTRY_KEY = 13,  ///< RegistryKey: text1 is root and key, text2 the title
+    ACTION_REGISTRY_VALUE = 14,       ///< RegistryValue: text1 is root, key and the value's name
     ACTION_REMOVE_DIRECTORY = 15,     ///< RemoveDirectory: text1 is the path, text2 the title
     ACTION_CAUTION = 16,              ///< Caution: text1 is empty, text2 what the user should read
 };
@@ -45,7 +45,7 @@ struct ErrorInfo {
     uint32_t code;         ///< ERROR_CODE_MESSAGE, ERROR_CODE_REMOVE_SHORTCUT, or one of ActionCode
     wchar_t text1[512];    ///< the object of the failed action
     wchar_t text2[512];    ///< a further text of the action
-    uint32_t systemError;  ///< the system's error code, 0xFFFFFFFF or 0 when there is none
+    uint32_t systemError;  ///< the system's or a custom action's number; 0 or 0xFFFFFFFF for none
     wchar_t message[512];  ///< readable message, cut to fit; may be empty or end in a line end
 };
 
@@ -67,7 +67,7 @@ public:
                               IterfaceContext* context) = 0;
 
     IterfaceObserver* observer = nullptr;  ///< set and owned by the host; null for none
-    void* observerData = nullptr;          ///< the host's own value, never looked at
+    void* observerData = nullptr;          ///< the host's own value, handed on to custom actions
     uint32_t progress = 0;                 ///< percent of the run at the last action, 0 to 100
     bool rebootRequired = false;  ///< a file waits for the next restart; kept until the next run
     ActionInfo actionInfo{};      ///< the action that was announced last
