@@ -3,6 +3,8 @@
 /* What a custom action is: a function that a native 64-bit library exports, and that the engine
    calls for a `CustomAction` element of the install script. For C (since C11) and C++. */
 
+/* NOLINTBEGIN(modernize-deprecated-headers, modernize-use-using): C has no other spelling. */
+
 #include <assert.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -41,12 +43,15 @@ typedef uint32_t (*CustomActionEntry)(CustomActionParams* params, wchar_t* messa
 
 static_assert(sizeof(wchar_t) == 2, "wide text is UTF-16");
 static_assert(sizeof(CustomActionParams) == 280, "size of the record");
-static_assert(offsetof(CustomActionParams, applicationRootDirectory) == 0, "");
-static_assert(offsetof(CustomActionParams, osMajorVersion) == 260, "");
-static_assert(offsetof(CustomActionParams, osMinorVersion) == 264, "");
-static_assert(offsetof(CustomActionParams, is64Bit) == 268, "");
-static_assert(offsetof(CustomActionParams, observerData) == 272, "");
+static_assert(offsetof(CustomActionParams, applicationRootDirectory) == 0,
+              "place of applicationRootDirectory");
+static_assert(offsetof(CustomActionParams, osMajorVersion) == 260, "place of osMajorVersion");
+static_assert(offsetof(CustomActionParams, osMinorVersion) == 264, "place of osMinorVersion");
+static_assert(offsetof(CustomActionParams, is64Bit) == 268, "place of is64Bit");
+static_assert(offsetof(CustomActionParams, observerData) == 272, "place of observerData");
 
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-deprecated-headers, modernize-use-using) */

@@ -8,7 +8,7 @@ bool rootFromName(const std::wstring& name, HKEY& root) {
         return false;
     // The 32-bit number is sign-extended to the size of a handle.
     const intptr_t handle = static_cast<int32_t>(keyword->number);
-    root = reinterpret_cast<HKEY>(handle);
+    root = reinterpret_cast<HKEY>(handle);  // NOLINT(performance-no-int-to-ptr): that is all it is
     return true;
 }
 
