@@ -10,12 +10,16 @@
 #include "engine/CContext.h"
 #include "expression/CExpression.h"
 #include "logging/Log.h"
+#include "support/FakeCall.h"
 #include "support/LogFile.h"
 #include "support/TestFolder.h"
+#include "support/Text.h"
+#include "system/FileVersion.h"
 #include "system/HexText.h"
 #include "system/PathText.h"
 #include "system/TextConversion.h"
 #include "system/TextParsing.h"
+#include "system/VersionCalls.h"
 
 namespace {
 
@@ -196,10 +200,54 @@ TEST(AllocationTest, DestroyedContextUnloadsItsScript) {
     EXPECT_EQ(liveAllocations(), before);
 }
 
+TEST(AllocationTest, VersionBlockThatCannotBeHadCountsAsUnreadable) {
+    const LogFile log;
+    const FakeCall<versionCalls, &VersionCalls::GetFileVersionInfoSizeW> size(
+        [](auto...) { return 64; });
+    const FakeCall<versionCalls, &VersionCalls::GetFileVersionInfoW> info(
+        [](auto...) { return TRUE; });
+    uint64_t version = 0;
+    {
+        const FailingAllocation failing(0, 1);
+        EXPECT_FALSE(getFileVersion(L"a.dll", version));
+    }
+
+    EXPECT_EQ(info.count, 0);
+    EXPECT_THAT(log.lines(), testing::ElementsAre("[WARNNING] Failed to GetFileVersionInfo"));
+}
+
+// A block that was read, but not as it should, is left to itself.
+TEST(AllocationTest, VersionBlockIsReleasedOnlyAfterASuccess) {
+    VS_FIXEDFILEINFO fixed{};
+    BOOL readable = TRUE;
+    BOOL hasRoot = TRUE;
+    const FakeCall<versionCalls, &VersionCalls::GetFileVersionInfoSizeW> size(
+        [](auto...) { return 64; });
+    const FakeCall<versionCalls, &VersionCalls::GetFileVersionInfoW> info(
+        [&](auto...) { return readable; });
+    const FakeCall<versionCalls, &VersionCalls::VerQueryValueW> query(
+        [&](const void*, const wchar_t*, void** root, UINT*) {
+            *root = &fixed;
+            return hasRoot;
+        });
+    const auto leftBehind = [] {
+        uint64_t version = 0;
+        const size_t before = liveAllocations();
+        getFileVersion(L"a.dll", version);
+        return liveAllocations() - before;
+    };
+
+    EXPECT_EQ(leftBehind(), 0u);
+    hasRoot = FALSE;
+    EXPECT_EQ(leftBehind(), 1u);
+    readable = FALSE;
+    EXPECT_EQ(leftBehind(), 1u);
+}
+
 class LeakTest : public testing::Test {
 protected:
     /// What each further use of a script leaves allocated.
-    size_t leftBy(const char* xml) {
+    size_t leftBy(const std::string& xml) {
         const std::wstring path = folder.write(L"a.xml", xml);
         use(path);
         const size_t before = liveAllocations();
@@ -234,6 +282,18 @@ TEST_F(LeakTest, ScriptLeavesNothing) {
                      "<InstallExecuteSequence><Feature><ComponentRef Id='C'/></Feature>"
                      "</InstallExecuteSequence></Product></Root>"),
               variableArray);
+}
+
+TEST_F(LeakTest, ExpressionsLeaveNothingAlsoWhenTheyFail) {
+    const std::string search =
+        "<FileSearch Path='" + narrow(folder.path()) + "' Name='a.xml' Expression='";
+    for (const std::string expression : {"1 E ( 0 OR 1 )", "1 E ( 0 OR", "1 E ( 0 OR Missing )"})
+        for (const std::string& element :
+             {"<Condition Expression='" + expression + "'/>", search + expression + "'/>"})
+            EXPECT_EQ(leftBy("<Root><Product><InstallExecuteSequence><Fragment>" + element +
+                             "</Fragment></InstallExecuteSequence></Product></Root>"),
+                      variableArray)
+                << element;
 }
 
 TEST_F(LeakTest, FailedLoadsLeaveNothing) {

@@ -6,8 +6,11 @@
 #include "logging/IterfaceObserver.h"
 #include "motion/CCautionMtElement.h"
 #include "motion/CComponentMtElement.h"
+#include "motion/CConditionMtElement.h"
+#include "motion/CCopyFileMtElement.h"
 #include "motion/CFeatureMtElement.h"
 #include "motion/CFileMtElement.h"
+#include "motion/CFileSearchMtElement.h"
 #include "motion/CFragmentMtElement.h"
 #include "motion/CInstallMtElement.h"
 #include "support/ChildProcess.h"
@@ -452,11 +455,15 @@ TEST_F(ElementGuardTest, ContainersRejectAnotherElement) {
               L"Failed to create element(Feature) in Fragment");
     EXPECT_EQ(thrownBy([&] { CFragmentMtElement(L"Feature", L"x", context); }),
               L"Failed to create element(Feature) in Fragment");
+    EXPECT_EQ(thrownForFragment<CConditionMtElement>(),
+              L"Failed to create element(Fragment) in Condition");
 }
 
 TEST_F(ElementGuardTest, ActionsRejectAnotherElement) {
     EXPECT_EQ(thrownForFragment<CFileMtElement>(), L"Failed to create element (Fragment,x)");
     EXPECT_EQ(thrownForFragment<CCautionMtElement>(), L"Failed to create element (Fragment,x)");
+    EXPECT_EQ(thrownForFragment<CCopyFileMtElement>(), L"Failed to create element (Fragment,x)");
+    EXPECT_EQ(thrownForFragment<CFileSearchMtElement>(), L"Failed to create element (Fragment,x)");
 }
 
 TEST_F(ElementGuardTest, ComponentTakesAnyElement) {
