@@ -9,6 +9,7 @@ size_t toSucceed = 0;
 size_t toFail = 0;
 bool failed = false;
 size_t live = 0;
+AllocationCount made = {};
 
 bool mustFail() {
     if (toFail == 0)
@@ -41,11 +42,17 @@ size_t liveAllocations() {
     return live;
 }
 
+AllocationCount allocationsSoFar() {
+    return made;
+}
+
 void* operator new(size_t size) {
     void* memory = mustFail() ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (memory == nullptr)
         throw std::bad_alloc();
     ++live;
+    ++made.allocations;
+    made.bytes += size;
     return memory;
 }
 

@@ -17,3 +17,11 @@ public:
 
 /// Allocations that have not been released.
 size_t liveAllocations();
+
+struct AllocationCount {
+    size_t allocations;
+    size_t bytes;
+};
+
+/// All that has been allocated since the program's start, released or not.
+AllocationCount allocationsSoFar();

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "support/WatchedText.h"
+
 using testing::ElementsAre;
 
 namespace {
@@ -116,6 +118,21 @@ TEST(NextPieceTest, RestStandsAtTheDelimiterAndThenBehindIt) {
 
     nextPiece(nullptr, delimiters, 4, rest, index);
     EXPECT_EQ(rest, nullptr);
+}
+
+// So that cutting a text into all its pieces reads it about once.
+TEST(NextPieceTest, ReadsNoFurtherThanOneCharacterBehindThePiece) {
+    constexpr const wchar_t* single[] = {L"(", L")", L"!", L"="};
+    const WatchedText watched(L"ab(c");
+    const wchar_t* rest = nullptr;
+    int32_t index = 77;
+
+    EXPECT_STREQ(nextPiece(watched.text(), single, 4, rest, index).get(), L"ab");
+    EXPECT_STREQ(nextPiece(nullptr, single, 4, rest, index).get(), L"(");
+    EXPECT_FALSE(watched.wasReadBehind());
+
+    EXPECT_STREQ(nextPiece(nullptr, single, 4, rest, index).get(), L"c");
+    EXPECT_TRUE(watched.wasReadBehind());
 }
 
 TEST(NextPieceTest, GivenTextGoesBeforeTheRest) {
