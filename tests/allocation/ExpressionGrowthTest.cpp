@@ -81,6 +81,13 @@ TEST_F(ExpressionGrowthTest, TenTimesTheExpressionAllocatesTenTimesAsMuch) {
     }
 }
 
+TEST_F(ExpressionGrowthTest, TermCostsItsPieceItsOperationItsOperandAndTheResult) {
+    constexpr size_t more = 1000;
+    const AllocationCount small = costOf(termsJoinedBy(L" AND 1", more));
+    const AllocationCount large = costOf(termsJoinedBy(L" AND 1", 2 * more));
+    EXPECT_EQ(large.allocations - small.allocations, 4 * more);
+}
+
 TEST_F(ExpressionGrowthTest, DepthIsLimitedByMemoryAlone) {
     constexpr size_t deep = 10000;
 
