@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "elements/ElementFactory.h"
+#include "motion/CRegistryKeyMtElement.h"
 #include "support/AllowedChildren.h"
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
@@ -149,6 +150,23 @@ TEST_F(CRegistryValueMtElementTest, FailsWhenItsAttributesAreNotSettled) {
 
         expectErrorMessage(message);
     }
+}
+
+TEST_F(CRegistryValueMtElementTest, FailsWhenTheKeyAroundItHasNoRoot) {
+    ASSERT_TRUE(loadComponent("<RegistryKey Id='K' Action='create' Key='a'>" +
+                              value("REG_SZ", "x") + "</RegistryKey>"));
+    CRegistryKeyMtElement around(*context.findElementById(L"RegistryKey", L"K"), context);
+    CRegistryValueMtElement element(*context.findElementById(L"RegistryValue", L"V"), context);
+    std::wstring message;
+    element.setParent(&around);
+    ASSERT_TRUE(around.readDeclaredAttributes(context, message));
+    ASSERT_TRUE(element.readDeclaredAttributes(context, message));
+
+    EXPECT_FALSE(element.resolveDerivedAttributes(context, message));
+    EXPECT_EQ(element.execute(context), -1);
+
+    EXPECT_EQ(message, L"(RegistryValue,V) can't get Root attribute from  parent element.");
+    expectErrorMessage(L"(RegistryValue,V) can't get Root attribute.");
 }
 
 TEST_F(CRegistryValueMtElementTest, TestsRootThenTypeThenText) {
