@@ -25,6 +25,9 @@ public:
     ~ComScope() { shellCalls.CoUninitialize(); }
 };
 
+// SHCNF_FLUSHNOWAIT of the first shells; later headers add the bit of SHCNF_FLUSH to it.
+constexpr UINT flushWithoutWait = 0x2000;
+
 bool isGiven(const wchar_t* text) {
     return text && *text;
 }
@@ -78,7 +81,7 @@ int32_t createShellLink(const wchar_t* linkPath, const wchar_t* target,
     if (!writeLink(linkPath, target, workingDirectory, iconFile))
         return -1;
     notifyLinkChanged(linkPath);
-    shellCalls.SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_FLUSHNOWAIT, nullptr, nullptr);
+    shellCalls.SHChangeNotify(SHCNE_ASSOCCHANGED, flushWithoutWait, nullptr, nullptr);
     return 0;
 }
 
