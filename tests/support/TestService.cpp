@@ -65,6 +65,7 @@ void TestService::start() const {
 
 uint32_t TestService::state() const {
     SERVICE_STATUS status{};
+    status.dwCurrentState = gone;
     if (const Handle service = openService(name()))
         QueryServiceStatus(service.get(), &status);
     return status.dwCurrentState;

@@ -9,6 +9,8 @@
 class TestService {
 public:
     static constexpr uint32_t forEver = INFINITE;
+    /// The state of a service that isn't there any more; all others are the system's.
+    static constexpr uint32_t gone = 0;
 
     struct Conduct {
         uint32_t startTakes = 0;  ///< milliseconds
@@ -29,7 +31,6 @@ public:
 
     /// Starts it and waits until it runs.
     void start() const;
-    /// One of the system's states; 0 when there is no such service any more.
     uint32_t state() const;
     /// Waits, at most for some seconds, until it is in this state.
     bool waitFor(uint32_t wanted) const;

@@ -117,7 +117,7 @@ TEST_F(RealServiceTest, IsGoneWhenItIsDeleted) {
 
     EXPECT_TRUE(deleteServiceByName(service.name()));
 
-    EXPECT_EQ(service.state(), 0u);
+    EXPECT_EQ(service.state(), TestService::gone);
     EXPECT_TRUE(deleteServiceByName(service.name()));
 }
 
