@@ -7,6 +7,7 @@
 #include <deque>
 #include <map>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,7 @@ public:
 
 private:
     static constexpr DWORD configSize = 512;
+    static constexpr size_t patience = 10'000;  // sleeps
 
     /// Whether a call succeeds, in which case the last error says something else.
     template <class... Arguments>
@@ -188,5 +190,7 @@ private:
         succeeds("Sleep", std::to_string(milliseconds));
         sleeps.push_back(milliseconds);
         now += milliseconds;
+        if (sleeps.size() > patience)
+            throw std::runtime_error("the wait has no end");
     }};
 };

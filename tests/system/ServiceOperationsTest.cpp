@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <functional>
 #include <string>
 #include <utility>
@@ -679,13 +678,15 @@ TEST_F(QueryStartTypeTest, TellsTheFirstErrorWhenTheSecondReadingFails) {
 /// Changes the start type of a service that is started on demand.
 class ChangeStartTypeTest : public FakeServiceTest {
 protected:
-    /// What is called from the second opening of the manager on.
+    /// What is called from the last opening of the manager on.
     std::vector<std::string> callsOfChange() const {
-        const auto isOpening = [](const std::string& call) {
-            return call.starts_with("OpenSCManager");
-        };
-        const auto first = std::find_if(services.calls.begin(), services.calls.end(), isOpening);
-        return {std::find_if(first + 1, services.calls.end(), isOpening), services.calls.end()};
+        std::vector<std::string> calls;
+        for (const std::string& call : services.calls) {
+            if (call.starts_with("OpenSCManager"))
+                calls.clear();
+            calls.push_back(call);
+        }
+        return calls;
     }
 };
 
