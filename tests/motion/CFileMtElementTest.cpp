@@ -8,6 +8,7 @@
 #include "support/FakeCall.h"
 #include "support/LockedFile.h"
 #include "support/LogFile.h"
+#include "support/NamesAndDemands.h"
 #include "support/PayloadFolder.h"
 #include "support/ScriptTest.h"
 #include "support/Sleeper.h"
@@ -64,14 +65,6 @@ protected:
 };
 
 // What the element asks of the script.
-
-std::vector<std::pair<std::wstring, bool>> namesAndDemands(
-    const std::vector<AttributeDeclaration>& declarations) {
-    std::vector<std::pair<std::wstring, bool>> list;
-    for (const AttributeDeclaration& declaration : declarations)
-        list.emplace_back(declaration.name, declaration.required);
-    return list;
-}
 
 TEST_F(CFileMtElementTest, DeclaresItsAttributesInOrder) {
     ASSERT_TRUE(loadComponent(file()));
