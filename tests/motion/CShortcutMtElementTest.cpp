@@ -6,9 +6,10 @@
 
 #include "support/AllowedChildren.h"
 #include "support/FakeCall.h"
-#include "support/FakeShell.h"
+#include "support/FakeLinkShell.h"
 #include "support/LockedFile.h"
 #include "support/LogFile.h"
+#include "support/NamesAndDemands.h"
 #include "support/ScriptTest.h"
 #include "support/ShellLinkFile.h"
 #include "support/Text.h"
@@ -16,6 +17,7 @@
 #include "system/FileCalls.h"
 #include "system/PathText.h"
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
@@ -74,14 +76,6 @@ protected:
 };
 
 // What the element asks of the script.
-
-std::vector<std::pair<std::wstring, bool>> namesAndDemands(
-    const std::vector<AttributeDeclaration>& declarations) {
-    std::vector<std::pair<std::wstring, bool>> list;
-    for (const AttributeDeclaration& declaration : declarations)
-        list.emplace_back(declaration.name, declaration.required);
-    return list;
-}
 
 TEST_F(CShortcutMtElementTest, DeclaresItsAttributesInOrder) {
     ASSERT_TRUE(loadComponent(shortcut()));
@@ -212,7 +206,7 @@ TEST_F(CShortcutMtElementTest, IsAlwaysVital) {
 TEST_F(CShortcutMtElementTest, DoesNothingInAnUnknownMode) {
     const LogFile log;
     folder.write(L"menu\\App.lnk", "old");
-    FakeShell shell;
+    FakeLinkShell shell;
     ASSERT_TRUE(loadComponent(shortcut()));
 
     EXPECT_EQ(run(unknownMode), 0);
@@ -300,7 +294,7 @@ TEST_P(ShortcutMakingTest, AppendsTheExtensionToEveryName) {
 }
 
 TEST_P(ShortcutMakingTest, ReplacesReferencesInItsAttributes) {
-    FakeShell shell;
+    FakeLinkShell shell;
     ASSERT_TRUE(loadProduct(
         "<Directory Id='MENU' Path='" + narrow(folder.path(L"menu")) +
             "'><Component Id='C'><Shortcut Name='#APP' Description='' Target='[MENU]a.exe'"
@@ -329,19 +323,18 @@ TEST_P(ShortcutMakingTest, AnnouncesEachLinkWithItsProgress) {
 TEST_P(ShortcutMakingTest, LogsTheLinkAfterItsAnnouncementAndBeforeItIsMade) {
     const LogFile log;
     ASSERT_TRUE(loadComponent(shortcut("WorkingDirectory='C:\\work' IcoFile='C:\\none.ico'")));
-    std::vector<std::string> linesBefore;
+    const std::vector<std::string> lines = {
+        "[WARNNING] Observer is NULL in subject.", "[INFO] linkFile:" + narrow(link),
+        "[INFO] target:C:\\app\\app.exe", "[INFO] workDir:C:\\work", "[INFO] icoFile:C:\\none.ico"};
     FakeCall<fileCalls, &FileCalls::CreateDirectoryW> make([&](auto path, auto security) {
-        linesBefore = log.lines();
+        EXPECT_EQ(log.lines(), lines);
         return make.real(path, security);
     });
 
     EXPECT_EQ(runUnobserved(GetParam()), 0);
 
-    EXPECT_THAT(linesBefore,
-                ElementsAre("[WARNNING] Observer is NULL in subject.",
-                            "[INFO] linkFile:" + narrow(link), "[INFO] target:C:\\app\\app.exe",
-                            "[INFO] workDir:C:\\work", "[INFO] icoFile:C:\\none.ico"));
-    EXPECT_EQ(log.lines(), linesBefore);
+    EXPECT_EQ(make.count, 1);
+    EXPECT_EQ(log.lines(), lines);
 }
 
 TEST_P(ShortcutMakingTest, LogsNothingForWhatIsNotGiven) {
@@ -355,18 +348,18 @@ TEST_P(ShortcutMakingTest, LogsNothingForWhatIsNotGiven) {
                             "[INFO] workDir:", "[INFO] icoFile:"));
 }
 
-/// A failure to make the link, with the last line that the log gets of it.
 class ShortcutFailureTest : public ShortcutMakingTest {
 protected:
-    void expectFailure(uint32_t systemError, const std::string& line) {
+    /// Runs a script that can't make the link, as the last line of the log tells.
+    void expectFailure(uint32_t systemError, const std::string& linkFile, const std::string& line) {
         EXPECT_EQ(runInMode(), -1);
 
         expectError(linkFailed, L"App", systemError);
         EXPECT_THAT(observer.updates, ElementsAre(Notification{ACTION_SHORTCUT, L"App", L"", 0}));
-        const std::vector<std::string> lines = log.lines();
-        ASSERT_EQ(lines.size(), 5u);
-        EXPECT_EQ(lines[3], "[INFO] icoFile:");
-        EXPECT_EQ(lines[4], line);
+        EXPECT_EQ(observer.failures.size(), 1u);
+        EXPECT_THAT(log.lines(),
+                    ElementsAre("[INFO] linkFile:" + linkFile, "[INFO] target:C:\\app\\app.exe",
+                                "[INFO] workDir:", "[INFO] icoFile:", "[ERROR] " + line));
         EXPECT_FALSE(exists(link));
     }
 
@@ -379,39 +372,38 @@ INSTANTIATE_TEST_SUITE_P(ModesThatMakeLinks, ShortcutFailureTest,
                          });
 
 TEST_P(ShortcutFailureTest, ComesOfAnEmptyPath) {
-    FakeShell shell;
+    FakeLinkShell shell;
     ASSERT_TRUE(loadIn("", shortcut()));
 
-    expectFailure(1, "[ERROR] Fail to get short cut path.");
+    expectFailure(1, "App.lnk", "Fail to get short cut path.");
 
-    EXPECT_EQ(log.lines()[0], "[INFO] linkFile:App.lnk");
     EXPECT_THAT(shell.calls, IsEmpty());
 }
 
 TEST_P(ShortcutFailureTest, ComesOfADirectoryThatCannotBeMade) {
     const std::string path = narrow(folder.write(L"file", "no directory")) + "\\menu";
-    FakeShell shell;
+    FakeLinkShell shell;
     ASSERT_TRUE(loadIn(path, shortcut()));
 
-    expectFailure(1, "[ERROR] Fail to create short cut path:" + path);
+    expectFailure(1, path + "\\App.lnk", "Fail to create short cut path:" + path);
 
     EXPECT_THAT(shell.calls, IsEmpty());
 }
 
 TEST_P(ShortcutFailureTest, ComesOfALinkObjectThatCannotBeHad) {
-    FakeShell shell;
+    FakeLinkShell shell;
     shell.created = E_FAIL;
     ASSERT_TRUE(loadComponent(shortcut()));
 
-    expectFailure(0, "[ERROR] Fail to create short cut:" + narrow(link));
+    expectFailure(0, narrow(link), "Fail to create short cut:" + narrow(link));
 }
 
 TEST_P(ShortcutFailureTest, ComesOfAFileInterfaceThatCannotBeHad) {
-    FakeShell shell;
+    FakeLinkShell shell;
     shell.link.queried = E_NOINTERFACE;
     ASSERT_TRUE(loadComponent(shortcut()));
 
-    expectFailure(0, "[ERROR] Fail to create short cut:" + narrow(link));
+    expectFailure(0, narrow(link), "Fail to create short cut:" + narrow(link));
 }
 
 TEST_P(ShortcutMakingTest, LogsThePathOfTheScriptWhenADirectoryOfTheNameCannotBeMade) {
@@ -421,8 +413,8 @@ TEST_P(ShortcutMakingTest, LogsThePathOfTheScriptWhenADirectoryOfTheNameCannotBe
 
     EXPECT_EQ(runInMode(), -1);
 
-    EXPECT_EQ(log.lines().back(),
-              "[ERROR] Fail to create short cut path:" + narrow(folder.path(L"menu")));
+    EXPECT_THAT(log.lines(),
+                Contains("[ERROR] Fail to create short cut path:" + narrow(folder.path(L"menu"))));
     expectError(linkFailed, L"file\\sub\\App", 1);
 }
 
@@ -439,7 +431,7 @@ TEST_P(ShortcutMakingTest, CountsALinkThatCannotBeSavedAsMade) {
 }
 
 TEST_P(ShortcutMakingTest, RepeatsTheWholeActionAtARetry) {
-    FakeShell shell;
+    FakeLinkShell shell;
     shell.created = E_FAIL;
     ASSERT_TRUE(loadComponent(shortcut()));
     observer.answers = {ANSWER_RETRY, ANSWER_RETRY, ANSWER_IGNORE};
@@ -465,7 +457,7 @@ TEST_F(ShortcutRemovalTest, DeletesTheLinkAndNothingElse) {
     makeStampedName(icon.c_str(), copyOfIcon);
     ASSERT_TRUE(loadComponent(shortcut("IcoFile='" + narrow(icon) + "'")));
     EXPECT_EQ(run(RUNMODE_INSTALL), 0);
-    const FakeShell shell;
+    const FakeLinkShell shell;
 
     EXPECT_EQ(uninstall(), 0);
 

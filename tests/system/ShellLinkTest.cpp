@@ -4,7 +4,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/FakeCall.h"
-#include "support/FakeShell.h"
+#include "support/FakeLinkShell.h"
 #include "support/LogFile.h"
 #include "support/ShellLinkFile.h"
 #include "support/TestFolder.h"
@@ -153,7 +153,7 @@ TEST_F(ShellLinkTest, DoesNotWaitForARestartToCopyAnIcon) {
 
 class ShellLinkCallsTest : public testing::Test {
 protected:
-    FakeShell shell;
+    FakeLinkShell shell;
     const LogFile log;
 };
 
@@ -264,7 +264,7 @@ TEST_F(ShellLinkCallsTest, SaveALinkPathThatFitsTheBuffer) {
 }
 
 TEST(ShellLinkDeathTest, LinkPathThatDoesNotFitTheBufferEndsTheProcess) {
-    FakeShell shell;
+    FakeLinkShell shell;
     const std::wstring link = L"C:\\" + std::wstring(257, L'n');
 
     EXPECT_EXIT(createShellLink(link.c_str(), L"C:\\app.exe", L"", L""), endedByInvalidParameter(),
@@ -291,7 +291,7 @@ TEST_F(NotifyLinkChangedTest, FindsTheDirectoryAsForAnyPath) {
 
         notifyLinkChanged(link);
 
-        EXPECT_EQ(shell.calls.back(), L"SHChangeNotify 80001000 1005 " + directory);
+        EXPECT_THAT(shell.calls, Contains(L"SHChangeNotify 80001000 1005 " + directory));
     }
 }
 

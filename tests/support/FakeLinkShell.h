@@ -12,7 +12,7 @@
 
 /// A shell for the life of the object: it makes one link object, which writes nothing, and lists
 /// the calls in their order.
-class FakeShell {
+class FakeLinkShell {
 public:
     std::vector<std::wstring> calls;
     FakeShellLink link{calls};
