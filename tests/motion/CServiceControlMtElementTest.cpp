@@ -11,6 +11,7 @@
 #include "support/ChildProcess.h"
 #include "support/FakeServices.h"
 #include "support/LogFile.h"
+#include "support/NamesAndDemands.h"
 #include "support/ScriptTest.h"
 #include "support/Text.h"
 #include "support/Thrown.h"
@@ -74,10 +75,7 @@ TEST_F(CServiceControlMtElementTest, DeclaresItsAttributesInOrder) {
     element.getAttributes(declared);
     element.getDerivedAttributes(derived);
 
-    std::vector<std::pair<std::wstring, bool>> namesAndDemands;
-    for (const AttributeDeclaration& declaration : declared)
-        namesAndDemands.emplace_back(declaration.name, declaration.required);
-    EXPECT_THAT(namesAndDemands,
+    EXPECT_THAT(namesAndDemands(declared),
                 ElementsAre(Pair(L"Name", true), Pair(L"Action", true), Pair(L"Wait", true),
                             Pair(L"On", false), Pair(L"Vital", false)));
     EXPECT_THAT(derived, IsEmpty());
