@@ -1,4 +1,4 @@
-/* A library of custom actions, written as their author would: in C, with the public header alone. */
+/* A library of custom actions, as their author would write it: in C, with the public header. */
 
 #include <temz/CustomAction.h>
 
@@ -8,7 +8,7 @@
 #include "support/ActionCall.h"
 
 #define EXPORTED __declspec(dllexport)
-#define IS_ENTRY(function) _Generic(&function, CustomActionEntry: 1, default: 0)
+#define IS_ENTRY(function) _Generic(&function, CustomActionEntry : 1, default : 0)
 
 /* Notes what it is given, and gives back what the test wants. */
 EXPORTED uint32_t answer(CustomActionParams* params, wchar_t* message, uint32_t capacity) {
