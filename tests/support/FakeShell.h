@@ -35,7 +35,7 @@ private:
             started = *info;
             verb = info->lpVerb;
             file = info->lpFile;
-            parameters = info->lpParameters;
+            parameters = info->lpParameters ? info->lpParameters : L"<null>";
             steps.push_back(start());
             if (accepts)
                 info->hProcess = process;
