@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "support/ActionCall.h"
+#include "support/ChildProcess.h"
 #include "support/HostTest.h"
 #include "support/LogFile.h"
 
@@ -22,11 +23,14 @@ protected:
     }
 
     /// Loads a script with one custom action, with further attributes.
-    bool loadAction(const std::string& attributes) {
-        const bool loaded = load(
-            "<Script><Product><Directory Id='APPLICATIONROOTDIRECTORY' Path='" + narrow(app()) +
-            "'/><InstallExecuteSequence><Fragment><CustomAction DllFile='" + narrow(library) +
-            "' " + attributes + "/></Fragment></InstallExecuteSequence></Product></Script>");
+    bool loadAction(const std::string& attributes) { return loadAction(attributes, app()); }
+
+    bool loadAction(const std::string& attributes, const std::wstring& rootDirectory) {
+        const bool loaded =
+            load("<Script><Product><Directory Id='APPLICATIONROOTDIRECTORY' Path='" +
+                 narrow(rootDirectory) +
+                 "'/><InstallExecuteSequence><Fragment><CustomAction DllFile='" + narrow(library) +
+                 "' " + attributes + "/></Fragment></InstallExecuteSequence></Product></Script>");
         product().observerData = &call;
         return loaded;
     }
@@ -61,6 +65,30 @@ TEST_F(CustomActionTest, IsGivenTheRecordOfTheRun) {
     EXPECT_THAT(bytesAt(272, 8), ElementsAreArray(bytesOf(&call)));
     EXPECT_EQ(call.capacity, 1024u);
     EXPECT_THAT(call.message, testing::Each(L'\0'));
+}
+
+/// A directory whose name is not ASCII and has so many bytes in the active code page.
+std::wstring directoryOfBytes(size_t size) {
+    const wchar_t* const letter = GetACP() == 936 ? L"程" : L"é";
+    std::wstring directory = L"C:\\";
+    while (narrow(directory + letter).size() < size)
+        directory += letter;
+    return directory.append(size - narrow(directory).size(), L'x');
+}
+
+TEST_F(CustomActionTest, IsGivenTheDirectoryInTheCodePage) {
+    const std::wstring directory = directoryOfBytes(258);
+    ASSERT_TRUE(loadAction("DllEntry='answer' Return='check'", directory));
+
+    EXPECT_EQ(run(RUNMODE_INSTALL), 0);
+
+    EXPECT_EQ(reinterpret_cast<const char*>(call.params), narrow(directory + L"\\"));
+}
+
+TEST_F(CustomActionTest, CannotBeGivenADirectoryOf260BytesInTheCodePage) {
+    ASSERT_TRUE(loadAction("DllEntry='answer' Return='check'", directoryOfBytes(259)));
+
+    EXPECT_EXIT(run(RUNMODE_INSTALL), endedByInvalidParameter(), "");
 }
 
 TEST_F(CustomActionTest, TellsTheHostWhatWentWrong) {
