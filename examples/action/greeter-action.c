@@ -17,8 +17,8 @@ static uint32_t fail(uint32_t code, const wchar_t* reason, wchar_t* message, uin
 }
 
 /* Leaves a file beside the product that tells what it was installed on. */
-__declspec(dllexport) uint32_t Welcome(CustomActionParams* params, wchar_t* message,
-                                       uint32_t capacity) {
+__declspec(dllexport) uint32_t
+    Welcome(CustomActionParams* params, wchar_t* message, uint32_t capacity) {
     char path[512];
     pathOfWelcome(params, path, sizeof path);
     FILE* file = fopen(path, "w");
@@ -32,8 +32,8 @@ __declspec(dllexport) uint32_t Welcome(CustomActionParams* params, wchar_t* mess
 }
 
 /* Takes the file away again. */
-__declspec(dllexport) uint32_t Farewell(CustomActionParams* params, wchar_t* message,
-                                        uint32_t capacity) {
+__declspec(dllexport) uint32_t
+    Farewell(CustomActionParams* params, wchar_t* message, uint32_t capacity) {
     char path[512];
     pathOfWelcome(params, path, sizeof path);
     return remove(path) == 0

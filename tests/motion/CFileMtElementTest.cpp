@@ -5,10 +5,10 @@
 #include <functional>
 #include <utility>
 
+#include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/LockedFile.h"
 #include "support/LogFile.h"
-#include "support/NamesAndDemands.h"
 #include "support/PayloadFolder.h"
 #include "support/ScriptTest.h"
 #include "support/Sleeper.h"
@@ -69,17 +69,12 @@ protected:
 TEST_F(CFileMtElementTest, DeclaresItsAttributesInOrder) {
     ASSERT_TRUE(loadComponent(file()));
     const CFileMtElement element(*context.findElementById(L"File", L"F"), context);
-    std::vector<AttributeDeclaration> declared(1);
-    std::vector<AttributeDeclaration> derived(1);
-
-    element.getAttributes(declared);
-    element.getDerivedAttributes(derived);
 
     EXPECT_THAT(
-        namesAndDemands(declared),
+        declaredBy(element),
         ElementsAre(Pair(L"Name", true), Pair(L"Source", true), Pair(L"SupportDelayInstall", false),
                     Pair(L"KillProcess", false), Pair(L"Vital", false)));
-    EXPECT_THAT(namesAndDemands(derived),
+    EXPECT_THAT(derivedBy(element),
                 ElementsAre(Pair(L"Path", true), Pair(L"SupportDelayInstall", false)));
 }
 

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "support/AllowedChildren.h"
+#include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/Heard.h"
-#include "support/NamesAndDemands.h"
 #include "support/RegistryScriptTest.h"
 #include "support/Thrown.h"
 #include "system/RegistryCalls.h"
@@ -46,16 +46,11 @@ private:
 TEST_F(CRegistryKeyMtElementTest, DeclaresItsAttributesInOrder) {
     ASSERT_TRUE(loadComponent(element("create", L"a")));
     const CRegistryKeyMtElement element(*context.findElementById(L"RegistryKey", L"K"), context);
-    std::vector<AttributeDeclaration> declared(1);
-    std::vector<AttributeDeclaration> derived(1);
 
-    element.getAttributes(declared);
-    element.getDerivedAttributes(derived);
-
-    EXPECT_THAT(namesAndDemands(declared),
+    EXPECT_THAT(declaredBy(element),
                 ElementsAre(Pair(L"Action", true), Pair(L"Key", true), Pair(L"Root", false),
                             Pair(L"On", false), Pair(L"Vital", false), Pair(L"Title", false)));
-    EXPECT_THAT(namesAndDemands(derived), ElementsAre(Pair(L"Root", true)));
+    EXPECT_THAT(derivedBy(element), ElementsAre(Pair(L"Root", true)));
 }
 
 TEST_F(CRegistryKeyMtElementTest, IsMadeOfARegistryKeyNodeAlone) {

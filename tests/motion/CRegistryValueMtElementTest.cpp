@@ -8,9 +8,9 @@
 #include "elements/ElementFactory.h"
 #include "motion/CRegistryKeyMtElement.h"
 #include "support/AllowedChildren.h"
+#include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
-#include "support/NamesAndDemands.h"
 #include "support/RegistryScriptTest.h"
 #include "support/Thrown.h"
 #include "system/RegistryCalls.h"
@@ -56,16 +56,10 @@ TEST_F(CRegistryValueMtElementTest, DeclaresItsAttributesInOrder) {
     ASSERT_TRUE(loadValues(value("REG_SZ", "x")));
     const CRegistryValueMtElement element(*context.findElementById(L"RegistryValue", L"V"),
                                           context);
-    std::vector<AttributeDeclaration> declared(1);
-    std::vector<AttributeDeclaration> derived(1);
 
-    element.getAttributes(declared);
-    element.getDerivedAttributes(derived);
-
-    EXPECT_THAT(namesAndDemands(declared),
-                ElementsAre(Pair(L"Name", true), Pair(L"Type", true), Pair(L"Value", true),
-                            Pair(L"Vital", false)));
-    EXPECT_THAT(namesAndDemands(derived), ElementsAre(Pair(L"Key", true), Pair(L"Root", true)));
+    EXPECT_THAT(declaredBy(element), ElementsAre(Pair(L"Name", true), Pair(L"Type", true),
+                                                 Pair(L"Value", true), Pair(L"Vital", false)));
+    EXPECT_THAT(derivedBy(element), ElementsAre(Pair(L"Key", true), Pair(L"Root", true)));
 }
 
 TEST_F(CRegistryValueMtElementTest, IsMadeOfARegistryValueNodeAlone) {

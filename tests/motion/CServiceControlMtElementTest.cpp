@@ -9,9 +9,9 @@
 
 #include "support/AllowedChildren.h"
 #include "support/ChildProcess.h"
+#include "support/Declarations.h"
 #include "support/FakeServices.h"
 #include "support/LogFile.h"
-#include "support/NamesAndDemands.h"
 #include "support/ScriptTest.h"
 #include "support/Text.h"
 #include "support/Thrown.h"
@@ -69,16 +69,11 @@ TEST_F(CServiceControlMtElementTest, DeclaresItsAttributesInOrder) {
     ASSERT_TRUE(loadFragment(control("stop")));
     const CServiceControlMtElement element(*context.findElementById(L"ServiceControl", L"S"),
                                            context);
-    std::vector<AttributeDeclaration> declared(1);
-    std::vector<AttributeDeclaration> derived(1);
 
-    element.getAttributes(declared);
-    element.getDerivedAttributes(derived);
-
-    EXPECT_THAT(namesAndDemands(declared),
+    EXPECT_THAT(declaredBy(element),
                 ElementsAre(Pair(L"Name", true), Pair(L"Action", true), Pair(L"Wait", true),
                             Pair(L"On", false), Pair(L"Vital", false)));
-    EXPECT_THAT(derived, IsEmpty());
+    EXPECT_THAT(derivedBy(element), IsEmpty());
 }
 
 TEST_F(CServiceControlMtElementTest, StandsForNoOtherElement) {

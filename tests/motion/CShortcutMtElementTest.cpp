@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "support/AllowedChildren.h"
+#include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/FakeLinkShell.h"
 #include "support/LockedFile.h"
 #include "support/LogFile.h"
-#include "support/NamesAndDemands.h"
 #include "support/ScriptTest.h"
 #include "support/ShellLinkFile.h"
 #include "support/Text.h"
@@ -80,16 +80,11 @@ protected:
 TEST_F(CShortcutMtElementTest, DeclaresItsAttributesInOrder) {
     ASSERT_TRUE(loadComponent(shortcut()));
     const CShortcutMtElement element(*context.findElementById(L"Shortcut", L"S"), context);
-    std::vector<AttributeDeclaration> declared(1);
-    std::vector<AttributeDeclaration> derived(1);
 
-    element.getAttributes(declared);
-    element.getDerivedAttributes(derived);
-
-    EXPECT_THAT(namesAndDemands(declared),
+    EXPECT_THAT(declaredBy(element),
                 ElementsAre(Pair(L"Name", true), Pair(L"Description", true), Pair(L"Target", true),
                             Pair(L"WorkingDirectory", false), Pair(L"IcoFile", false)));
-    EXPECT_THAT(namesAndDemands(derived), ElementsAre(Pair(L"Path", true)));
+    EXPECT_THAT(derivedBy(element), ElementsAre(Pair(L"Path", true)));
 }
 
 TEST_F(CShortcutMtElementTest, IsMadeOfAShortcutNodeAlone) {

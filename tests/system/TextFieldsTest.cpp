@@ -46,6 +46,18 @@ TEST(CopyBoundedTest, NullEndsTheProcess) {
     EXPECT_EXIT(copyBounded(nullptr, 8, L"a"), endedByInvalidParameter(), "");
 }
 
+TEST(CopyBoundedTest, KeepsTheSameRulesForNarrowText) {
+    char field[] = "xxxxxxx";
+    copyBounded(field, "abc");
+    EXPECT_EQ(std::string(field, 8), std::string("abc\0xxx\0", 8));
+    copyBounded(field, 4, "def");
+    EXPECT_EQ(std::string(field, 8), std::string("def\0xxx\0", 8));
+
+    char* const readOnly = reinterpret_cast<char*>(readOnlyField());
+    EXPECT_EXIT(copyBounded(readOnly, 8, "12345678"), endedByInvalidParameter(), "");
+    EXPECT_EXIT(copyBounded(readOnly, 8, nullptr), endedByInvalidParameter(), "");
+}
+
 TEST(FailInvalidParameterTest, EndsTheProcessAtOnce) {
     EXPECT_EXIT(failInvalidParameter(), endedByInvalidParameter(), "");
 }

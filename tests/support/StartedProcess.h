@@ -1,0 +1,34 @@
+#pragma once
+
+#include "support/FakeCall.h"
+#include "system/ShellCalls.h"
+
+/// Holds on to the process that the system's shell really starts while the object lives, and ends
+/// it then if it still runs.
+class StartedProcess {
+public:
+    StartedProcess() = default;
+    StartedProcess(const StartedProcess&) = delete;
+    StartedProcess& operator=(const StartedProcess&) = delete;
+    ~StartedProcess() {
+        TerminateProcess(process, 0);
+        CloseHandle(process);
+    }
+
+    bool isRunning() const { return WaitForSingleObject(process, 0) == WAIT_TIMEOUT; }
+
+    DWORD exitCode() const {
+        DWORD code = STILL_ACTIVE;
+        GetExitCodeProcess(process, &code);
+        return code;
+    }
+
+private:
+    HANDLE process = nullptr;
+    const FakeCall<shellCalls, &ShellCalls::ShellExecuteExW> start{[this](SHELLEXECUTEINFOW* info) {
+        const BOOL started = start.real(info);
+        DuplicateHandle(GetCurrentProcess(), info->hProcess, GetCurrentProcess(), &process, 0,
+                        FALSE, DUPLICATE_SAME_ACCESS);
+        return started;
+    }};
+};
