@@ -101,9 +101,9 @@ struct OnKeyword {
 };
 std::span<const OnKeyword> onKeywords();
 
-/// The value that `Vital`, `KillProcess`, `SupportDelayInstall` and `Wait` know; any other means
-/// no.
+/// The value that `Vital`, `KillProcess`, `SupportDelayInstall` and `Wait` know.
 inline constexpr wchar_t yesKeyword[] = L"yes";
+/// What an absent `KillProcess` or `SupportDelayInstall` stands for.
 inline constexpr wchar_t noKeyword[] = L"no";
 
 /// The values of `Return` with a meaning: a CustomAction's number counts, a program is waited for.

@@ -45,7 +45,7 @@ struct ErrorInfo {
     uint32_t code;         ///< ERROR_CODE_MESSAGE, ERROR_CODE_REMOVE_SHORTCUT, or one of ActionCode
     wchar_t text1[512];    ///< the object of the failed action
     wchar_t text2[512];    ///< a further text of the action
-    uint32_t systemError;  ///< the system's or a custom action's number; 0 or 0xFFFFFFFF for none
+    uint32_t systemError;  ///< the system's or the action's number; 0 or 0xFFFFFFFF for none
     wchar_t message[512];  ///< readable message, cut to fit; may be empty or end in a line end
 };
 

@@ -41,6 +41,26 @@ CustomActionEntry findEntry(const Library& library, const char* entryName) {
     return reinterpret_cast<CustomActionEntry>(reinterpret_cast<void*>(address));
 }
 
+/// Calls the function of a library that is loaded for this call alone. Empty when it was called;
+/// otherwise the text tells why it wasn't.
+std::wstring callInLibrary(const std::wstring& dllFile, const char* entryName,
+                           CustomActionParams& params, uint32_t& result, std::wstring& message) {
+    const Library library(libraryCalls.LoadLibraryW(dllFile.c_str()));
+    if (!library)
+        return L"Failed to load library(" + dllFile + L").";
+    const CustomActionEntry entry = findEntry(library, entryName);
+    if (entry == nullptr) {
+        writeLog(ERROR, "GetProcAddress ", entryName, " failed.");
+        std::wstring wideName;
+        assignText(wideName, toWideText(entryName).get());
+        return L"Failed to get Address(" + wideName + L").";
+    }
+    wchar_t entryMessage[CUSTOM_ACTION_MESSAGE_LENGTH] = {};
+    result = entry(&params, entryMessage, CUSTOM_ACTION_MESSAGE_LENGTH);
+    message.assign(entryMessage, wcsnlen(entryMessage, CUSTOM_ACTION_MESSAGE_LENGTH));
+    return {};
+}
+
 }  // namespace
 
 CCustomActionMtElement::CCustomActionMtElement(const XmlHandle& node, CContext& context)
@@ -78,30 +98,19 @@ int32_t CCustomActionMtElement::execute(CContext& context) {
 bool CCustomActionMtElement::callDllEntry(const std::wstring& dllFile, const char* entryName,
                                           CContext& context, uint32_t& result,
                                           std::wstring& message) const {
-    const auto fail = [&](const std::wstring& reason) {
-        context.subject().setErrorText(reason);
-        return false;
-    };
     writeLog(INFO, "callDllEntry:", dllFile, ";", entryName);
     std::wstring rootDirectory;
-    if (!context.getDirectory(rootDirectory, L"APPLICATIONROOTDIRECTORY") || rootDirectory.empty())
-        return fail(L"Can't get application directory.");
+    if (!context.getDirectory(rootDirectory, L"APPLICATIONROOTDIRECTORY") ||
+        rootDirectory.empty()) {
+        context.subject().setErrorText(L"Can't get application directory.");
+        return false;
+    }
     rootDirectory = withSeparator(rootDirectory);
     writeLog(INFO, rootDirectory);
     CustomActionParams params = makeParams(rootDirectory, context);
-
-    const Library library(libraryCalls.LoadLibraryW(dllFile.c_str()));
-    if (!library)
-        return fail(L"Failed to load library(" + dllFile + L").");
-    const CustomActionEntry entry = findEntry(library, entryName);
-    if (entry == nullptr) {
-        writeLog(ERROR, "GetProcAddress ", entryName, " failed.");
-        std::wstring wideName;
-        assignText(wideName, toWideText(entryName).get());
-        return fail(L"Failed to get Address(" + wideName + L").");
-    }
-    wchar_t entryMessage[CUSTOM_ACTION_MESSAGE_LENGTH] = {};
-    result = entry(&params, entryMessage, CUSTOM_ACTION_MESSAGE_LENGTH);
-    message.assign(entryMessage, wcsnlen(entryMessage, CUSTOM_ACTION_MESSAGE_LENGTH));
-    return true;
+    const std::wstring failure = callInLibrary(dllFile, entryName, params, result, message);
+    if (failure.empty())
+        return true;
+    context.subject().setErrorText(failure);
+    return false;
 }

@@ -21,7 +21,8 @@ typedef struct CustomActionParams {
     /* The directory with the Id APPLICATIONROOTDIRECTORY of the script, in the active code page,
        terminated, and ending in a separator. What stands behind the terminator is undefined. */
     char applicationRootDirectory[260];
-    /* The version of Windows, as the engine was told it. */
+    /* The version of Windows that the host is told of: 6.2 from Windows 8 on, unless the host's
+       manifest names later ones. */
     uint32_t osMajorVersion;
     uint32_t osMinorVersion;
     /* 1 on a 64-bit Windows, else 0. */
@@ -36,8 +37,8 @@ typedef struct CustomActionParams {
    (CUSTOM_ACTION_MESSAGE_LENGTH), it can leave a terminated text, of which the host sees the first
    511 characters. No exception may leave it.
 
-   It returns 0 for success. Any other number is a failure if the element says Return="check"; then
-   it is ErrorInfo::systemError and the result of the run. */
+   It returns 0 for success. Any other number is a failure if the element says Return="check"; it is
+   then ErrorInfo::systemError, and the result of the run when the host aborts. */
 typedef uint32_t (*CustomActionEntry)(CustomActionParams* params, wchar_t* message,
                                       uint32_t capacity);
 

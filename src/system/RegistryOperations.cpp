@@ -15,7 +15,8 @@ struct KeyTraits {
 };
 using Key = UniqueHandle<KeyTraits>;
 
-/// Characters of the longest subkey name that is looked for, without its terminator.
+/// Characters of the longest subkey name that is seen, its terminator included: one of 255, the
+/// longest that there is, is left where it is.
 constexpr DWORD subkeyNameLength = 255;
 
 LSTATUS openKey(HKEY parent, const wchar_t* subkey, REGSAM access, Key& key) {

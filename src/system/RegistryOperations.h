@@ -12,7 +12,8 @@
 bool createKey(HKEY root, const wchar_t* subkey);
 
 /// Deletes a key with its values and all keys below it, the deepest first. True when it is gone, or
-/// was never there. What can be deleted is deleted even when something else can't be.
+/// was never there. What can be deleted is deleted even when something else can't be. An empty
+/// `subkey` means all that is below `parent`, which itself stays and makes the result false.
 bool deleteKeyTree(HKEY parent, const wchar_t* subkey);
 
 /// Writes a value of `size` bytes into a key, which must exist.

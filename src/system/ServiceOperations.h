@@ -29,8 +29,9 @@ bool stopServiceAndWait(const wchar_t* name, uint32_t timeoutMs);
 /// no such service.
 bool deleteServiceByName(const wchar_t* name);
 
-/// Reads how a service is started, one of the system's SERVICE_..._START. On failure, which the log
-/// tells, the result is false and `startType` untouched.
+/// Reads how a service is started, one of the system's SERVICE_..._START. On failure the
+/// result is false and `startType` untouched; the log tells it, unless the service manager answers
+/// a question for a size with success.
 bool queryServiceStartType(const wchar_t* name, uint32_t& startType, ServiceHandle manager);
 
 /// Sets how a service is started. True when it is so at the end; the log tells a failure.

@@ -63,7 +63,7 @@ bool writeLink(const wchar_t* linkPath, const wchar_t* target, const wchar_t* wo
 
     void* queried = nullptr;
     if (FAILED(link->QueryInterface(IID_IPersistFile, &queried))) {
-        // An object that answers so isn't trusted with a call more.
+        // Left unreleased.
         static_cast<void>(link.release());
         return false;
     }
