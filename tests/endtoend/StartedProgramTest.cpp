@@ -5,6 +5,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/HostTest.h"
+#include "support/ReportedWindows.h"
 
 using testing::IsEmpty;
 
@@ -49,34 +50,6 @@ TEST_F(StartedProgramTest, MustBeThere) {
     EXPECT_STREQ(observer.failures.front().message, L"");
 }
 
-/// A key of the registry that lives as long as the object.
-class RegistryKey {
-public:
-    RegistryKey(HKEY root, const std::wstring& path) : root(root), path(path) {
-        EXPECT_EQ(RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
-                                  nullptr),
-                  ERROR_SUCCESS);
-    }
-    RegistryKey(const RegistryKey&) = delete;
-    RegistryKey& operator=(const RegistryKey&) = delete;
-    ~RegistryKey() {
-        RegCloseKey(key);
-        RegDeleteTreeW(root, path.c_str());
-    }
-
-    /// Writes a text in the key or in one below it.
-    void set(const wchar_t* subKey, const wchar_t* name, const std::wstring& text) const {
-        EXPECT_EQ(RegSetKeyValueW(key, subKey, name, REG_SZ, text.c_str(),
-                                  static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-                  ERROR_SUCCESS);
-    }
-
-private:
-    const HKEY root;
-    const std::wstring path;
-    HKEY key = nullptr;
-};
-
 /// A kind of document that is opened by noting the verb in a file beside it.
 class VerbDocument {
 public:
@@ -88,26 +61,15 @@ public:
     }
 
 private:
-    const RegistryKey extension{HKEY_CLASSES_ROOT, L".temz-verb"};
-    const RegistryKey type{HKEY_CLASSES_ROOT, L"temz.verb"};
+    const TemporaryKey extension{HKEY_CLASSES_ROOT, L".temz-verb"};
+    const TemporaryKey type{HKEY_CLASSES_ROOT, L"temz.verb"};
 };
 
-/// What version of Windows this program's own name stands for, in its next processes.
-class VersionOfNextProcess {
-public:
-    explicit VersionOfNextProcess(const std::wstring& version) {
-        settings.set(nullptr, L"Version", version);
-    }
-
-private:
-    static std::wstring programName() {
-        wchar_t program[MAX_PATH];
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        return std::filesystem::path(program).filename().wstring();
-    }
-
-    const RegistryKey settings{HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\" + programName()};
-};
+std::wstring programName() {
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    return std::filesystem::path(program).filename().wstring();
+}
 
 DWORD majorVersion() {
     OSVERSIONINFOW version{};
@@ -121,7 +83,7 @@ class VerbTest : public StartedProgramTest {
 protected:
     void expectVerb(const std::wstring& windows, DWORD major, const std::string& verb) {
         const VerbDocument documents;
-        const VersionOfNextProcess version(windows);
+        const ReportedWindows version(programName(), windows);
         inFreshProcess([&] {
             EXPECT_EQ(majorVersion(), major);
             const std::wstring document = folder.write(L"a.temz-verb", "");

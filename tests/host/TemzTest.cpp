@@ -8,6 +8,7 @@
 #include "HostProgram.h"
 #include "SetupTest.h"
 #include "support/LockedFile.h"
+#include "support/ReportedWindows.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -61,6 +62,16 @@ TEST_F(TemzTest, InstallsUpgradesAndRemovesAProduct) {
     EXPECT_EQ(uninstall.output, "Deleting a.txt\nDeleting b.txt\n");
     EXPECT_EQ(uninstall.error, "");
     EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(TemzTest, LetsScriptsSeeTheTrueVersionOfWindows) {
+    const ReportedWindows windows(L"temz.exe", L"win10");
+    ship(L"a.txt", "a");
+    writeScript("<Condition Expression='OS_MAJOR_VERSION E 10'>" + file("a.txt") + "</Condition>");
+
+    EXPECT_EQ(temz(L"install install.xml").exitCode, 0u);
+
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
 }
 
 TEST_F(TemzTest, TellsThatARestartIsNeeded) {
