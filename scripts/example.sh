@@ -88,7 +88,7 @@ compare() {
 }
 
 # What the script leaves behind: the user's notes with the folders around them, the copies of the
-# icon that the shortcut was made with, and the log.
+# icon that the shortcut was made with, the key that the company's products share, and the log.
 leavings() {
     cat <<'END'
 files:
@@ -99,7 +99,7 @@ files:
     + Program Files/Example Works/Greeter/doc/notes.txt
     + Program Files/Example Works/Greeter/greeter(stamp).ico
 registry:
-    (the same)
+    + [HKEY_LOCAL_MACHINE\Software\Example Works]
 services:
     (the same)
 pending restarts:

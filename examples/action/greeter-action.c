@@ -1,8 +1,8 @@
 /* The custom actions of the example product, and the model of one: a small library in plain C. */
 
 #include <stdio.h>
-#include <string.h>
 #include <temz/CustomAction.h>
+#include <wchar.h>
 
 /* Codes of our own; a script that says Return="check" makes them failures. */
 enum { WELCOMED = 0, CANT_WRITE = 1, CANT_DELETE = 2 };

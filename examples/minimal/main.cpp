@@ -16,7 +16,8 @@ class Observer final : public IterfaceObserver {
     }
 
     ObserverAnswer askOnError(ErrorInfo* error) override {
-        std::printf("%ls: %ls\n", error->text1, error->message);
+        std::printf("Action %u failed (%u). %ls %ls\n", static_cast<unsigned>(error->code),
+                    static_cast<unsigned>(error->systemError), error->text1, error->message);
         return ANSWER_ABORT;
     }
 };

@@ -52,8 +52,8 @@ void greet() {
 void WINAPI serve(DWORD, wchar_t**) {
     stopRequested = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     statusHandle = RegisterServiceCtrlHandlerExW(serviceName, handleControl, nullptr);
-    report(SERVICE_RUNNING);
     greet();
+    report(SERVICE_RUNNING);
     WaitForSingleObject(stopRequested, INFINITE);
     report(SERVICE_STOPPED);
 }
