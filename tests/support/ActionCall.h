@@ -7,7 +7,7 @@
 /* What a test and its action library tell each other: observerData points at it. Also for C. */
 typedef struct ActionCall {
     /* What the function returns, and the characters that it writes: only these, without a
-       terminator of its own. */
+       terminator of its own; none for null. */
     uint32_t result;
     const wchar_t* text;
     size_t textLength;

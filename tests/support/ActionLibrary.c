@@ -18,7 +18,8 @@ EXPORTED uint32_t answer(CustomActionParams* params, wchar_t* message, uint32_t 
     memcpy(call->message, message, sizeof call->message);
     call->capacity = capacity;
     call->thread = GetCurrentThreadId();
-    memcpy(message, call->text, call->textLength * sizeof *message);
+    if (call->text)
+        memcpy(message, call->text, call->textLength * sizeof *message);
     return call->result;
 }
 
