@@ -30,6 +30,6 @@ void CVariableElement::setValueText(const std::wstring& text) {
     if (!getAttribute(valueAttribute, record))
         return;
     record.value = text;
-    if (!updateAttribute(record))
+    if (!updateAttribute(record))  // can't be, as the attribute has just been found
         throw std::wstring(L"failed to update attribute when assignment.");
 }

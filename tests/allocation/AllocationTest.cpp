@@ -130,9 +130,14 @@ TEST(AllocationTest, ExpressionReleasesWhatAFailureLeftOnItsStacks) {
     const size_t before = liveAllocations();
     {
         CExpression expression;
-        for (const wchar_t* failing : {L"( V AND ( 1 OR ! ! absent", L"1 )", L"1 AND 2 = 3 = 4"})
+        expression.evaluate(L"1", context);
+        const size_t whenUsed = liveAllocations();
+        for (const wchar_t* failing : {L"( V AND ( 1 OR ! ! absent", L"1 )", L"1 AND 2 = 3 = 4"}) {
             EXPECT_THROW(expression.evaluate(failing, context), std::wstring);
-        ASSERT_GT(liveAllocations(), before);
+            EXPECT_GT(liveAllocations(), whenUsed) << failing;
+            expression.evaluate(L"1", context);
+            EXPECT_EQ(liveAllocations(), whenUsed) << failing;
+        }
     }
     EXPECT_EQ(liveAllocations(), before);
 }

@@ -483,6 +483,14 @@ TEST_F(CExpressionTest, FailureLeavesTheStacksUntilTheNextEvaluation) {
     EXPECT_EQ(thrownBy([&] { expression.readOperation(L"#"); }), L"Operations stack is empty!");
 }
 
+TEST_F(CExpressionTest, NextEvaluationBeginsWithEmptyStacks) {
+    EXPECT_THROW(expression.evaluate(L"( ( N M", context), std::wstring);
+
+    EXPECT_TRUE(expression.evaluate(L"N", context));
+
+    EXPECT_EQ(thrownBy([&] { expression.readOperation(L"#"); }), L"Operations stack is empty!");
+}
+
 TEST_F(CExpressionTest, OperationNeedsOneBelowIt) {
     EXPECT_EQ(thrownBy([&] { expression.readOperation(L"("); }), L"Operations stack is empty!");
     EXPECT_EQ(thrownBy([&] { expression.readOperation(L"!"); }), L"Operations stack is empty!");

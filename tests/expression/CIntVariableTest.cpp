@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "expression/CVariableElement.h"
+#include "support/ChildProcess.h"
 #include "support/ScriptTest.h"
 #include "support/Thrown.h"
 
@@ -30,6 +31,14 @@ TEST_F(CIntVariableTest, BuiltInOneHoldsNameAndValueItself) {
     EXPECT_EQ(variable.type, 2);
     EXPECT_TRUE(variable.isConst);
     EXPECT_EQ(variable.element, nullptr);
+}
+
+TEST_F(CIntVariableTest, BuiltInOneTakesANameOf63Characters) {
+    const std::wstring longest(63, L'N');
+    EXPECT_EQ(CIntVariable(longest.c_str(), 1).getName(), longest);
+
+    const std::wstring tooLong(64, L'N');
+    EXPECT_EXIT(CIntVariable(tooLong.c_str(), 1), endedByInvalidParameter(), "");
 }
 
 TEST_F(CIntVariableTest, BuiltInOneKeepsItsOwnCopyOfTheName) {

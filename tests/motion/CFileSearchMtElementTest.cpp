@@ -296,8 +296,10 @@ TEST_F(CFileSearchMtElementTest, BadExpressionStaysUnnoticedUntilItIsNeeded) {
 
 TEST_F(CFileSearchMtElementTest, SearchInVainLeavesAnErrorRecordWithoutAMessage) {
     folder.write(L"a.txt", "");
+    placeVersionedFile(folder.path(L"a.dll"), L"1.2.0.0");
     for (const std::string& element :
-         {search("absent", assign), search("a.txt", assign, "MinVersion='1'")}) {
+         {search("absent", assign), search("a.txt", assign, "MinVersion='1'"),
+          search("a.dll", assign, "MinVersion='2'")}) {
         SCOPED_TRACE(element);
         context.unload();
         ASSERT_TRUE(loadFragment(element));

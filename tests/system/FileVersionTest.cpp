@@ -102,8 +102,9 @@ TEST_F(GetFileVersionTest, FailsWhenTheBlockCannotBeRead) {
 
 TEST_F(GetFileVersionTest, FailsWhenTheBlockHasNoRoot) {
     const FakeCall<versionCalls, &VersionCalls::VerQueryValueW> query(
-        [](const void*, const wchar_t* name, void**, UINT*) {
+        [](const void*, const wchar_t* name, void**, UINT* length) {
             EXPECT_STREQ(name, L"\\");
+            EXPECT_NE(length, nullptr);
             SetLastError(ERROR_SUCCESS);
             return FALSE;
         });
