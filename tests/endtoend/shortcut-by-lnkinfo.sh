@@ -4,8 +4,9 @@
 set -euo pipefail
 
 scripts=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../scripts" && pwd)
-work=$(mktemp -d "$(dirname "$1")/shortcut-by-lnkinfo.XXXXXX")
-trap 'rm -rf "$work"' EXIT
+work=$(dirname "$1")/shortcut-by-lnkinfo
+rm -rf "$work"
+mkdir "$work"
 cp "$1" "$2" "$work"
 cd "$work"
 # The links lie outside of the prefix, which another program may have when they are read.

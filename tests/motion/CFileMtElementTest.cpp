@@ -2,22 +2,15 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
 #include <utility>
 
 #include "support/Declarations.h"
 #include "support/FakeCall.h"
+#include "support/FileElementTest.h"
 #include "support/LockedFile.h"
-#include "support/LogFile.h"
-#include "support/PayloadFolder.h"
-#include "support/ScriptTest.h"
-#include "support/Sleeper.h"
 #include "support/Text.h"
-#include "system/ClockCalls.h"
 #include "system/FileCalls.h"
 #include "system/FileOperations.h"
-#include "system/ProcessCalls.h"
-#include "system/TextCalls.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -27,42 +20,7 @@ using Notification = RecordingObserver::Notification;
 
 namespace {
 
-constexpr int32_t unknownMode = 7;
-
-/// Runs scripts that install `source`, which holds "new", as `target`.
-class CFileMtElementTest : public ScriptTest {
-protected:
-    /// A `File` for the target, with further attributes.
-    std::string file(const std::string& attributes = {}) const {
-        return "<File Id='F' Name='a.txt' Source='" + narrow(source) + "' " + attributes + "/>";
-    }
-
-    /// Loads a script whose one component holds the elements, in the directory of the target.
-    bool loadComponent(const std::string& elements, const std::string& attributes = {}) {
-        return loadProduct("<Directory Path='" + narrow(folder.path(L"app")) +
-                           "'><Component Id='C' " + attributes + ">" + elements +
-                           "</Component></Directory>"
-                           "<InstallExecuteSequence><Feature><ComponentRef Id='C'/></Feature>"
-                           "</InstallExecuteSequence>");
-    }
-
-    void expectError(uint32_t code, const std::wstring& text1, uint32_t systemError,
-                     const std::wstring& message) {
-        const ErrorInfo& error = context.getProduct()->errorInfo;
-        EXPECT_EQ(error.code, code);
-        EXPECT_EQ(error.text1, text1);
-        EXPECT_STREQ(error.text2, L"");
-        EXPECT_EQ(error.systemError, systemError);
-        EXPECT_EQ(error.message, message);
-    }
-
-    /// What an execution leaves at its start, and a success keeps.
-    void expectNoError() { expectError(ERROR_CODE_MESSAGE, L"", 0, L""); }
-
-    const PayloadFolder payload;
-    const std::wstring source = payload.write(L"a.txt", "new");
-    const std::wstring target = folder.path(L"app\\a.txt");
-};
+using CFileMtElementTest = FileElementTest;
 
 // What the element asks of the script.
 
@@ -184,7 +142,7 @@ TEST_F(CFileMtElementTest, FailsInAnUnknownModeWithoutTouchingAnything) {
 
 // Install and upgrade.
 
-class FileCopyTest : public CFileMtElementTest, public testing::WithParamInterface<RunMode> {
+class FileCopyTest : public FileElementTest, public testing::WithParamInterface<RunMode> {
 protected:
     int32_t runInMode() { return run(GetParam()); }
 
@@ -500,266 +458,6 @@ std::wstring sourceWithoutHostDirectory() {
 TEST(CFileMtElementDeathTest, TakesSourceByItselfWhenTheHostsDirectoryIsUnknown) {
     EXPECT_EXIT(std::exit(sourceWithoutHostDirectory() == L"sub\\a.txt" ? 0 : 1),
                 testing::ExitedWithCode(0), "");
-}
-
-// Uninstall.
-
-class FileDeleteTest : public CFileMtElementTest {
-protected:
-    int32_t uninstall() { return run(RUNMODE_UNINSTALL); }
-};
-
-TEST_F(FileDeleteTest, DeletesTheFileAndNothingElse) {
-    folder.write(L"app\\a.txt", "old");
-    const std::wstring other = folder.write(L"app\\b.txt", "other");
-    ASSERT_TRUE(loadComponent(file()));
-
-    EXPECT_EQ(uninstall(), 0);
-
-    EXPECT_FALSE(exists(target));
-    EXPECT_TRUE(exists(other));
-    EXPECT_TRUE(exists(testProgramDirectory() + L"\\" + source));
-    expectNoError();
-}
-
-TEST_F(FileDeleteTest, LeavesTheEmptyDirectoryBehind) {
-    folder.write(L"app\\a.txt", "old");
-    ASSERT_TRUE(loadComponent(file()));
-
-    EXPECT_EQ(uninstall(), 0);
-
-    EXPECT_TRUE(exists(folder.path(L"app")));
-}
-
-TEST_F(FileDeleteTest, CountsAnAbsentFileAsDeleted) {
-    ASSERT_TRUE(loadComponent(file()));
-
-    EXPECT_EQ(uninstall(), 0);
-
-    expectNoError();
-    EXPECT_FALSE(exists(folder.path(L"app")));
-}
-
-TEST_F(FileDeleteTest, NeedsNoSourceFile) {
-    folder.write(L"app\\a.txt", "old");
-    ASSERT_TRUE(loadComponent("<File Name='a.txt' Source='absent'/>"));
-
-    EXPECT_EQ(uninstall(), 0);
-
-    EXPECT_FALSE(exists(target));
-}
-
-TEST_F(FileDeleteTest, AnnouncesEachDeletionWithItsProgress) {
-    ASSERT_TRUE(loadComponent(file() + "<File Name='b.txt' Source='" + narrow(source) + "'/>"));
-
-    EXPECT_EQ(uninstall(), 0);
-
-    EXPECT_THAT(observer.updates, ElementsAre(Notification{ACTION_DELETE_FILE, L"a.txt", L"", 0},
-                                              Notification{ACTION_DELETE_FILE, L"b.txt", L"", 50}));
-}
-
-TEST_F(FileDeleteTest, LogsTheDeletionAfterItsAnnouncementAndBeforeItIsDone) {
-    const LogFile log;
-    folder.write(L"app\\a.txt", "old");
-    ASSERT_TRUE(loadComponent(file()));
-    std::vector<std::string> linesBefore;
-    FakeCall<fileCalls, &FileCalls::DeleteFileW> remove([&](auto path) {
-        linesBefore = log.lines();
-        return remove.real(path);
-    });
-
-    // Without an observer the announcement is a line of its own.
-    context.runMode = RUNMODE_UNINSTALL;
-    EXPECT_EQ(context.getProduct()->run(&context), 0);
-
-    EXPECT_THAT(linesBefore, ElementsAre("[WARNNING] Observer is NULL in subject.",
-                                         "[WARNNING] delete file " + narrow(target)));
-}
-
-TEST_F(FileDeleteTest, LogsNullForATargetThatCannotBeConverted) {
-    const LogFile log;
-    ASSERT_TRUE(loadComponent(file()));
-    FakeCall<textCalls, &TextCalls::WideCharToMultiByte> convert(
-        [&](UINT page, DWORD flags, LPCWCH text, auto... rest) {
-            return text == target ? 0 : convert.real(page, flags, text, rest...);
-        });
-
-    EXPECT_EQ(uninstall(), 0);
-
-    EXPECT_THAT(log.lines(), ElementsAre("[WARNNING] delete file null"));
-}
-
-TEST_F(FileDeleteTest, DeletesAReadOnlyFile) {
-    folder.write(L"app\\a.txt", "old");
-    ASSERT_TRUE(SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_READONLY));
-    ASSERT_TRUE(loadComponent(file()));
-
-    EXPECT_EQ(uninstall(), 0);
-
-    EXPECT_FALSE(exists(target));
-}
-
-TEST_F(FileDeleteTest, FailsOverALockedFileAlsoWhenADelayIsAllowed) {
-    folder.write(L"app\\a.txt", "old");
-    const LockedFile lock(target);
-    ASSERT_TRUE(loadComponent(file("SupportDelayInstall='yes'")));
-    FakeCall<fileCalls, &FileCalls::MoveFileExW> move([](auto...) { return TRUE; });
-
-    EXPECT_EQ(uninstall(), -1);
-
-    expectError(ACTION_DELETE_FILE, L"a.txt", 0, L"");
-    EXPECT_EQ(move.count, 0);
-    EXPECT_FALSE(context.getProduct()->rebootRequired);
-    EXPECT_TRUE(exists(target));
-}
-
-// Ending the program that runs from the target.
-
-/// A run with `KillProcess` in any mode, where the wait behind the end takes no time.
-class FileKillTest : public CFileMtElementTest, public testing::WithParamInterface<int32_t> {
-protected:
-    int32_t runInMode() { return run(GetParam()); }
-
-    /// The result of a run in which nothing goes wrong.
-    static int32_t usualResult() { return GetParam() == unknownMode ? -1 : 0; }
-
-    /// What the log holds but for the deletion's own line.
-    std::vector<std::string> linesOfSearch() const {
-        std::vector<std::string> lines = log.lines();
-        std::erase(lines, "[WARNNING] delete file " + narrow(target));
-        return lines;
-    }
-
-    const std::string killFile = file("KillProcess='yes'");
-    const LogFile log;
-    std::vector<DWORD> waits;
-    std::function<void()> onWait = [] {};
-    const FakeCall<clockCalls, &ClockCalls::Sleep> sleep{[this](DWORD milliseconds) {
-        waits.push_back(milliseconds);
-        onWait();
-    }};
-};
-
-INSTANTIATE_TEST_SUITE_P(AnyMode, FileKillTest,
-                         Values(RUNMODE_INSTALL, RUNMODE_UNINSTALL, RUNMODE_UPGRADE, unknownMode),
-                         [](const auto& mode) { return "Mode" + std::to_string(mode.param); });
-
-TEST_P(FileKillTest, EndsTheProgramAndWaitsBeforeAnythingElse) {
-    const Sleeper sleeper(target);
-    ASSERT_TRUE(loadComponent(killFile));
-    onWait = [&] {
-        EXPECT_TRUE(sleeper.waitUntilEnded());
-        EXPECT_THAT(log.lines(), IsEmpty());
-        EXPECT_THAT(observer.updates, IsEmpty());
-    };
-
-    EXPECT_EQ(runInMode(), usualResult());
-
-    EXPECT_THAT(waits, ElementsAre(1000u));
-    EXPECT_THAT(linesOfSearch(),
-                ElementsAre("[INFO] Kill process (" + narrow(target) + ") success."));
-    expectNoError();
-}
-
-TEST_P(FileKillTest, DoesNotWaitWhenNoSuchProgramRuns) {
-    folder.write(L"app\\a.txt", "old");
-    ASSERT_TRUE(loadComponent(killFile));
-
-    EXPECT_EQ(runInMode(), usualResult());
-
-    EXPECT_THAT(waits, IsEmpty());
-    EXPECT_THAT(linesOfSearch(), IsEmpty());
-}
-
-TEST_P(FileKillTest, SparesAProgramOfTheSameNameElsewhere) {
-    const std::wstring elsewhere = folder.path(L"elsewhere\\a.txt");
-    const Sleeper sleeper(elsewhere);
-    ASSERT_TRUE(loadComponent(killFile));
-
-    EXPECT_EQ(runInMode(), usualResult());
-
-    EXPECT_TRUE(sleeper.isRunning());
-    EXPECT_THAT(linesOfSearch(), IsEmpty());
-}
-
-TEST_P(FileKillTest, GoesOnWhenTheProgramCannotBeEnded) {
-    const Sleeper sleeper(target);
-    ASSERT_TRUE(loadComponent(killFile));
-    FakeCall<processCalls, &ProcessCalls::TerminateProcess> end([](auto...) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-    });
-
-    const int32_t result = runInMode();
-
-    const bool copies = GetParam() == RUNMODE_INSTALL || GetParam() == RUNMODE_UPGRADE;
-    EXPECT_EQ(result, copies ? ERROR_SHARING_VIOLATION : -1);
-    EXPECT_THAT(linesOfSearch(),
-                ElementsAre("[WARNNING] Failed to kill process(" + narrow(target) + ")"));
-    EXPECT_THAT(waits, IsEmpty());
-    EXPECT_EQ(observer.updates.size(), GetParam() == unknownMode ? 0u : 1u);
-}
-
-TEST_P(FileKillTest, GoesOnWhenTheSearchFails) {
-    ASSERT_TRUE(loadComponent(killFile));
-    FakeCall<processCalls, &ProcessCalls::CreateToolhelp32Snapshot> search([](auto...) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return INVALID_HANDLE_VALUE;
-    });
-
-    EXPECT_EQ(runInMode(), usualResult());
-
-    EXPECT_THAT(linesOfSearch(), ElementsAre("[ERROR] CreateToolhelp32Snapshot error:8"));
-    EXPECT_THAT(waits, IsEmpty());
-}
-
-TEST_P(FileKillTest, SearchesForTheExactWordOfTheFileAlone) {
-    struct Row {
-        std::string onFile;
-        std::string onComponent;
-        int searches;
-    };
-    const Row rows[] = {
-        {"", "", 0},
-        {"KillProcess='no'", "", 0},
-        {"KillProcess='Yes'", "", 0},
-        {"KillProcess='YES'", "", 0},
-        {"KillProcess='yes '", "", 0},
-        {"KillProcess='ye'", "", 0},
-        {"KillProcess='true'", "", 0},
-        {"KillProcess='1'", "", 0},
-        {"KillProcess=''", "", 0},
-        {"", "KillProcess='yes'", 0},
-        {"KillProcess='yes'", "", 1},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE("file: " + row.onFile + ", component: " + row.onComponent);
-        context.unload();
-        ASSERT_TRUE(loadComponent(file(row.onFile), row.onComponent));
-        FakeCall<processCalls, &ProcessCalls::CreateToolhelp32Snapshot> search(
-            [](auto...) { return INVALID_HANDLE_VALUE; });
-
-        runInMode();
-
-        EXPECT_EQ(search.count, row.searches);
-    }
-}
-
-TEST_P(FileKillTest, EndsOneOfTwoProgramsAtEachAttempt) {
-    const Sleeper first(target);
-    const Sleeper second(target);
-    ASSERT_TRUE(loadComponent(killFile));
-    std::vector<bool> secondRuns;
-    onWait = [&] {
-        EXPECT_TRUE((waits.size() == 1 ? first : second).waitUntilEnded());
-        secondRuns.push_back(second.isRunning());
-    };
-    observer.answers = {ANSWER_RETRY};
-
-    EXPECT_EQ(runInMode(), usualResult());
-
-    EXPECT_THAT(secondRuns, ElementsAre(true, false));
-    EXPECT_THAT(waits, ElementsAre(1000u, 1000u));
 }
 
 }  // namespace

@@ -1,0 +1,208 @@
+#include <gmock/gmock.h>
+
+#include <string>
+#include <utility>
+
+#include "support/FakeServiceTest.h"
+#include "system/ServiceOperations.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+class QueryStartTypeTest : public FakeServiceTest {
+protected:
+    static constexpr uint32_t untouched = 4711;
+
+    bool query() {
+        ServiceHandle manager(serviceCalls.OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT));
+        services.calls.clear();
+        return queryServiceStartType(L"svc", startType, std::move(manager));
+    }
+
+    uint32_t startType = untouched;
+};
+
+TEST_F(QueryStartTypeTest, ReadsTheConfigurationIntoMemoryOfTheNeededSize) {
+    services.startType = SERVICE_DISABLED;
+
+    EXPECT_TRUE(query());
+
+    EXPECT_EQ(startType, SERVICE_DISABLED);
+    EXPECT_THAT(services.calls,
+                ElementsAre("OpenService svc 0x1", "QueryServiceConfig 0", "LocalAlloc 0x40 0x200",
+                            "QueryServiceConfig 0x200", "LocalFree", "CloseServiceHandle service",
+                            "CloseServiceHandle manager"));
+}
+
+TEST_F(QueryStartTypeTest, FailsWhenTheServiceCannotBeOpened) {
+    services.errors["OpenService"] = {ERROR_SERVICE_DOES_NOT_EXIST};
+
+    EXPECT_FALSE(query());
+
+    EXPECT_EQ(startType, untouched);
+    EXPECT_THAT(services.calls, ElementsAre("OpenService svc 0x1", "CloseServiceHandle manager"));
+    logged = {"[ERROR] OpenService failed:1060"};
+}
+
+TEST_F(QueryStartTypeTest, FailsSilentlyWhenTheConfigurationFitsInNoMemoryAtAll) {
+    services.errors["QueryServiceConfig"] = {ERROR_SUCCESS};
+
+    EXPECT_FALSE(query());
+
+    EXPECT_EQ(startType, untouched);
+    EXPECT_THAT(services.calls,
+                ElementsAre("OpenService svc 0x1", "QueryServiceConfig 0",
+                            "CloseServiceHandle service", "CloseServiceHandle manager"));
+}
+
+TEST_F(QueryStartTypeTest, FailsWhenTheNeededSizeIsNotTold) {
+    services.errors["QueryServiceConfig"] = {ERROR_ACCESS_DENIED};
+
+    EXPECT_FALSE(query());
+
+    EXPECT_EQ(startType, untouched);
+    EXPECT_THAT(services.calls,
+                ElementsAre("OpenService svc 0x1", "QueryServiceConfig 0",
+                            "CloseServiceHandle service", "CloseServiceHandle manager"));
+    logged = {"[ERROR] QueryServiceConfig failed:5"};
+}
+
+TEST_F(QueryStartTypeTest, FailsWithoutMemory) {
+    services.errors["LocalAlloc"] = {ERROR_NOT_ENOUGH_MEMORY};
+
+    EXPECT_FALSE(query());
+
+    EXPECT_EQ(startType, untouched);
+    EXPECT_THAT(services.calls,
+                ElementsAre("OpenService svc 0x1", "QueryServiceConfig 0", "LocalAlloc 0x40 0x200",
+                            "CloseServiceHandle service", "CloseServiceHandle manager"));
+    logged = {"[ERROR] QueryServiceConfig failed:122"};
+}
+
+TEST_F(QueryStartTypeTest, TellsTheFirstErrorWhenTheSecondReadingFails) {
+    services.errors["QueryServiceConfig"] = {ERROR_INSUFFICIENT_BUFFER, ERROR_ACCESS_DENIED};
+
+    EXPECT_FALSE(query());
+
+    EXPECT_EQ(startType, untouched);
+    EXPECT_THAT(services.calls,
+                ElementsAre("OpenService svc 0x1", "QueryServiceConfig 0", "LocalAlloc 0x40 0x200",
+                            "QueryServiceConfig 0x200", "LocalFree", "CloseServiceHandle service",
+                            "CloseServiceHandle manager"));
+    logged = {"[ERROR] QueryServiceConfig failed:122"};
+}
+
+/// Changes the start type of a service that is started on demand.
+class ChangeStartTypeTest : public FakeServiceTest {
+protected:
+    /// What is called from the last opening of the manager on.
+    std::vector<std::string> callsOfChange() const {
+        std::vector<std::string> calls;
+        for (const std::string& call : services.calls) {
+            if (call.starts_with("OpenSCManager"))
+                calls.clear();
+            calls.push_back(call);
+        }
+        return calls;
+    }
+};
+
+TEST_F(ChangeStartTypeTest, LocksTheDatabaseWhileItChanges) {
+    EXPECT_TRUE(changeServiceStartType(L"svc", SERVICE_AUTO_START));
+
+    EXPECT_THAT(
+        services.calls,
+        ElementsAre("OpenSCManager 0xf003f", "OpenService svc 0x1", "QueryServiceConfig 0",
+                    "LocalAlloc 0x40 0x200", "QueryServiceConfig 0x200", "LocalFree",
+                    "CloseServiceHandle service", "CloseServiceHandle manager",
+                    "OpenSCManager 0xf003f", "LockServiceDatabase", "OpenService svc 0x2",
+                    "ChangeServiceConfig 0xffffffff 0x2 0xffffffff", "CloseServiceHandle service",
+                    "UnlockServiceDatabase", "CloseServiceHandle manager"));
+}
+
+TEST_F(ChangeStartTypeTest, ChangesNothingWhenTheTypeIsTheWantedOne) {
+    EXPECT_TRUE(changeServiceStartType(L"svc", SERVICE_DEMAND_START));
+
+    EXPECT_EQ(services.countCalls("OpenSCManager"), 1u);
+    EXPECT_EQ(services.countCalls("LockServiceDatabase"), 0u);
+    EXPECT_EQ(services.countCalls("ChangeServiceConfig"), 0u);
+}
+
+TEST_F(ChangeStartTypeTest, FailsWithoutRightsToTheManager) {
+    services.errors["OpenSCManager"] = {ERROR_NOT_ENOUGH_MEMORY, ERROR_ACCESS_DENIED};
+
+    EXPECT_FALSE(changeServiceStartType(L"svc", SERVICE_AUTO_START));
+
+    EXPECT_THAT(services.calls, ElementsAre("OpenSCManager 0xf003f", "OpenSCManager 0xf003f"));
+    logged = {"[ERROR] OpenSCManager failed:5"};
+}
+
+TEST_F(ChangeStartTypeTest, ChangesEvenTheSameTypeWhenItCouldNotBeRead) {
+    services.errors["OpenSCManager"] = {ERROR_ACCESS_DENIED};
+    EXPECT_TRUE(changeServiceStartType(L"svc", SERVICE_DEMAND_START));
+    EXPECT_EQ(services.countCalls("ChangeServiceConfig"), 1u);
+
+    // Nothing that was read isn't the type 0 either.
+    services.errors["QueryServiceConfig"] = {ERROR_ACCESS_DENIED};
+    EXPECT_TRUE(changeServiceStartType(L"svc", SERVICE_BOOT_START));
+    EXPECT_EQ(services.countCalls("ChangeServiceConfig"), 2u);
+
+    logged = {"[ERROR] QueryServiceConfig failed:5"};
+}
+
+TEST_F(ChangeStartTypeTest, FailsWhenTheManagerCannotBeOpenedASecondTime) {
+    services.errors["OpenSCManager"] = {ERROR_SUCCESS, 0x80070005};
+
+    EXPECT_FALSE(changeServiceStartType(L"svc", SERVICE_AUTO_START));
+
+    EXPECT_THAT(callsOfChange(), ElementsAre("OpenSCManager 0xf003f"));
+    logged = {"[ERROR] OpenSCManager failed:2147942405"};
+}
+
+TEST_F(ChangeStartTypeTest, GoesOnWithoutTheLock) {
+    services.errors["LockServiceDatabase"] = {ERROR_SERVICE_DATABASE_LOCKED};
+
+    EXPECT_TRUE(changeServiceStartType(L"svc", SERVICE_AUTO_START));
+
+    EXPECT_THAT(callsOfChange(),
+                ElementsAre("OpenSCManager 0xf003f", "LockServiceDatabase", "OpenService svc 0x2",
+                            "ChangeServiceConfig 0xffffffff 0x2 0xffffffff",
+                            "CloseServiceHandle service", "CloseServiceHandle manager"));
+    logged = {"[WARNNING] Database lock failed:1055"};
+}
+
+TEST_F(ChangeStartTypeTest, FailsWhenTheServiceCannotBeOpened) {
+    services.errors["OpenService"] = {ERROR_SERVICE_DOES_NOT_EXIST, ERROR_ACCESS_DENIED};
+
+    EXPECT_FALSE(changeServiceStartType(L"svc", SERVICE_AUTO_START));
+
+    EXPECT_THAT(callsOfChange(),
+                ElementsAre("OpenSCManager 0xf003f", "LockServiceDatabase", "OpenService svc 0x2",
+                            "UnlockServiceDatabase", "CloseServiceHandle manager"));
+    logged = {"[ERROR] OpenService failed:1060", "[ERROR] OpenService failed:5"};
+}
+
+TEST_F(ChangeStartTypeTest, FailsWhenTheChangeDoes) {
+    services.errors["ChangeServiceConfig"] = {ERROR_INVALID_PARAMETER};
+
+    EXPECT_FALSE(changeServiceStartType(L"svc", 7));
+
+    EXPECT_THAT(
+        callsOfChange(),
+        ElementsAre("OpenSCManager 0xf003f", "LockServiceDatabase", "OpenService svc 0x2",
+                    "ChangeServiceConfig 0xffffffff 0x7 0xffffffff", "CloseServiceHandle service",
+                    "UnlockServiceDatabase", "CloseServiceHandle manager"));
+    logged = {"[ERROR] ChangeServiceConfig failed:87"};
+}
+
+TEST_F(ChangeStartTypeTest, TellsTheFailedLockAheadOfTheFailedChange) {
+    services.errors["LockServiceDatabase"] = {ERROR_ACCESS_DENIED};
+    services.errors["ChangeServiceConfig"] = {ERROR_INVALID_PARAMETER};
+
+    EXPECT_FALSE(changeServiceStartType(L"svc", SERVICE_AUTO_START));
+
+    logged = {"[WARNNING] Database lock failed:5", "[ERROR] ChangeServiceConfig failed:87"};
+}
+
+}  // namespace
