@@ -138,4 +138,15 @@ TEST_F(CustomActionTest, MustBeThere) {
     EXPECT_STREQ(product().errorInfo.message, L"Failed to get Address(absent).");
 }
 
+TEST_F(CustomActionTest, IsSoughtByItsNameInTheActiveCodePage) {
+    const std::wstring entry = GetACP() == 936 ? L"\u7A0B" : L"\u00E9";
+    const LogFile log;
+    ASSERT_TRUE(loadAction("DllEntry='" + narrow(entry) + "' Return='check'"));
+
+    EXPECT_EQ(run(RUNMODE_INSTALL), -1);
+
+    EXPECT_EQ(product().errorInfo.message, L"Failed to get Address(" + entry + L").");
+    EXPECT_EQ(log.lines().back(), "[ERROR] GetProcAddress " + narrow(entry) + " failed.");
+}
+
 }  // namespace

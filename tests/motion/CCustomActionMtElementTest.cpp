@@ -232,10 +232,15 @@ TEST_F(CCustomActionMtElementTest, RootDirectoryFillsItsFieldUpToTheTerminator) 
 
 TEST_F(CCustomActionMtElementTest, RootDirectoryOf260BytesEndsTheProcess) {
     const std::string path(259, 'd');
-    ASSERT_TRUE(loadFragment(action("answer", "Return='check'"),
-                             "<Directory Id='APPLICATIONROOTDIRECTORY' Path='" + path + "'/>"));
+    for (const std::string& element :
+         {action("answer", "Return='check'"),
+          std::string("<CustomAction DllFile='absent' DllEntry='answer' Return='check'/>")}) {
+        context.unload();
+        ASSERT_TRUE(loadFragment(element,
+                                 "<Directory Id='APPLICATIONROOTDIRECTORY' Path='" + path + "'/>"));
 
-    EXPECT_EXIT(run(), endedByInvalidParameter(), "");
+        EXPECT_EXIT(run(), endedByInvalidParameter(), "");
+    }
 }
 
 // How the function is found and called.
@@ -389,6 +394,23 @@ TEST_F(CCustomActionMtElementTest, TextsOf511CharactersReachTheHost) {
 
 // What keeps the function from being called.
 
+TEST_F(CCustomActionMtElementTest, FailsWhenAnAttributeIsNotSettled) {
+    const std::pair<std::string, std::wstring> rows[] = {
+        {"", L"DllFile"}, {"DllFile='f'", L"DllEntry"}, {"DllFile='f' DllEntry='e'", L"Return"}};
+    for (const auto& [attributes, missing] : rows) {
+        context.unload();
+        ASSERT_TRUE(loadFragment("<CustomAction Id='A' " + attributes + "/>"));
+        CCustomActionMtElement element(*context.findElementById(L"CustomAction", L"A"), context);
+        std::wstring ignored;
+        element.readDeclaredAttributes(context, ignored);
+
+        EXPECT_EQ(element.execute(context), -1);
+
+        EXPECT_EQ(failure(),
+                  messageFailure(L"(CustomAction,A) can't get " + missing + L" attribute."));
+    }
+}
+
 TEST_F(CCustomActionMtElementTest, FailsWithoutARootDirectory) {
     for (const std::string directory :
          {"", "<Directory Id='applicationrootdirectory' Path='C:\\app'/>",
@@ -405,6 +427,7 @@ TEST_F(CCustomActionMtElementTest, FailsWithoutARootDirectory) {
         EXPECT_THAT(log.lines(), ElementsAre("[INFO] callDllEntry:" + narrow(library) + ";answer"));
     }
     EXPECT_EQ(call.calls, 0u);
+    EXPECT_EQ(observer.updates.size(), 4u);
 }
 
 TEST_F(CCustomActionMtElementTest, FailsWhenTheLibraryDoesNotLoad) {

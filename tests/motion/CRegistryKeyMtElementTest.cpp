@@ -41,6 +41,23 @@ private:
     }};
 };
 
+TEST_F(CRegistryKeyMtElementTest, TellsTheHostBeforeItMakesOrRemoves) {
+    ASSERT_TRUE(loadComponent(element("create", L"a") + element("remove", L"a")));
+    std::vector<size_t> heard;
+    const FakeCreate create([&](auto... arguments) {
+        heard.push_back(observer.updates.size());
+        return create.real(arguments...);
+    });
+    const FakeCall<registryCalls, &RegistryCalls::RegOpenKeyExW> open([&](auto... arguments) {
+        heard.push_back(observer.updates.size());
+        return open.real(arguments...);
+    });
+
+    EXPECT_EQ(run(), 0);
+
+    EXPECT_THAT(heard, ElementsAre(1u, 2u));
+}
+
 // What the element asks of the script.
 
 TEST_F(CRegistryKeyMtElementTest, DeclaresItsAttributesInOrder) {

@@ -368,12 +368,15 @@ TEST_F(CRegistryValueMtElementTest, FindsTheKeyAroundItBeyondConditions) {
     EXPECT_EQ(stored(), (StoredValue{REG_SZ, bytesOf(L"x")}));
 }
 
-TEST_F(CRegistryValueMtElementTest, DoesNotReadOn) {
+TEST_F(CRegistryValueMtElementTest, WritesInEveryModeWhateverOnSays) {
     ASSERT_TRUE(loadValues(value("REG_SZ", "x", "Name='v' On='uninstall'")));
+    for (const int32_t mode : {0, 1, 2, 7}) {
+        writeValue(key.make(L"a"), L"v", {REG_BINARY, "old"});
 
-    EXPECT_EQ(run(RUNMODE_INSTALL), 0);
+        EXPECT_EQ(run(mode), 0);
 
-    EXPECT_NE(stored(), missing);
+        EXPECT_EQ(stored(), (StoredValue{REG_SZ, bytesOf(L"x")})) << mode;
+    }
 }
 
 // Failure.

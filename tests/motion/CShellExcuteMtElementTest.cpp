@@ -314,4 +314,23 @@ TEST_F(CShellExcuteMtElementTest, RetryTellsTheHostAndStartsAgain) {
     EXPECT_EQ(failure(), noFailure);
 }
 
+TEST_F(CShellExcuteMtElementTest, FailsWhenAnAttributeIsNotSettled) {
+    const FakeShell shell;
+    for (const auto& [attributes, missing] :
+         {std::pair(std::string(), std::wstring(L"File")),
+          std::pair(std::string("File='f'"), std::wstring(L"Return"))}) {
+        context.unload();
+        ASSERT_TRUE(loadFragment("<ShellExcute Id='S' " + attributes + "/>"));
+        CShellExcuteMtElement element(*context.findElementById(L"ShellExcute", L"S"), context);
+        std::wstring ignored;
+        element.readDeclaredAttributes(context, ignored);
+
+        EXPECT_EQ(element.execute(context), -1);
+
+        EXPECT_EQ(failure(),
+                  messageFailure(L"(ShellExcute,S) can't get " + missing + L" attribute."));
+    }
+    EXPECT_THAT(shell.steps, IsEmpty());
+}
+
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/FakeCall.h"
+#include "support/LogFile.h"
 #include "support/TestKey.h"
 #include "system/RegistryCalls.h"
 
@@ -34,8 +35,11 @@ LSTATUS unexpected() {
     return ERROR_INVALID_FUNCTION;
 }
 
+/// The operations leave no line in the log.
 class RegistryTest : public testing::Test {
 protected:
+    ~RegistryTest() override { EXPECT_THAT(log.lines(), IsEmpty()); }
+
     bool create(const std::wstring& name) {
         return createKey(HKEY_CURRENT_USER, key.path(name).c_str());
     }
@@ -47,6 +51,7 @@ protected:
                         value.bytes.data(), static_cast<uint32_t>(value.bytes.size()));
     }
 
+    const LogFile log;
     const TestKey key;
 };
 

@@ -57,6 +57,8 @@ TEST(ShellCommandTest, VerbFollowsTheMajorVersionOfTheSystem) {
         FakeCall<systemCalls, &SystemCalls::GetVersionExW> ask(
             [&, major = major, minor = minor](OSVERSIONINFOW* version) {
                 EXPECT_EQ(version->dwOSVersionInfoSize, 276u);
+                EXPECT_EQ(version->dwMajorVersion | version->dwBuildNumber, 0u);
+                EXPECT_EQ(version->szCSDVersion[0], L'\0');
                 version->dwMajorVersion = major;
                 version->dwMinorVersion = minor;
                 return TRUE;
