@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "engine/CContext.h"
-#include "logging/CSubject.h"
 
 namespace {
 

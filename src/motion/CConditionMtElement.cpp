@@ -4,7 +4,6 @@
 
 #include "engine/CContext.h"
 #include "expression/CExpression.h"
-#include "logging/CSubject.h"
 #include "logging/Log.h"
 
 static_assert(sizeof(CConditionMtElement) == sizeof(CMotionElement));
@@ -12,11 +11,6 @@ static_assert(sizeof(CConditionMtElement) == sizeof(CMotionElement));
 namespace {
 
 constexpr wchar_t expressionAttribute[] = L"Expression";
-
-int32_t fail(const std::wstring& message, CContext& context) {
-    context.subject().setErrorText(message);
-    return -1;
-}
 
 }  // namespace
 

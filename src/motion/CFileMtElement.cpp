@@ -85,20 +85,15 @@ int32_t CFileMtElement::install(const Texts& texts, const wchar_t* target,
     const bool delayAllowed = texts.supportDelayInstall == yesKeyword;
     const int32_t result =
         source ? copyFileWithDelay(source.get(), target, delayAllowed) : COPY_FAILED;
-    switch (result) {
-        case COPY_DONE:
-            return 0;
-        case COPY_DELAYED:
-            context.subject().setRebootRequired();
-            return 0;
-        case COPY_FAILED:
-            context.subject().setErrorInfo(ACTION_COPY_FILE, texts.name, result);
-            return result;
-        default:
-            break;
+    if (result == COPY_DONE)
+        return 0;
+    if (result == COPY_DELAYED) {
+        context.subject().setRebootRequired();
+        return 0;
     }
     std::wstring message;
-    getSystemMessage(result, message);
+    if (result != COPY_FAILED)
+        getSystemMessage(result, message);
     context.subject().setErrorInfo(ACTION_COPY_FILE, texts.name, result, nullptr, message.c_str());
     return result;
 }

@@ -2,7 +2,6 @@
 
 #include "engine/CContext.h"
 #include "expression/CExpression.h"
-#include "logging/CSubject.h"
 #include "logging/Log.h"
 #include "system/FileOperations.h"
 #include "system/FileVersion.h"
@@ -50,8 +49,7 @@ int32_t CFileSearchMtElement::execute(CContext& context) {
     try {
         CExpression().evaluate(expression.c_str(), context);
     } catch (const std::wstring& message) {
-        context.subject().setErrorText(message);
-        return -1;
+        return fail(message, context);
     }
     return 0;
 }

@@ -56,19 +56,17 @@ int32_t CMotionElement::runChildren(CContext& context) {
 
 int32_t CMotionElement::runChild(const XmlHandle& child, size_t index, size_t count,
                                  CContext& context) {
-    const auto fail = [&](const std::wstring& message) {
-        context.subject().setErrorText(message);
-        return -1;
-    };
     const WideText childName = getElementName(&child);
     if (!childName || childName[0] == L'\0')
-        return fail(describe() + L" can't get child element name.");
+        return fail(describe() + L" can't get child element name.", context);
     if (!isChildAllowed(childName.get()))
-        return fail(describe() + L" has a illegal child element(" + childName.get() + L")");
+        return fail(describe() + L" has a illegal child element(" + childName.get() + L")",
+                    context);
     const MotionElementPtr element = CreateMotionElement(&child, context, this);
     if (!element)
         return fail(getLastCreateError() + describe() + L" cann't create child element(" +
-                    childName.get() + L")");
+                        childName.get() + L")",
+                    context);
     element->setProgressRange(progressAt(index, count), progressAt(index + 1, count));
     return element->runElement(context);
 }
@@ -117,6 +115,11 @@ void CMotionElement::announce(ActionCode action, const std::wstring& text1,
     copyBounded(info.text1, text1.c_str());
     copyBounded(info.text2, text2.c_str());
     context.subject().setActionInfo(info, progressFrom);
+}
+
+int32_t CMotionElement::fail(const std::wstring& message, CContext& context) {
+    context.subject().setErrorText(message);
+    return -1;
 }
 
 void CMotionElement::requireActionKind(const ElementKind& kind) const {

@@ -41,6 +41,9 @@ protected:
     void announce(ActionCode action, const std::wstring& text1, const std::wstring& text2,
                   CContext& context) const;
 
+    /// Records a failure that the message alone tells. The result, for a step to pass on, is -1.
+    static int32_t fail(const std::wstring& message, CContext& context);
+
     /// For the constructors of actions and of containers: throw their message when the node isn't
     /// an element of this kind.
     void requireActionKind(const ElementKind& kind) const;

@@ -42,15 +42,11 @@ int32_t CRegistryKeyMtElement::prepare(bool& descend, CContext& context) {
     if (!getAttributesText({&action, &key, &rootName, &title}, registryKeyKind.fetched, context))
         return -1;
     HKEY root = nullptr;
-    if (!rootFromName(rootName, root)) {
-        context.subject().setErrorText(rootName + L" is unknown Registry KEY in the " + describe());
-        return -1;
-    }
+    if (!rootFromName(rootName, root))
+        return fail(rootName + L" is unknown Registry KEY in the " + describe(), context);
     const ActionKeyword* keyword = findKeyword(registryKeyActionKeywords(), action);
-    if (keyword == nullptr) {
-        context.subject().setErrorText(action + L" is unknown Action in the " + describe());
-        return -1;
-    }
+    if (keyword == nullptr)
+        return fail(action + L" is unknown Action in the " + describe(), context);
     const std::wstring path = rootName + L"\\" + key;
     announce(keyword->action, path, title, context);
     descend = keyword->action == ACTION_CREATE_REGISTRY_KEY ? createKey(root, key.c_str())

@@ -43,16 +43,12 @@ int32_t CRegistryValueMtElement::execute(CContext& context) {
     if (!getAttributesText({&name, &typeName, &text, &key, &rootName}, registryValueKind.fetched,
                            context))
         return -1;
-    const auto fail = [&](const std::wstring& message) {
-        context.subject().setErrorText(message + L" in the " + describe());
-        return -1;
-    };
     HKEY root = nullptr;
     if (!rootFromName(rootName, root))
-        return fail(rootName + L" is unknown Registry KEY");
+        return fail(rootName + L" is unknown Registry KEY in the " + describe(), context);
     uint32_t type = 0;
     if (!typeFromName(typeName, type))
-        return fail(typeName + L" is unknown Registry TYPE");
+        return fail(typeName + L" is unknown Registry TYPE in the " + describe(), context);
     const std::wstring display = rootName + L"\\" + key + L"[Value Name]" + name;
     announce(ACTION_REGISTRY_VALUE, display, L"", context);
 
@@ -60,7 +56,7 @@ int32_t CRegistryValueMtElement::execute(CContext& context) {
     if (type == REG_DWORD) {
         int32_t number = 0;
         if (!parseIntText(text.c_str(), number))
-            return fail(text + L" isn't DWORD text");
+            return fail(text + L" isn't DWORD text in the " + describe(), context);
         written = setValue(root, key.c_str(), name.c_str(), type, &number, sizeof number);
     } else {
         written = setTextValue(root, key.c_str(), name.c_str(), type, text);
