@@ -5,6 +5,15 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
+# What was compiled before isn't compiled again, in another folder either, where ccache is there.
+find_program(TEMZ_CCACHE ccache)
+if(TEMZ_CCACHE)
+  set(launcher env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros ${TEMZ_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+endif()
+
 add_library(temz_options INTERFACE)
 target_compile_definitions(temz_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN NOGDI
   _WIN32_WINNT=0x0601)

@@ -14,3 +14,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # Every program that CMake or CTest starts for the target goes through the project's own Wine prefix.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine-run.sh)
+
+# Where the libraries of that g++ are, for whoever drives its linker's work himself.
+file(GLOB TEMZ_GCC_LIBRARY /usr/lib/gcc/x86_64-w64-mingw32/*-posix)
+list(GET TEMZ_GCC_LIBRARY -1 TEMZ_GCC_LIBRARY)
