@@ -1,0 +1,39 @@
+#pragma once
+
+#include <windows.h>
+
+#include <algorithm>
+
+/// A library of the system that is bound at first use, by its whole path in the system directory.
+/// An import of it would be looked for in the host's folder first, where anybody may have put one.
+///
+/// Its own calls go through no table: they are the engine's way to a call, not what a script does.
+class SystemLibrary {
+public:
+    /// `name` is kept as it is.
+    constexpr explicit SystemLibrary(const wchar_t* name) : name(name) {}
+
+    /// A function that the library exports; null, with the last error telling why, when there is
+    /// no such library or function. The library stays loaded from then on, since none may be
+    /// released while the engine itself is being unloaded.
+    void* find(const char* function);
+
+private:
+    const wchar_t* name;
+    HMODULE module = nullptr;
+};
+
+/// The name of a function, as an argument of a template.
+template <size_t size>
+struct FunctionName {
+    constexpr FunctionName(const char (&name)[size]) { std::copy_n(name, size, text); }
+    char text[size];
+};
+
+/// A call of a system library for a call table. Where it can't be bound it gives what such a call
+/// gives when it fails: 0.
+template <SystemLibrary& library, FunctionName name, class Result, class... Arguments>
+Result callSystem(Arguments... arguments) {
+    const auto function = reinterpret_cast<Result (*)(Arguments...)>(library.find(name.text));
+    return function ? function(arguments...) : Result{};
+}
