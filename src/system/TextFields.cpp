@@ -2,7 +2,9 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <cwchar>
 
 static_assert(sizeof(wchar_t) == 2, "wide text is UTF-16");
@@ -12,15 +14,22 @@ namespace {
 constexpr size_t recordTextLength = 512;
 constexpr UINT invalidParameterStatus = 0xC0000417;
 
+/// The length of a text, or `limit` if it has no end before. Nothing behind the end is read.
+size_t lengthWithin(size_t limit, const wchar_t* text) {
+    return wcsnlen(text, limit);
+}
+size_t lengthWithin(size_t limit, const char* text) {
+    return strnlen(text, limit);
+}
+
 template <class Character>
 void copyWhole(Character* field, size_t capacity, const Character* text) {
-    using Traits = std::char_traits<Character>;
     if (field == nullptr || text == nullptr)
         failInvalidParameter();
-    const Character* const end = Traits::find(text, capacity, Character());
-    if (end == nullptr)
+    const size_t length = lengthWithin(capacity, text);
+    if (length == capacity)
         failInvalidParameter();
-    Traits::copy(field, text, static_cast<size_t>(end - text) + 1);
+    std::copy_n(text, length + 1, field);
 }
 
 }  // namespace

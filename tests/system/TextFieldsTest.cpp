@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 
 #include "support/ChildProcess.h"
 
@@ -14,6 +15,20 @@ namespace {
 wchar_t* readOnlyField() {
     static void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT | MEM_RESERVE, PAGE_READONLY);
     return static_cast<wchar_t*>(page);
+}
+
+/// A text whose terminator is the last that can be read: whoever looks behind it ends with an
+/// access violation.
+template <class Character, size_t size>
+const Character* textBeforeUnreadablePage(const Character (&text)[size]) {
+    constexpr size_t pageSize = 4096;
+    auto* const pages = static_cast<std::byte*>(
+        VirtualAlloc(nullptr, 2 * pageSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
+    DWORD before = 0;
+    EXPECT_TRUE(VirtualProtect(pages + pageSize, pageSize, PAGE_NOACCESS, &before));
+    auto* const place = reinterpret_cast<Character*>(pages + pageSize - sizeof text);
+    std::copy_n(text, size, place);
+    return place;
 }
 
 TEST(CopyBoundedTest, CopiesTheTextWithItsTerminator) {
@@ -33,6 +48,16 @@ TEST(CopyBoundedTest, FillsTheFieldToItsLastCharacter) {
 
     copyBounded(field, L"");
     EXPECT_STREQ(field, L"");
+}
+
+TEST(CopyBoundedTest, ReadsNothingBehindTheText) {
+    wchar_t field[8];
+    copyBounded(field, textBeforeUnreadablePage(L"abc"));
+    EXPECT_STREQ(field, L"abc");
+
+    char narrowField[8];
+    copyBounded(narrowField, textBeforeUnreadablePage("abc"));
+    EXPECT_STREQ(narrowField, "abc");
 }
 
 TEST(CopyBoundedTest, OversizeTextEndsTheProcessUnwritten) {
