@@ -19,8 +19,10 @@ bool carryOut(ActionCode action, const wchar_t* service, uint32_t limit) {
             return stopServiceAndWait(service, limit);
         case ACTION_START_SERVICE:
             return startServiceAndWait(service, limit);
-        default:
+        case ACTION_REMOVE_SERVICE:
             return deleteServiceByName(service);
+        default:  // A keyword without an operation here does nothing, and its element fails.
+            return false;
     }
 }
 
