@@ -138,7 +138,9 @@ std::wstring hostProgramDirectory() {
     if (!cached.empty())
         return cached;
     wchar_t program[pathBufferLength];
-    if (!fileCalls.GetModuleFileNameW(nullptr, program, pathBufferLength))
+    const DWORD length = fileCalls.GetModuleFileNameW(nullptr, program, pathBufferLength);
+    // A path that doesn't fit comes cut to the buffer, and not always terminated.
+    if (length == 0 || length >= pathBufferLength)
         return {};
     directoryOfPath(program, cached);
     return cached;

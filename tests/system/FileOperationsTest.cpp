@@ -314,4 +314,19 @@ TEST(HostProgramDirectoryTest, IsEmptyUntilTheSystemAnswers) {
     });
 }
 
+TEST(HostProgramDirectoryTest, IsEmptyWhileThePathIsCutToTheBuffer) {
+    inFreshProcess([] {
+        size_t length = 260;
+        const FakeModuleFileName name([&](auto, wchar_t* buffer, DWORD size) {
+            const std::wstring path = L"C:\\Host\\" + std::wstring(length - 8, L'a');
+            wmemcpy(buffer, path.c_str(), size);
+            return static_cast<DWORD>(path.size());
+        });
+
+        EXPECT_EQ(hostProgramDirectory(), L"");
+        length = 259;
+        EXPECT_EQ(hostProgramDirectory(), L"C:\\Host");
+    });
+}
+
 }  // namespace
