@@ -1,15 +1,12 @@
 #include "elements/XmlNesting.h"
 
+#include <tinyxml.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstring>
-#include <optional>
-#include <string_view>
 
 namespace {
-
-/// What the parser takes the bytes of a text for. Until it knows, each byte is a character.
-enum class Encoding { Unknown, Utf8, Bytes };
 
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 
@@ -46,13 +43,13 @@ class NestingReader {
 public:
     explicit NestingReader(const char* text) : position(text) {
         if (startsWith(byteOrderMark))
-            encoding = Encoding::Utf8;
+            encoding = TIXML_ENCODING_UTF8;
     }
 
     bool staysWithin(size_t limit) {
-        while (!refused && deepest <= limit && findMarkup() && skipMarkup())
+        while (deepest <= limit && findMarkup() && skipMarkup())
             ;
-        return !refused && deepest <= limit;
+        return deepest <= limit;
     }
 
 private:
@@ -104,70 +101,46 @@ private:
                 --depth;
                 return skip('>');
             }
-            if (!readAttribute())
+            if (!skipAttribute())
                 return false;
         }
         return skip('>');
     }
 
-    /// The parser reads an attribute here under three names only. Of all else, quotes or not, it
-    /// takes what stands up to the next blank.
+    /// The parser itself reads it: it holds no elements, but may name the encoding, and that in
+    /// references, too.
     bool skipDeclaration() {
-        std::string_view encodingName;
-        position += std::strlen("<?xml");
-        while (*position && *position != '>') {
-            skipSpace();
-            const bool namesEncoding = startsWithIgnoringCase(position, "encoding");
-            if (namesEncoding || startsWithIgnoringCase(position, "version") ||
-                startsWithIgnoringCase(position, "standalone")) {
-                const auto value = readAttribute();
-                if (!value)
-                    return false;
-                if (namesEncoding)
-                    encodingName = *value;
-            } else {
-                skipWord(">");
-            }
-        }
-        if (depth == 0 && encoding == Encoding::Unknown)
-            setEncoding(encodingName);
-        return skip('>');
+        TiXmlDeclaration declaration;
+        position = declaration.Parse(position, nullptr, encoding);
+        if (depth == 0 && encoding == TIXML_ENCODING_UNKNOWN)
+            setEncoding(declaration.Encoding());
+        return position != nullptr;
     }
 
-    /// UTF-8 is also what goes without a name. A name spelled with references is for the parser
-    /// alone to read.
-    void setEncoding(std::string_view name) {
-        refused = name.find('&') != std::string_view::npos;
-        const bool isUtf8 = name.empty() || startsWithIgnoringCase(name.data(), "UTF-8") ||
-                            startsWithIgnoringCase(name.data(), "UTF8");
-        encoding = isUtf8 ? Encoding::Utf8 : Encoding::Bytes;
+    /// UTF-8 is also what goes without a name.
+    void setEncoding(const char* name) {
+        const bool isUtf8 = *name == '\0' || startsWithIgnoringCase(name, "UTF-8") ||
+                            startsWithIgnoringCase(name, "UTF8");
+        encoding = isUtf8 ? TIXML_ENCODING_UTF8 : TIXML_ENCODING_LEGACY;
     }
 
-    /// Gives the value of the attribute, which ends at a blank or at the tag's end if no quote
-    /// opens it; nothing when it is malformed.
-    std::optional<std::string_view> readAttribute() {
+    /// A value that no quote opens ends at a blank, at the tag's end, or at a quote, with which
+    /// nothing can begin.
+    bool skipAttribute() {
         if (!skipName())
-            return std::nullopt;
+            return false;
         skipSpace();
         if (!skip('='))
-            return std::nullopt;
+            return false;
         skipSpace();
         const char quote = *position;
-        const char* begin = position;
-        if (!isQuote(quote)) {
-            skipWord("/>\"'");
-            return isQuote(*position) ? std::nullopt : valueFrom(begin);
+        if (isQuote(quote)) {
+            ++position;
+            return skipText(quote) && skip(quote);
         }
-        ++position;
-        if (!skipText(quote))
-            return std::nullopt;
-        const auto value = valueFrom(begin + 1);
-        ++position;
-        return value;
-    }
-
-    std::optional<std::string_view> valueFrom(const char* begin) const {
-        return std::string_view(begin, static_cast<size_t>(position - begin));
+        while (*position && !isSpace(*position) && std::strchr("/>\"'", *position) == nullptr)
+            ++position;
+        return true;
     }
 
     bool skip(char expected) {
@@ -185,18 +158,13 @@ private:
         return true;
     }
 
-    void skipWord(const char* ends) {
-        while (*position && !isSpace(*position) && std::strchr(ends, *position) == nullptr)
-            ++position;
-    }
-
     /// In UTF-8 a byte order mark is a blank wherever it stands, and so are two that aren't
     /// characters.
     void skipSpace() {
         for (;;) {
             if (isSpace(*position))
                 ++position;
-            else if (encoding == Encoding::Utf8 &&
+            else if (encoding == TIXML_ENCODING_UTF8 &&
                      (startsWith(byteOrderMark) || startsWith("\xEF\xBF\xBE") ||
                       startsWith("\xEF\xBF\xBF")))
                 position += 3;
@@ -217,7 +185,7 @@ private:
     bool skipCharacter() {
         if (startsWith("&#") && position[2])
             return skipNumberedReference();
-        for (size_t left = encoding == Encoding::Utf8 ? utf8Length(*position) : 1;
+        for (size_t left = encoding == TIXML_ENCODING_UTF8 ? utf8Length(*position) : 1;
              left > 0 && *position; --left)
             ++position;
         return true;
@@ -240,8 +208,8 @@ private:
     }
 
     const char* position;
-    Encoding encoding = Encoding::Unknown;
-    bool refused = false;
+    /// What the parser takes the bytes for. Until it knows, each byte is a character.
+    TiXmlEncoding encoding = TIXML_ENCODING_UNKNOWN;
     size_t depth = 0;
     size_t deepest = 0;
 };

@@ -82,12 +82,12 @@ std::string normalizeLineEnds(const std::string& bytes) {
 /// Parses the very text whose nesting was tested, which ends at the first NUL.
 bool parse(XmlDocument& document, std::string text) {
     document.Clear();
-    if (!isNestedWithin(text.c_str(), maxElementDepth))
-        return false;
     // A character of UTF-8 that is cut off at the end leads the parser up to three bytes beyond it:
     // it must find more NULs there.
     text.resize(std::strlen(text.c_str()));
     text.append(3, '\0');
+    if (!isNestedWithin(text.c_str(), maxElementDepth))
+        return false;
     document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     return !document.Error();
 }

@@ -154,6 +154,7 @@ TEST_F(OpenDocumentTest, EncodingIsDetected) {
     EXPECT_EQ(valueIn("<?xml encoding='ISO-8859-1'?><a b='&#228;'/>"), L"\u00E4");
     EXPECT_EQ(valueIn("<?xml version='1.0'?><a b='&#228;'/>"), L"\u00C3\u00A4");
     EXPECT_EQ(valueIn("<?xml encoding='utf-8'?><a b='&#228;'/>"), L"\u00C3\u00A4");
+    EXPECT_EQ(valueIn("<?xml encoding='&#85;TF-8'?><a b='&#228;'/>"), L"\u00C3\u00A4");
     EXPECT_EQ(valueIn("\xEF\xBB\xBF<a b='&#228;'/>"), L"\u00C3\u00A4");
 }
 
