@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Abi.h"
+
 #include <cstdint>
 
 class IterfaceProduct;
