@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace {
 
 HandlePtr openStream(const std::wstring& path, DWORD access, DWORD disposition) {
@@ -36,6 +38,11 @@ HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
                        const Streams& streams, DWORD flags) {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
+    return startProgram(std::move(commandLine), directory, streams, flags, startup);
+}
+
+HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
+                       const Streams& streams, DWORD flags, STARTUPINFOW& startup) {
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = streams.input;
     startup.hStdOutput = streams.output;

@@ -32,6 +32,9 @@ struct Pipe {
 /// Starts a program in a directory. Null, with a failed expectation, when it can't be started.
 HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
                        const Streams& streams, DWORD flags = 0);
+/// With more said of how it starts; the streams are filled in.
+HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
+                       const Streams& streams, DWORD flags, STARTUPINFOW& startup);
 
 /// Waits for the end of a program and gives its exit code. One that hangs is ended.
 DWORD waitForProgram(HANDLE process);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "HostProgram.h"
+#include "PseudoConsole.h"
 
 namespace fs = std::filesystem;
 
@@ -36,9 +37,10 @@ ProgramRun SetupTest::temzAtTerminal(const std::wstring& arguments,
 ProgramRun SetupTest::atTerminal(const std::wstring& commandLine, const std::wstring& typed) const {
     const std::wstring screen = folder.write(L"screen.txt", "");
     const std::wstring terminal = testProgramDirectory() + L"\\temz_terminal.exe";
-    const HandlePtr process =
-        startProgram(L"\"" + terminal + L"\" \"" + screen + L"\" \"" + typed + L"\" " + commandLine,
-                     folder.path(L"setup"), {}, CREATE_NO_WINDOW);
+    const PseudoConsole console;
+    const HandlePtr process = console.start(
+        L"\"" + terminal + L"\" \"" + screen + L"\" \"" + typed + L"\" " + commandLine,
+        folder.path(L"setup"));
     const DWORD exitCode = waitForProgram(process.get());
     return {exitCode, readFile(screen), ""};
 }

@@ -14,7 +14,6 @@
 namespace {
 
 constexpr SHORT columns = 80;
-constexpr SHORT rows = 50;
 
 HANDLE openConsole(const wchar_t* name) {
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
@@ -98,7 +97,6 @@ int wmain(int count, wchar_t** arguments) {
         return ERROR_INVALID_PARAMETER;
     const HANDLE input = openConsole(L"CONIN$");
     const HANDLE output = openConsole(L"CONOUT$");
-    SetConsoleScreenBufferSize(output, {columns, rows});
     type(input, arguments[2]);
     const DWORD exitCode = run(joinCommand(arguments + 3, arguments + count), input, output);
     if (!writeUtf8(arguments[1], readScreen(output)))
