@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "ConsoleWindow.h"
+
 namespace {
 
 HANDLE handleOf(Stream stream) {
@@ -29,7 +31,8 @@ bool isTerminal(Stream stream) {
 }
 
 bool canAsk() {
-    return isConsole(GetStdHandle(STD_INPUT_HANDLE)) && isTerminal(Stream::error);
+    return isConsole(GetStdHandle(STD_INPUT_HANDLE)) && isTerminal(Stream::error) &&
+           isConsoleSeen();
 }
 
 void write(Stream stream, const std::wstring& text) {

@@ -7,8 +7,8 @@ enum class Stream { output, error };
 
 bool isTerminal(Stream stream);
 
-/// Whether somebody can answer: the input is a terminal, and a question on the error stream is
-/// seen.
+/// Whether somebody can answer: the input is a terminal, and a question on the error stream comes
+/// to one that somebody sees.
 bool canAsk();
 
 /// Writes a text: to a terminal as it is, to anything else as UTF-8.

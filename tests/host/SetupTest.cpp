@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include "HostProgram.h"
 #include "PseudoConsole.h"
 
 namespace fs = std::filesystem;
@@ -21,9 +20,8 @@ ProgramRun SetupTest::temz(const std::wstring& arguments) const {
         const HandlePtr input = openInput(L"NUL");
         const HandlePtr output = openOutput(outputPath);
         const HandlePtr error = openOutput(errorPath);
-        const HandlePtr process =
-            startProgram(L"\"" + setup(L"temz.exe") + L"\" " + arguments, folder.path(L"setup"),
-                         {input.get(), output.get(), error.get()});
+        const HandlePtr process = startProgram(temzCommand(arguments), folder.path(L"setup"),
+                                               {input.get(), output.get(), error.get()});
         exitCode = waitForProgram(process.get());
     }
     return {exitCode, readFile(outputPath), readFile(errorPath)};
@@ -31,18 +29,35 @@ ProgramRun SetupTest::temz(const std::wstring& arguments) const {
 
 ProgramRun SetupTest::temzAtTerminal(const std::wstring& arguments,
                                      const std::wstring& typed) const {
-    return atTerminal(L"\"" + setup(L"temz.exe") + L"\" " + arguments, typed);
+    return atTerminal(temzCommand(arguments), typed);
 }
 
 ProgramRun SetupTest::atTerminal(const std::wstring& commandLine, const std::wstring& typed) const {
+    const PseudoConsole console;
+    return runTerminal(commandLine, typed, [&](const std::wstring& terminal) {
+        return console.start(terminal, folder.path(L"setup"));
+    });
+}
+
+ProgramRun SetupTest::temzWithoutWindow(const std::wstring& arguments,
+                                        const std::wstring& typed) const {
+    return runTerminal(temzCommand(arguments), typed, [&](const std::wstring& terminal) {
+        return startProgram(terminal, folder.path(L"setup"), {}, CREATE_NO_WINDOW);
+    });
+}
+
+ProgramRun SetupTest::runTerminal(const std::wstring& commandLine, const std::wstring& typed,
+                                  const Start& start) const {
     const std::wstring screen = folder.write(L"screen.txt", "");
     const std::wstring terminal = testProgramDirectory() + L"\\temz_terminal.exe";
-    const PseudoConsole console;
-    const HandlePtr process = console.start(
-        L"\"" + terminal + L"\" \"" + screen + L"\" \"" + typed + L"\" " + commandLine,
-        folder.path(L"setup"));
+    const HandlePtr process =
+        start(L"\"" + terminal + L"\" \"" + screen + L"\" \"" + typed + L"\" " + commandLine);
     const DWORD exitCode = waitForProgram(process.get());
     return {exitCode, readFile(screen), ""};
+}
+
+std::wstring SetupTest::temzCommand(const std::wstring& arguments) const {
+    return L"\"" + setup(L"temz.exe") + L"\" " + arguments;
 }
 
 void SetupTest::writeScript(const std::string& elements, const std::wstring& name) const {

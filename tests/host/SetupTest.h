@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 
+#include "HostProgram.h"
 #include "support/TestFolder.h"
 
 /// What a program has left when it ended.
@@ -29,6 +31,9 @@ protected:
     ProgramRun temzAtTerminal(const std::wstring& arguments, const std::wstring& typed = {}) const;
     ProgramRun atTerminal(const std::wstring& commandLine, const std::wstring& typed = {}) const;
 
+    /// Runs temz.exe at a console that nobody sees, since it has no window.
+    ProgramRun temzWithoutWindow(const std::wstring& arguments, const std::wstring& typed) const;
+
     /// Writes install.xml with one component, which holds the elements and installs into app().
     void writeScript(const std::string& elements, const std::wstring& name = L"install.xml") const;
 
@@ -43,6 +48,14 @@ protected:
     std::map<std::wstring, std::string> installedFiles() const;
 
     const TestFolder folder;
+
+private:
+    using Start = std::function<HandlePtr(const std::wstring& commandLine)>;
+
+    /// Has a terminal run a program; `start` starts the terminal at its console.
+    ProgramRun runTerminal(const std::wstring& commandLine, const std::wstring& typed,
+                           const Start& start) const;
+    std::wstring temzCommand(const std::wstring& arguments) const;
 };
 
 /// An element `File` that installs the file of the setup with this name.

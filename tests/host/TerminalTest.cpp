@@ -131,6 +131,15 @@ TEST_F(TerminalTest, AbortsWhereTheAnswerIsNotTyped) {
     EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt"));
 }
 
+TEST_F(TerminalTest, AbortsWhereTheConsoleHasNoWindow) {
+    writeScript(file("a.txt"));
+
+    const ProgramRun run = temzWithoutWindow(L"install install.xml", L"i,");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt"));
+}
+
 TEST_F(TerminalTest, AsksAlsoWhereThePlainLinesGoToAFile) {
     writeScript(file("a.txt"));
 
