@@ -12,6 +12,7 @@
 #include "Console.h"
 #include "ConsoleObserver.h"
 #include "Messages.h"
+#include "SafeStart.h"
 #include "ScriptFile.h"
 
 namespace {
@@ -63,6 +64,7 @@ int runScript(IterfaceContext& context, const CommandLine& command) {
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
+    const SafeStart safeStart;
     if (asksForHelp(count, arguments)) {
         write(Stream::output, usage);
         return EXIT_DONE;

@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+#include "SafeStart.h"
+
 namespace {
 
 class Observer final : public IterfaceObserver {
@@ -43,6 +45,7 @@ int32_t install(IterfaceContext& context) {
 }  // namespace
 
 int main() {
+    const SafeStart safeStart;
     IterfaceContext* context = CreateContextObject();
     if (context == nullptr)
         return 1;

@@ -24,6 +24,15 @@ protected:
         ship(L"a.txt", "a");
         writeScript(file("a.txt") + file("lacking.txt") + file("a.txt"));
     }
+
+    /// A product that has a function of this library tell about the host.
+    void writeAction(const std::wstring& library) const {
+        ship(L"install.xml",
+             "<Script><Product><Directory Id='APPLICATIONROOTDIRECTORY' Path='C:'/>"
+             "<InstallExecuteSequence><Fragment><CustomAction DllFile='" +
+                 utf8(library) + "' DllEntry='tellStart' Return='check'/></Fragment>" +
+                 "</InstallExecuteSequence></Product></Script>");
+    }
 };
 
 const std::string usage =
@@ -72,6 +81,22 @@ TEST_F(TemzTest, LetsScriptsSeeTheTrueVersionOfWindows) {
     EXPECT_EQ(temz(L"install install.xml").exitCode, 0u);
 
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
+}
+
+TEST_F(TemzTest, HasMadeItselfSafeBeforeTheScriptRuns) {
+    writeAction(testProgramDirectory() + L"\\temz_start_probe.dll");
+
+    EXPECT_EQ(temz(L"install install.xml").error,
+              "temz: Custom action tellStart failed: error mode 32771, an apartment (error 1)\n");
+}
+
+TEST_F(TemzTest, LooksForLibrariesWithoutAPathInTheSystemDirectoryOnly) {
+    const std::wstring name = L"temz_start_probe.dll";
+    std::filesystem::copy_file(testProgramDirectory() + L"\\" + name, setup(name));
+    writeAction(name);
+
+    EXPECT_EQ(temz(L"install install.xml").error,
+              "temz: Failed to load library(temz_start_probe.dll).\n");
 }
 
 TEST_F(TemzTest, TellsThatARestartIsNeeded) {
