@@ -85,7 +85,7 @@ TEST_F(TerminalTest, KeepsACautionOnALineOfItsOwn) {
 }
 
 TEST_F(TerminalTest, ShowsTextsOfAnyAlphabet) {
-    writeScript("<Caution Title='Caf\xE9'/>");
+    writeScript("<Caution Title='Caf\u00E9'/>");
 
     EXPECT_EQ(temzAtTerminal(L"install install.xml").output,
               "Caution: Caf\u00E9\n" + bar(30, "100% Done"));
