@@ -2,6 +2,11 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+
 #include "Messages.h"
 
 namespace {
@@ -19,6 +24,25 @@ bool fitsCodePage(const std::wstring& text) {
            wide == text;
 }
 
+/// The bytes of a file, without the mark of UTF-8, which the engine leaves out as well.
+std::string readText(const std::wstring& path) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    std::ifstream file(path.c_str(), std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (text.starts_with(mark))
+        text.erase(0, mark.size());
+    return text;
+}
+
+bool isAscii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](unsigned char byte) { return byte < 0x80; });
+}
+
+bool isUtf8(const std::string& text) {
+    return MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(),
+                               static_cast<int>(text.size()), nullptr, 0) != 0;
+}
+
 }  // namespace
 
 std::wstring findOpenProblem(const std::wstring& script) {
@@ -29,4 +53,14 @@ std::wstring findOpenProblem(const std::wstring& script) {
         return describeSystemError(GetLastError());
     CloseHandle(file);
     return fitsCodePage(script) ? L"" : L"Its name isn't in the active code page.";
+}
+
+std::wstring findReadingProblem(const std::wstring& script) {
+    const std::string text = readText(script);
+    const UINT codePage = GetACP();
+    if (isAscii(text) || (codePage == CP_UTF8 && isUtf8(text)))
+        return L"";
+    return codePage == CP_UTF8 ? L"It isn't UTF-8, which is the active code page."
+                               : L"It isn't all ASCII, and the active code page is " +
+                                     std::to_wstring(codePage) + L".";
 }

@@ -81,6 +81,9 @@ int wmain(int count, wchar_t** arguments) {
         reportError(command->script + L" can't be opened: " + problem);
         return EXIT_NOT_OPENED;
     }
+    problem = findReadingProblem(command->script);
+    if (!problem.empty())
+        reportError(command->script + L" may be misread: " + problem);
     const ContextPtr context(CreateContextObject());
     if (!context) {
         reportError(L"There isn't enough memory.");

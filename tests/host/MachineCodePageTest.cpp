@@ -4,8 +4,11 @@
 #include <windows.h>
 
 #include "SetupTest.h"
+#include "support/Text.h"
 
+using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Pair;
 
 namespace {
 
@@ -20,6 +23,37 @@ protected:
 
 TEST_F(MachineCodePageTest, IsOneOfThoseThatTheTestsAreMadeFor) {
     EXPECT_TRUE(GetACP() == 936 || GetACP() == 1252) << GetACP();
+}
+
+TEST_F(MachineCodePageTest, IsWarnedOfWhereItMatters) {
+    const std::wstring name = L"M\u00FCsli.txt";
+    ship(L"a.txt", "a");
+    for (const std::string& bytes : {narrow(name), utf8(name)}) {
+        writeScript("<!-- " + bytes + " -->" + file("a.txt"));
+
+        const ProgramRun run = temz(L"install install.xml");
+
+        EXPECT_EQ(run.exitCode, 0u);
+        EXPECT_EQ(run.error,
+                  "temz: install.xml may be misread: It isn't all ASCII, and the active code page "
+                  "is " +
+                      std::to_string(GetACP()) + ".\n");
+        EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
+    }
+}
+
+TEST_F(MachineCodePageTest, IsNotWarnedOfWhereItDoesNotMatter) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt"));
+    const std::string script = readFile(setup(L"install.xml"));
+    for (const std::string mark : {"", "\xEF\xBB\xBF"}) {
+        ship(L"install.xml", mark + script);
+
+        const ProgramRun run = temz(L"install install.xml");
+
+        EXPECT_EQ(run.exitCode, 0u);
+        EXPECT_EQ(run.error, "");
+    }
 }
 
 TEST_F(MachineCodePageTest, LeadsToNoOtherScriptThanTheOneThatItCannotName) {

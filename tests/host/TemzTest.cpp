@@ -311,6 +311,18 @@ TEST_F(TemzTest, ReadsUtf8) {
     }
 }
 
+TEST_F(TemzTest, WarnsOfAScriptThatIsNotUtf8) {
+    ship(L"a.txt", "a");
+    writeScript("<!-- Pr\xE9nom -->" + file("a.txt"));
+
+    const ProgramRun run = temz(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.error,
+              "temz: install.xml may be misread: It isn't UTF-8, which is the active code page.\n");
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
+}
+
 TEST_F(TemzTest, LoadsAScriptFromAFolderOfAnyAlphabet) {
     const std::wstring script = L"\u5F20\u4F1F\\\u0634.xml";
     ship(L"a.txt", "a");
