@@ -73,6 +73,19 @@ TEST_F(DelayedReplacementTest, IsOvertakenByAReplacementAtOnce) {
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "newer")));
 }
 
+TEST_F(DelayedReplacementTest, BringsTheFileBackWhenTheProductIsRemovedBeforeTheRestart) {
+    ASSERT_TRUE(loadFile("new", delayed));
+    lock.emplace(app(L"a.txt"));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
+    lock.reset();
+
+    EXPECT_EQ(run(RUNMODE_UNINSTALL), 0);
+
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt!@#$%", "new")));
+    restart();
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "new")));
+}
+
 TEST_F(DelayedReplacementTest, IsNotTriedUnlessTheScriptAllowsIt) {
     ASSERT_TRUE(loadFile("new"));
     lock.emplace(app(L"a.txt"));
