@@ -9,8 +9,8 @@ class IterfaceContext;
 class IterfaceObserver;
 
 /// What an action does, by the script element that carries it out. The numbers stand in
-/// ActionInfo::code, and, but for ERROR_CODE_REMOVE_SHORTCUT, in ErrorInfo::code when the action
-/// has failed.
+/// ActionInfo::code, and in ErrorInfo::code when the action has failed, but for those whose failure
+/// has ERROR_CODE_MESSAGE or ERROR_CODE_REMOVE_SHORTCUT.
 enum ActionCode : uint32_t {
     ACTION_CONDITION = 2,     ///< Condition: text1 is the expression about to be evaluated
     ACTION_COPY_FILE = 3,     ///< File, at install and upgrade: text1 is its name
@@ -28,7 +28,8 @@ enum ActionCode : uint32_t {
     ACTION_CAUTION = 16,              ///< Caution: text1 is empty, text2 what the user should read
 };
 
-/// The value of ErrorInfo::code for a failure that no action caused: `message` alone tells it.
+/// The value of ErrorInfo::code for a failure that `message` alone tells: of the script, so of a
+/// Condition whose expression fails, and of a CustomAction whose function can't be called.
 inline constexpr uint32_t ERROR_CODE_MESSAGE = 1;
 
 /// The value of ErrorInfo::code for a Shortcut that couldn't be removed: text1 is its name.
@@ -42,9 +43,11 @@ struct ActionInfo {
 };
 
 /// The last failure. It doesn't tell whether a run has succeeded, which its result alone does: each
-/// action that starts sets `code` to 1 and empties the rest.
+/// action that starts, but for a Condition, sets `code` to 1 and empties the rest.
 struct ErrorInfo {
-    uint32_t code;         ///< ERROR_CODE_MESSAGE, ERROR_CODE_REMOVE_SHORTCUT, or one of ActionCode
+    /// One of ActionCode, ERROR_CODE_MESSAGE or ERROR_CODE_REMOVE_SHORTCUT; 0 before the first
+    /// action.
+    uint32_t code;
     wchar_t text1[512];    ///< the object of the failed action
     wchar_t text2[512];    ///< a further text of the action
     uint32_t systemError;  ///< the system's or the action's number; 0 or 0xFFFFFFFF for none
@@ -58,8 +61,9 @@ public:
     virtual ~IterfaceProduct() = default;
 
     /// Carries out the install sequence of the script in the context's run mode; blocks until it
-    /// has ended. 0 on success; otherwise -1 or the code of the action that failed, with
-    /// `errorInfo` telling what happened. Can be called again.
+    /// has ended. 0 on success; otherwise -1, the system's error code of a File that couldn't be
+    /// copied or the number that a CustomAction gave back, with `errorInfo` telling what happened.
+    /// Can be called again.
     virtual int32_t run(IterfaceContext* context) = 0;
 
     /// Looks up the place that a folder word or the Id of a `Directory` element names. On success
