@@ -14,6 +14,7 @@
 #include "system/FileOperations.h"
 #include "system/ProcessCalls.h"
 
+using testing::Each;
 using testing::ElementsAre;
 using testing::ExitedWithCode;
 using testing::IsEmpty;
@@ -39,8 +40,10 @@ public:
 private:
     // The handle of a module snapshot is its process, that of the process snapshot this object.
     HANDLE takeSnapshot(DWORD kind, DWORD id) {
-        if (kind == TH32CS_SNAPPROCESS)
+        if (kind == TH32CS_SNAPPROCESS) {
+            EXPECT_EQ(id, 0u);
             return remember(this);
+        }
         EXPECT_EQ(kind, DWORD{TH32CS_SNAPMODULE});
         inspected.push_back(id);
         const auto process = std::find_if(processes.begin(), processes.end(),
@@ -57,7 +60,23 @@ private:
         return snapshot;
     }
 
+    BOOL giveFirst(HANDLE snapshot, PROCESSENTRY32W* entry) {
+        EXPECT_EQ(next, 0u);
+        EXPECT_EQ(entry->cntUsage | entry->th32ProcessID | entry->th32DefaultHeapID |
+                      entry->th32ModuleID | entry->cntThreads | entry->th32ParentProcessID |
+                      entry->dwFlags,
+                  0u);
+        EXPECT_EQ(entry->pcPriClassBase, 0);
+        EXPECT_THAT(entry->szExeFile, Each(L'\0'));
+        return give(snapshot, entry);
+    }
+
     BOOL giveNext(HANDLE snapshot, PROCESSENTRY32W* entry) {
+        EXPECT_NE(next, 0u);
+        return give(snapshot, entry);
+    }
+
+    BOOL give(HANDLE snapshot, PROCESSENTRY32W* entry) {
         EXPECT_EQ(snapshot, this);
         EXPECT_EQ(entry->dwSize, 568u);
         if (next == processes.size())
@@ -70,6 +89,13 @@ private:
 
     BOOL giveExecutable(HANDLE snapshot, MODULEENTRY32W* entry) {
         EXPECT_EQ(entry->dwSize, 1080u);
+        EXPECT_EQ(entry->th32ModuleID | entry->th32ProcessID | entry->GlblcntUsage |
+                      entry->ProccntUsage | entry->modBaseSize,
+                  0u);
+        EXPECT_EQ(entry->modBaseAddr, nullptr);
+        EXPECT_EQ(entry->hModule, nullptr);
+        EXPECT_THAT(entry->szModule, Each(L'\0'));
+        EXPECT_THAT(entry->szExePath, Each(L'\0'));
         wcscpy(entry->szExePath, static_cast<Process*>(snapshot)->image);
         return entry->szExePath[0] != L'\0';
     }
@@ -85,7 +111,7 @@ private:
     FakeCall<processCalls, &ProcessCalls::CreateToolhelp32Snapshot> snapshot{
         [this](DWORD kind, DWORD id) { return takeSnapshot(kind, id); }};
     FakeCall<processCalls, &ProcessCalls::Process32FirstW> processFirst{
-        [this](HANDLE handle, PROCESSENTRY32W* entry) { return giveNext(handle, entry); }};
+        [this](HANDLE handle, PROCESSENTRY32W* entry) { return giveFirst(handle, entry); }};
     FakeCall<processCalls, &ProcessCalls::Process32NextW> processNext{
         [this](HANDLE handle, PROCESSENTRY32W* entry) { return giveNext(handle, entry); }};
     FakeCall<processCalls, &ProcessCalls::Module32FirstW> moduleFirst{
@@ -211,14 +237,17 @@ TEST(FindProcessByPathTest, FindsNothingInAnEmptySnapshot) {
 
 TEST(FindProcessByPathTest, LogsThatThereIsNoSnapshot) {
     const LogFile log;
-    const FakeCall<processCalls, &ProcessCalls::CreateToolhelp32Snapshot> snapshot([](auto...) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return INVALID_HANDLE_VALUE;
-    });
+    for (const DWORD error : {DWORD{ERROR_NOT_ENOUGH_MEMORY}, DWORD{0x80070005}}) {
+        const FakeCall<processCalls, &ProcessCalls::CreateToolhelp32Snapshot> snapshot(
+            [&](auto...) {
+                SetLastError(error);
+                return INVALID_HANDLE_VALUE;
+            });
 
-    EXPECT_EQ(found(L"C:\\a\\a.exe"), untouched);
-
-    EXPECT_THAT(log.lines(), ElementsAre("[ERROR] CreateToolhelp32Snapshot error:8"));
+        EXPECT_EQ(found(L"C:\\a\\a.exe"), untouched);
+    }
+    EXPECT_THAT(log.lines(), ElementsAre("[ERROR] CreateToolhelp32Snapshot error:8",
+                                         "[ERROR] CreateToolhelp32Snapshot error:2147942405"));
 }
 
 TEST(FindProcessByPathTest, LogsEachProcessThatCannotBeInspectedAndGoesOn) {
