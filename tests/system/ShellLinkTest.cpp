@@ -8,6 +8,8 @@
 #include "support/LogFile.h"
 #include "support/ShellLinkFile.h"
 #include "support/TestFolder.h"
+#include "support/Text.h"
+#include "system/ClockCalls.h"
 #include "system/FileCalls.h"
 #include "system/FileOperations.h"
 #include "system/PathText.h"
@@ -127,12 +129,13 @@ TEST_F(ShellLinkTest, ShowsAnIconThatCannotBeCopied) {
     const std::wstring icon = folder.write(L"version 1.2\\icon", "icon");
     const std::wstring absent = folder.path(L"absent.ico");
     const std::wstring unstaged = folder.write(L"unstaged.ico", "icon");
-    folder.makeDirectory(L"unstaged" + stamped(L".ico") + stagingSuffix);
+    const std::wstring stuck = folder.makeDirectory(L"unstaged" + stamped(L".ico") + stagingSuffix);
 
     EXPECT_EQ(iconOfLinkWith(icon), icon);
     EXPECT_EQ(iconOfLinkWith(absent), absent);
     EXPECT_THAT(log.lines(), IsEmpty());
     EXPECT_EQ(iconOfLinkWith(unstaged), unstaged);
+    EXPECT_THAT(log.lines(), ElementsAre("[ERROR] Failed to delete File " + narrow(stuck)));
 }
 
 TEST_F(ShellLinkTest, DoesNotWaitForARestartToCopyAnIcon) {
@@ -253,6 +256,36 @@ TEST_F(ShellLinkCallsTest, CopyTheIconBetweenTargetAndIconLocation) {
     EXPECT_THAT(callsBefore,
                 ElementsAre(L"CoInitialize", L"CoCreateInstance", L"SetPath C:\\app.exe"));
     EXPECT_THAT(shell.calls, Contains(L"SetIconLocation 0 " + stamped(icon)));
+}
+
+TEST_F(ShellLinkCallsTest, SetTheIconItselfWhileTheTimeForAStampCannotBeRead) {
+    inFreshProcess([this] {
+        const TestFolder folder;
+        const std::wstring icon = folder.write(L"app.ico", "icon");
+        BOOL readable = FALSE;
+        const FakeCall<clockCalls, &ClockCalls::SystemTimeToTzSpecificLocalTime> convert(
+            [&](auto zone, auto utc, SYSTEMTIME* local) {
+                convert.real(zone, utc, local);
+                return readable;
+            });
+        std::vector<std::wstring> copies;
+        const FakeCall<fileCalls, &FileCalls::CopyFileW> copy([&](auto from, auto to, BOOL fail) {
+            copies = {from, to};
+            return copy.real(from, to, fail);
+        });
+
+        EXPECT_EQ(createShellLink(L"C:\\App.lnk", L"C:\\app.exe", L"", icon.c_str()), 0);
+
+        EXPECT_THAT(copies, ElementsAre(icon, icon));
+        EXPECT_THAT(shell.calls, Contains(L"SetIconLocation 0 " + icon));
+        EXPECT_EQ(readFile(icon), "icon");
+        EXPECT_THAT(log.lines(), IsEmpty());
+
+        readable = TRUE;
+        EXPECT_EQ(createShellLink(L"C:\\App.lnk", L"C:\\app.exe", L"", icon.c_str()), 0);
+        EXPECT_NE(stamped(icon), icon);
+        EXPECT_THAT(shell.calls, Contains(L"SetIconLocation 0 " + stamped(icon)));
+    });
 }
 
 TEST_F(ShellLinkCallsTest, SaveALinkPathThatFitsTheBuffer) {
