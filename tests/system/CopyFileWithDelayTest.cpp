@@ -165,6 +165,8 @@ TEST_F(CopyFileWithDelayTest, FailedStagingGivesItsOwnError) {
     });
 
     EXPECT_EQ(copyWithDelay(), ERROR_DISK_FULL);
+
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST_F(CopyFileWithDelayTest, FailedCopyWithoutAnErrorIsStillAFailure) {

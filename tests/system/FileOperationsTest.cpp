@@ -9,7 +9,10 @@
 #include "support/ChildProcess.h"
 #include "support/FakeFileCalls.h"
 #include "support/LockedFile.h"
+#include "support/LogFile.h"
 #include "support/TestFolder.h"
+
+using testing::IsEmpty;
 
 namespace {
 
@@ -144,6 +147,7 @@ TEST(DeleteFileTest, GivesUpAtTheFirstCallThatHelpsNoFurther) {
         {"attributes fixed", ERROR_ACCESS_DENIED, FILE_ATTRIBUTE_READONLY, 5, 1, 1, 1},
         {"denied again", ERROR_ACCESS_DENIED, FILE_ATTRIBUTE_READONLY, 0, 2, 1, 1},
     };
+    const LogFile log;
     const TestFolder folder;
     const std::wstring path = folder.write(L"a.txt", "a");
     for (const auto& row : rows) {
@@ -161,6 +165,7 @@ TEST(DeleteFileTest, GivesUpAtTheFirstCallThatHelpsNoFurther) {
         EXPECT_EQ(get.count, row.attributesRead);
         EXPECT_EQ(set.count, row.attributesSet);
     }
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST(CreateDirectoriesTest, MakesADirectoryWithItsMissingParents) {
@@ -226,6 +231,7 @@ TEST(CreateDirectoriesTest, TriesTheParentsFromWithinAndThenTheWayBack) {
         {L"/a/b", {no, no}, {L"/a/b", L"/a"}, false},
         {L"\\\\a", {no, no}, {L"\\\\a", L"\\"}, false},
     };
+    const LogFile log;
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.path) + testing::PrintToString(row.errors));
         Paths tried;
@@ -243,6 +249,7 @@ TEST(CreateDirectoriesTest, TriesTheParentsFromWithinAndThenTheWayBack) {
 
         EXPECT_EQ(tried, row.tried);
     }
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST(DirectoryOfPathTest, GivesWhatStandsBeforeTheLastBackslash) {
@@ -302,6 +309,7 @@ TEST(HostProgramDirectoryTest, AsksTheSystemOnceItHasAnAnswer) {
 
 TEST(HostProgramDirectoryTest, IsEmptyUntilTheSystemAnswers) {
     inFreshProcess([] {
+        const LogFile log;
         bool known = false;
         const FakeModuleFileName name([&](auto, wchar_t* buffer, auto) {
             const DWORD length = giveProgram(L"C:\\Host\\setup.exe", buffer);
@@ -309,6 +317,7 @@ TEST(HostProgramDirectoryTest, IsEmptyUntilTheSystemAnswers) {
         });
 
         EXPECT_EQ(hostProgramDirectory(), L"");
+        EXPECT_THAT(log.lines(), IsEmpty());
         known = true;
         EXPECT_EQ(hostProgramDirectory(), L"C:\\Host");
     });

@@ -9,10 +9,12 @@
 #include "support/ChildProcess.h"
 #include "support/FakeFileCalls.h"
 #include "support/LockedFile.h"
+#include "support/LogFile.h"
 #include "support/TestFolder.h"
 #include "system/FileOperations.h"
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace {
 
@@ -54,6 +56,7 @@ TEST(RemoveDirectoryTreeTest, AbsentDirectoryCountsAsRemovedWithoutACall) {
 }
 
 TEST(RemoveDirectoryTreeTest, FailsWhenTheDirectoryCannotBeListed) {
+    const LogFile log;
     for (const DWORD error :
          {ERROR_SUCCESS, ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_INVALID_NAME}) {
         const FakeFind find([&](auto...) {
@@ -68,9 +71,11 @@ TEST(RemoveDirectoryTreeTest, FailsWhenTheDirectoryCannotBeListed) {
         EXPECT_EQ(remove.count, 0) << error;
         EXPECT_EQ(close.count, 0) << error;
     }
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST(RemoveDirectoryTreeTest, LockedFileStaysWithItsDirectoriesAndNothingElse) {
+    const LogFile log;
     const TestFolder folder;
     const std::wstring kept = folder.write(L"d\\e\\kept.txt", "k");
     const LockedFile held(kept);
@@ -84,6 +89,7 @@ TEST(RemoveDirectoryTreeTest, LockedFileStaysWithItsDirectoriesAndNothingElse) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path()))
         left.push_back(entry.path().wstring());
     EXPECT_THAT(left, ElementsAre(folder.path(L"d"), folder.path(L"d\\e"), kept));
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST(RemoveDirectoryTreeTest, ClosesEverySearchBeforeItRemovesTheDirectory) {
@@ -222,27 +228,55 @@ TEST(RemoveDirectoryTreeTest, ResultIsThatOfTheDirectorysOwnRemoval) {
     }
 }
 
+/// A path of that many characters, the last of which may be a separator.
+std::wstring pathOf(size_t length, const std::wstring& end = {}) {
+    const std::wstring drive = L"C:\\";
+    return drive + std::wstring(length - drive.size() - end.size(), L'd') + end;
+}
+
+// A path is listed with "\*" behind it, of which a backslash at its end is a part.
 TEST(RemoveDirectoryTreeTest, TakesPathsThatJustFit) {
-    const std::wstring path = L"C:\\" + std::wstring(254, L'd');  // 259 characters with "\*"
-    const std::wstring child = std::wstring(255, L'c');
-    {
-        ListedDirectory listing(path + L"\\*", {{L".", directory}});
+    for (const std::wstring& path : {pathOf(257), pathOf(258, L"\\"), pathOf(257, L"/")}) {
+        SCOPED_TRACE(path.size());
+        const std::wstring pattern = path + (path.back() == L'\\' ? L"*" : L"\\*");
+        ListedDirectory listing(pattern, {{L".", directory}});
+
         EXPECT_TRUE(removeDirectoryTree(path.c_str()));
+
+        EXPECT_EQ(pattern.size(), 259u);
+        EXPECT_THAT(listing.listed, ElementsAre(pattern));
+        EXPECT_THAT(listing.removed, ElementsAre(path));
     }
-    ListedDirectory listing(L"C:\\*", {{child + L"1", file}});
-    EXPECT_TRUE(removeDirectoryTree(L"C:\\"));
-    EXPECT_THAT(listing.deleted, ElementsAre(L"C:\\" + child + L"1"));
 }
 
 TEST(RemoveDirectoryTreeTest, OversizePathEndsTheProcess) {
-    const std::wstring path = L"C:\\" + std::wstring(257, L'd');
+    for (const std::wstring& path : {pathOf(258), pathOf(259), pathOf(260), pathOf(5000),
+                                     pathOf(259, L"\\"), pathOf(260, L"\\"), pathOf(258, L"/")}) {
+        SCOPED_TRACE(path.size());
+        const ListedDirectory listing(path + L"\\*", {{L".", directory}});
 
-    EXPECT_EXIT(removeDirectoryTree(path.c_str()), endedByInvalidParameter(), "");
+        EXPECT_EXIT(removeDirectoryTree(path.c_str()), endedByInvalidParameter(), "");
+    }
+}
+
+TEST(RemoveDirectoryTreeTest, TakesPathsBelowThatJustFit) {
+    const std::wstring longestFile = pathOf(259);
+    const std::wstring longestDirectory = pathOf(257);
+    ListedDirectory listing(
+        L"C:\\*", {{longestFile.substr(3), file}, {longestDirectory.substr(3), directory}});
+
+    EXPECT_TRUE(removeDirectoryTree(L"C:\\"));
+
+    EXPECT_THAT(listing.deleted, ElementsAre(longestFile));
+    EXPECT_THAT(listing.listed, ElementsAre(L"C:\\*", longestDirectory + L"\\*"));
 }
 
 TEST(RemoveDirectoryTreeTest, OversizePathBelowEndsTheProcess) {
-    for (const DWORD attributes : {file, directory}) {
-        const ListedDirectory listing(L"C:\\d\\*", {{std::wstring(255, L'c'), attributes}});
+    const std::pair<size_t, DWORD> rows[] = {
+        {260, file}, {258, directory}, {259, directory}, {260, directory}};
+    for (const auto& [length, attributes] : rows) {
+        SCOPED_TRACE(length);
+        const ListedDirectory listing(L"C:\\d\\*", {{std::wstring(length - 5, L'c'), attributes}});
 
         EXPECT_EXIT(removeDirectoryTree(L"C:\\d"), endedByInvalidParameter(), "");
     }
