@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -32,6 +33,9 @@ public:
     /// The tick count, and what a start or a stop adds to it.
     DWORD now = 0;
     DWORD requestTakes = 0;
+
+    /// Called with the kind of what is about to be given back.
+    std::function<void(const std::string& kind)> onGiveBack = [](const std::string&) {};
 
     /// All calls in their order, with their arguments.
     std::vector<std::string> calls;
@@ -153,6 +157,7 @@ private:
         }};
     const FakeCall<serviceCalls, &ServiceCalls::UnlockServiceDatabase> unlock{[this](SC_LOCK held) {
         expectHeld(held, "lock");
+        onGiveBack("lock");
         given.erase(held);
         return succeeds("UnlockServiceDatabase");
     }};
@@ -164,6 +169,7 @@ private:
         }};
     const FakeCall<serviceCalls, &ServiceCalls::CloseServiceHandle> close{[this](SC_HANDLE handle) {
         const std::string kind = given.contains(handle) ? given[handle] : "<nothing>";
+        onGiveBack(kind);
         given.erase(handle);
         return succeeds("CloseServiceHandle", kind);
     }};
@@ -177,6 +183,7 @@ private:
         }};
     const FakeCall<serviceCalls, &ServiceCalls::LocalFree> release{[this](HLOCAL freed) {
         expectHeld(freed, "memory");
+        onGiveBack("memory");
         given.erase(freed);
         memory.assign(memory.size(), UINT64_MAX);
         succeeds("LocalFree");

@@ -183,6 +183,7 @@ private:
             return open.real(parent, subkey, options, access, key);
         }};
     const FakeQueryInfo query{[&](auto... arguments) {
+        EXPECT_NE(std::get<1>(std::tuple(arguments...)), nullptr);
         EXPECT_EQ(*std::get<2>(std::tuple(arguments...)), 260u);
         calls.push_back(L"count");
         return query.real(arguments...);

@@ -36,13 +36,17 @@ TEST_F(QueryStartTypeTest, ReadsTheConfigurationIntoMemoryOfTheNeededSize) {
 }
 
 TEST_F(QueryStartTypeTest, FailsWhenTheServiceCannotBeOpened) {
-    services.errors["OpenService"] = {ERROR_SERVICE_DOES_NOT_EXIST};
+    for (const DWORD error : {ERROR_SERVICE_DOES_NOT_EXIST, ERROR_ACCESS_DENIED}) {
+        SCOPED_TRACE(error);
+        services.errors["OpenService"] = {error};
 
-    EXPECT_FALSE(query());
+        EXPECT_FALSE(query());
 
-    EXPECT_EQ(startType, untouched);
-    EXPECT_THAT(services.calls, ElementsAre("OpenService svc 0x1", "CloseServiceHandle manager"));
-    logged = {"[ERROR] OpenService failed:1060"};
+        EXPECT_EQ(startType, untouched);
+        EXPECT_THAT(services.calls,
+                    ElementsAre("OpenService svc 0x1", "CloseServiceHandle manager"));
+    }
+    logged = {"[ERROR] OpenService failed:1060", "[ERROR] OpenService failed:5"};
 }
 
 TEST_F(QueryStartTypeTest, FailsSilentlyWhenTheConfigurationFitsInNoMemoryAtAll) {
@@ -91,6 +95,71 @@ TEST_F(QueryStartTypeTest, TellsTheFirstErrorWhenTheSecondReadingFails) {
                             "QueryServiceConfig 0x200", "LocalFree", "CloseServiceHandle service",
                             "CloseServiceHandle manager"));
     logged = {"[ERROR] QueryServiceConfig failed:122"};
+}
+
+/// Lists what is given back, with the lines of the log where they are written.
+class StartTypeFailureTest : public FakeServiceTest {
+protected:
+    using Steps = std::vector<std::string>;
+
+    StartTypeFailureTest() {
+        services.onGiveBack = [this](const std::string& kind) {
+            const std::vector<std::string> lines = log.lines();
+            steps.insert(steps.end(), lines.begin() + static_cast<ptrdiff_t>(logged.size()),
+                         lines.end());
+            logged = lines;
+            steps.push_back(kind);
+        };
+    }
+
+    Steps steps;
+};
+
+TEST_F(StartTypeFailureTest, OfAReadingIsLoggedBeforeTheHandlesAreClosed) {
+    const struct {
+        const char* call;
+        std::deque<DWORD> errors;
+        Steps steps;
+    } rows[] = {
+        {"OpenService", {5}, {"[ERROR] OpenService failed:5", "manager"}},
+        {"QueryServiceConfig", {5}, {"[ERROR] QueryServiceConfig failed:5", "service", "manager"}},
+        {"LocalAlloc", {8}, {"[ERROR] QueryServiceConfig failed:122", "service", "manager"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.call);
+        ServiceHandle manager(serviceCalls.OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT));
+        services.errors[row.call] = row.errors;
+        steps.clear();
+        uint32_t startType = 0;
+
+        EXPECT_FALSE(queryServiceStartType(L"svc", startType, std::move(manager)));
+
+        EXPECT_EQ(steps, row.steps);
+    }
+}
+
+TEST_F(StartTypeFailureTest, OfAChangeIsLoggedBeforeTheHandlesAreClosed) {
+    const struct {
+        const char* call;
+        std::deque<DWORD> errors;
+        Steps steps;
+    } rows[] = {
+        {"OpenService", {0, 5}, {"[ERROR] OpenService failed:5", "lock", "manager"}},
+        {"ChangeServiceConfig",
+         {87},
+         {"[ERROR] ChangeServiceConfig failed:87", "service", "lock", "manager"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.call);
+        services.errors[row.call] = row.errors;
+        steps.clear();
+
+        EXPECT_FALSE(changeServiceStartType(L"svc", SERVICE_AUTO_START));
+
+        Steps expected = {"memory", "service", "manager"};  // of the reading
+        expected.insert(expected.end(), row.steps.begin(), row.steps.end());
+        EXPECT_EQ(steps, expected);
+    }
 }
 
 /// Changes the start type of a service that is started on demand.
