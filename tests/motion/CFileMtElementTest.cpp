@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "support/ChildProcess.h"
 #include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/FileElementTest.h"
@@ -204,6 +205,51 @@ TEST_P(FileCopyTest, AnnouncesTheCopyWhenTheDirectoryIsMade) {
     EXPECT_EQ(announcedBeforeCopy, 1u);
 }
 
+TEST_P(FileCopyTest, MakesNoDirectoryForATargetThatStandsInNone) {
+    const std::pair<std::string, std::wstring> rows[] = {
+        {"", L"a.txt"}, {"\\", L"\\a.txt"}, {"/", L"/a.txt"}};
+    for (const auto& [directory, expected] : rows) {
+        SCOPED_TRACE(directory);
+        context.unload();
+        observer.updates.clear();
+        ASSERT_TRUE(loadIn(directory, file()));
+        const FakeCall<fileCalls, &FileCalls::CreateDirectoryW> make([](auto...) { return TRUE; });
+        std::wstring to;
+        const FakeCall<fileCalls, &FileCalls::CopyFileW> copy([&](auto, auto copied, BOOL) {
+            to = copied;
+            return TRUE;
+        });
+
+        EXPECT_EQ(runInMode(), 0);
+
+        EXPECT_EQ(make.count, 0);
+        EXPECT_EQ(to, expected);
+        EXPECT_THAT(observer.updates,
+                    ElementsAre(Notification{ACTION_COPY_FILE, L"a.txt", L"", 0}));
+    }
+}
+
+TEST_P(FileCopyTest, AnnouncesANameThatJustFits) {
+    const std::wstring longest(511, L'n');
+    ASSERT_TRUE(
+        loadComponent("<File Name='" + narrow(longest) + "' Source='" + narrow(source) + "'/>"));
+    const FakeCall<fileCalls, &FileCalls::CopyFileW> copy([](auto...) {
+        SetLastError(ERROR_DISK_FULL);
+        return FALSE;
+    });
+
+    EXPECT_EQ(runInMode(), ERROR_DISK_FULL);
+
+    EXPECT_THAT(observer.updates, ElementsAre(Notification{ACTION_COPY_FILE, longest, L"", 0}));
+    expectError(ACTION_COPY_FILE, longest, ERROR_DISK_FULL, systemMessage(ERROR_DISK_FULL));
+}
+
+TEST_P(FileCopyTest, EndsTheProcessWhenTheNameIsTooLongToAnnounce) {
+    ASSERT_TRUE(loadComponent("<File Name='" + std::string(512, 'n') + "' Source='s'/>"));
+
+    EXPECT_EXIT(runInMode(), endedByInvalidParameter(), "");
+}
+
 TEST_P(FileCopyTest, TakesAnAbsoluteSourceForARelativeOne) {
     ASSERT_TRUE(loadComponent("<File Name='a.txt' Source='C:\\other\\a.txt'/>"));
     std::wstring from;
@@ -292,6 +338,33 @@ TEST_P(FileCopyTest, DelaysForTheExactWordOfTheFileOrElseOfTheComponent) {
 
         EXPECT_EQ(rebootRequired(), row.delays);
     }
+}
+
+TEST_P(FileCopyTest, FindsTheDelayOfTheComponentBeyondConditions) {
+    folder.write(L"app\\a.txt", "old");
+    const LockedFile lock(target);
+    const FakeCall<fileCalls, &FileCalls::MoveFileExW> move([](auto...) { return TRUE; });
+    const std::pair<std::string, bool> rows[] = {{"", true}, {"SupportDelayInstall='no'", false}};
+    for (const auto& [onFile, delays] : rows) {
+        SCOPED_TRACE(onFile);
+        context.unload();
+        ASSERT_TRUE(loadComponent("<Condition Expression='1'><Condition Expression='1'>" +
+                                      file(onFile) + "</Condition></Condition>",
+                                  "SupportDelayInstall='yes'"));
+
+        EXPECT_EQ(runInMode(), delays ? 0 : ERROR_SHARING_VIOLATION);
+
+        EXPECT_EQ(rebootRequired(), delays);
+    }
+}
+
+TEST_P(FileCopyTest, TakesNoDelayFromAConditionItself) {
+    folder.write(L"app\\a.txt", "old");
+    const LockedFile lock(target);
+    ASSERT_TRUE(loadComponent("<Condition Expression='1' SupportDelayInstall='yes'>" + file() +
+                              "</Condition>"));
+
+    EXPECT_EQ(runInMode(), ERROR_SHARING_VIOLATION);
 }
 
 TEST_P(FileCopyTest, AsksNoElementAboveTheComponentForTheDelay) {

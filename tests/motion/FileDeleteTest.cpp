@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "support/ChildProcess.h"
 #include "support/FakeCall.h"
 #include "support/FileElementTest.h"
 #include "support/LockedFile.h"
@@ -65,6 +66,34 @@ TEST_F(FileDeleteTest, AnnouncesEachDeletionWithItsProgress) {
 
     EXPECT_THAT(observer.updates, ElementsAre(Notification{ACTION_DELETE_FILE, L"a.txt", L"", 0},
                                               Notification{ACTION_DELETE_FILE, L"b.txt", L"", 50}));
+}
+
+TEST_F(FileDeleteTest, AnnouncesANameThatJustFits) {
+    const std::wstring longest(511, L'n');
+    ASSERT_TRUE(loadComponent("<File Name='" + narrow(longest) + "' Source='s'/>"));
+
+    EXPECT_EQ(uninstall(), 0);
+
+    EXPECT_THAT(observer.updates, ElementsAre(Notification{ACTION_DELETE_FILE, longest, L"", 0}));
+}
+
+TEST_F(FileDeleteTest, EndsTheProcessWhenTheNameIsTooLongToAnnounce) {
+    ASSERT_TRUE(loadComponent("<File Name='" + std::string(512, 'n') + "' Source='s'/>"));
+
+    EXPECT_EXIT(uninstall(), endedByInvalidParameter(), "");
+}
+
+TEST_F(FileDeleteTest, NeedsNoDirectoryInThePath) {
+    ASSERT_TRUE(loadIn("", file()));
+    std::vector<std::wstring> sought;
+    const FakeCall<fileCalls, &FileCalls::FindFirstFileW> find([&](auto path, auto) {
+        sought.push_back(path);
+        return INVALID_HANDLE_VALUE;
+    });
+
+    EXPECT_EQ(uninstall(), 0);
+
+    EXPECT_THAT(sought, ElementsAre(L"a.txt"));
 }
 
 TEST_F(FileDeleteTest, LogsTheDeletionAfterItsAnnouncementAndBeforeItIsDone) {

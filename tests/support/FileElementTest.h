@@ -18,8 +18,14 @@ protected:
 
     /// Loads a script whose one component holds the elements, in the directory of the target.
     bool loadComponent(const std::string& elements, const std::string& attributes = {}) {
-        return loadProduct("<Directory Path='" + narrow(folder.path(L"app")) +
-                           "'><Component Id='C' " + attributes + ">" + elements +
+        return loadIn(narrow(folder.path(L"app")), elements, attributes);
+    }
+
+    /// The same in another directory.
+    bool loadIn(const std::string& directory, const std::string& elements,
+                const std::string& attributes = {}) {
+        return loadProduct("<Directory Path='" + directory + "'><Component Id='C' " + attributes +
+                           ">" + elements +
                            "</Component></Directory>"
                            "<InstallExecuteSequence><Feature><ComponentRef Id='C'/></Feature>"
                            "</InstallExecuteSequence>");
