@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "support/AllowedChildren.h"
+#include "support/ChildProcess.h"
 #include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/Heard.h"
@@ -325,6 +327,37 @@ TEST_F(CRegistryKeyMtElementTest, WorksInThePredefinedKeyOfItsRoot) {
 
         EXPECT_THAT(made.list, ElementsAre(Pair(root, L"a\\b")));
     }
+}
+
+TEST_F(CRegistryKeyMtElementTest, TextsThatJustFitReachTheHost) {
+    const std::string title(511, 't');
+    const std::string path(500, 'k');  // 510 characters with the root's
+    const MadeKeys made;
+    ASSERT_TRUE(loadComponent("<RegistryKey Action='create' Root='HKEY_USERS' Key='" + path +
+                              "' Title='" + title + "'/>"));
+
+    EXPECT_EQ(run(), 0);
+
+    EXPECT_THAT(observer.updates,
+                ElementsAre(Notification{12, L"HKEY_USERS\\" + std::wstring(500, L'k'),
+                                         std::wstring(511, L't'), 0}));
+    EXPECT_EQ(made.list.size(), 1u);
+}
+
+TEST_F(CRegistryKeyMtElementTest, TextsThatDoNotFitEndTheProcessBeforeTheKeyIsTouched) {
+    const FakeCreate create([](auto...) -> LSTATUS { std::exit(EXIT_FAILURE); });
+    const FakeCall<registryCalls, &RegistryCalls::RegOpenKeyExW> open(
+        [](auto...) -> LSTATUS { std::exit(EXIT_FAILURE); });
+    for (const std::string action : {"create", "remove"})
+        for (const auto& [keyLength, titleLength] : {std::pair(501, 0), std::pair(1, 512)}) {
+            SCOPED_TRACE(action + " " + std::to_string(keyLength));
+            context.unload();
+            ASSERT_TRUE(loadComponent("<RegistryKey Action='" + action +
+                                      "' Root='HKEY_USERS' Key='" + std::string(keyLength, 'k') +
+                                      "' Title='" + std::string(titleLength, 't') + "'/>"));
+
+            EXPECT_EXIT(run(), endedByInvalidParameter(), "");
+        }
 }
 
 TEST_F(CRegistryKeyMtElementTest, ReplacesReferencesInItsAttributes) {

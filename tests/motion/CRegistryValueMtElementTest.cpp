@@ -2,12 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 #include <vector>
 
 #include "elements/ElementFactory.h"
 #include "motion/CRegistryKeyMtElement.h"
 #include "support/AllowedChildren.h"
+#include "support/ChildProcess.h"
 #include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
@@ -220,6 +223,54 @@ TEST_F(CRegistryValueMtElementTest, TellsTheHostOfEachValue) {
                                               Notification{14, toldValue(L"Path"), L"", 0},
                                               Notification{14, toldValue(L""), L"", 50}));
     expectNoError();
+}
+
+TEST_F(CRegistryValueMtElementTest, TellsTheHostBeforeItOpensTheKey) {
+    ASSERT_TRUE(loadValues(value("REG_SZ", "x") + value("REG_DWORD", "1")));
+    std::vector<size_t> heard;
+    const FakeOpen open([&](auto... arguments) {
+        heard.push_back(observer.updates.size());
+        return open.real(arguments...);
+    });
+
+    EXPECT_EQ(run(), 0);
+
+    EXPECT_THAT(heard, ElementsAre(2u, 3u));
+}
+
+/// A value below a key that only seems to be made, so that its path may be of any length.
+class RegistryValueNamesTest : public CRegistryValueMtElementTest {
+protected:
+    /// Loads a script in which root, key and name have that many characters together.
+    bool loadNames(size_t length) {
+        const std::string name(length - path.size() - strlen("HKEY_USERS"), 'n');
+        return loadComponent("<RegistryKey Action='create' Root='HKEY_USERS' Key='" + path + "'>" +
+                             value("REG_SZ", "x", "Name='" + name + "'") + "</RegistryKey>");
+    }
+
+    const std::string path = std::string(300, 'k');
+    const FakeCall<registryCalls, &RegistryCalls::RegCreateKeyExW> create{
+        [](auto...) { return ERROR_SUCCESS; }};
+};
+
+TEST_F(RegistryValueNamesTest, ReachTheHostWhenTheyJustFit) {
+    const FakeOpen open([](auto...) { return ERROR_ACCESS_DENIED; });
+    ASSERT_TRUE(loadNames(498));
+
+    EXPECT_EQ(run(), -1);
+
+    const std::wstring told =
+        L"HKEY_USERS\\" + std::wstring(300, L'k') + L"[Value Name]" + std::wstring(188, L'n');
+    EXPECT_EQ(told.size(), 511u);
+    EXPECT_EQ(observer.updates.back(), (Notification{14, told, L"", 0}));
+    expectError(14, told, L"", L"");
+}
+
+TEST_F(RegistryValueNamesTest, EndTheProcessBeforeTheKeyIsOpenedWhenTheyDoNotFit) {
+    const FakeOpen open([](auto...) -> LSTATUS { std::exit(EXIT_FAILURE); });
+    ASSERT_TRUE(loadNames(499));
+
+    EXPECT_EXIT(run(), endedByInvalidParameter(), "");
 }
 
 TEST_F(CRegistryValueMtElementTest, WritesTextWithoutATerminatorWhateverItsLength) {
