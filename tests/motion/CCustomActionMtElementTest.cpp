@@ -18,6 +18,7 @@
 #include "support/Text.h"
 #include "support/Thrown.h"
 #include "system/LibraryCalls.h"
+#include "system/ShellCalls.h"
 #include "system/SystemCalls.h"
 #include "system/TextCalls.h"
 
@@ -352,6 +353,53 @@ TEST_F(CCustomActionMtElementTest, UnloadsTheLibraryOnEveryPathThatLoadedIt) {
 
         EXPECT_EQ(unloaded, std::vector<HMODULE>(row.unloadings, loaded));
     }
+}
+
+TEST_F(CCustomActionMtElementTest, UnloadsTheLibraryBehindTheLogsLineAndAheadOfTheErrorRecord) {
+    answerWith(7, L"It went wrong.");
+    const std::pair<std::string, size_t> rows[] = {{"absent", 3}, {"answer", 2}};
+    for (const auto& [entry, lines] : rows) {
+        SCOPED_TRACE(entry);
+        const LogFile log;
+        context.unload();
+        ASSERT_TRUE(loadFragment(action(entry, "Return='check'")));
+        FakeCall<libraryCalls, &LibraryCalls::FreeLibrary> close([&](HMODULE module) {
+            EXPECT_EQ(log.lines().size(), lines);
+            EXPECT_EQ(failure(), noFailure);
+            return close.real(module);
+        });
+
+        EXPECT_NE(run(), 0);
+
+        EXPECT_EQ(close.count, 1);
+        EXPECT_EQ(log.lines().size(), lines);
+        EXPECT_NE(failure(), noFailure);
+    }
+}
+
+TEST_F(CCustomActionMtElementTest, EntryBeyondTheCodePageIsSoughtByWhatBecomesOfIt) {
+    const LogFile log;
+    FakeCall<shellCalls, &ShellCalls::SHGetSpecialFolderPathW> getPath(
+        [](HWND, wchar_t* path, int, BOOL) {
+            wcscpy(path, L"\u0634");
+            return TRUE;
+        });
+    std::string sought;
+    FakeCall<libraryCalls, &LibraryCalls::GetProcAddress> find([&](HMODULE, const char* name) {
+        sought = name;
+        return nullptr;
+    });
+    ASSERT_TRUE(loadFragment(action("[DesktopFolder]", "Return='check'"),
+                             rootDirectory + "<Directory Id='DesktopFolder'/>"));
+
+    EXPECT_EQ(run(), -1);
+
+    EXPECT_EQ(sought, "?\\");
+    EXPECT_THAT(observer.updates,
+                ElementsAre(Notification{ACTION_CUSTOM_ACTION, L"\u0634\\", L"", 0}));
+    EXPECT_EQ(failure(), messageFailure(L"Failed to get Address(?\\)."));
+    EXPECT_THAT(log.lines(), ElementsAre("[INFO] callDllEntry:" + narrow(library) + ";?\\",
+                                         "[INFO] C:\\app\\", "[ERROR] GetProcAddress ?\\ failed."));
 }
 
 TEST_F(CCustomActionMtElementTest, EntryThatCannotBeConvertedIsSilentlyLeftOut) {
