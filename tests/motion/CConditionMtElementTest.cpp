@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <optional>
+
 #include "elements/ElementFactory.h"
 #include "engine/CContext.h"
 #include "logging/IterfaceObserver.h"
@@ -474,6 +476,108 @@ TEST_F(CConditionMtElementTest, AboveAComponentReachedByReferenceItAnswersNoQues
     EXPECT_THAT(log.lines(),
                 ElementsAre("[ERROR] (Condition,C) don't know its parent element object.",
                             "[INFO] 1 expression value:true"));
+}
+
+// Actions in it, which ask it for nothing
+
+struct ContainedAction {
+    const char* name;
+    const char* attributes;  ///< all that it demands; the first one is missed first
+    bool hasOn;
+};
+
+void PrintTo(const ContainedAction& action, std::ostream* stream) {
+    *stream << action.name;
+}
+
+class ActionInConditionTest : public CConditionMtElementTest,
+                              public testing::WithParamInterface<ContainedAction> {
+protected:
+    /// Makes the action in a `Condition` below an element that has all attributes; null with the
+    /// reason in `getLastCreateError`.
+    MotionElementPtr make(const std::string& attributes) {
+        EXPECT_TRUE(loadSequence("<Condition Id='C' Expression='1'><" + name + " Id='A' " +
+                                 attributes + "/></Condition>"));
+        context.runMode = RUNMODE_INSTALL;
+        const XmlHandlePtr node = nodeOf(L"Condition");
+        above.emplace(*node, context);
+        for (const wchar_t* attribute :
+             {L"Path", L"Title", L"DllFile", L"DllEntry", L"Return", L"File", L"ExeCommand",
+              L"Show", L"Name", L"Action", L"Wait", L"DestinationName", L"SourceName",
+              L"MinVersion", L"On", L"Vital"})
+            above->hold(attribute, L"above");
+        around = CreateMotionElement(node.get(), context, &*above);
+        return CreateMotionElement(getFirstChildElement(node.get()).get(), context, around.get());
+    }
+
+    const std::string name = GetParam().name;
+    const std::string attributes = GetParam().attributes;
+    std::optional<ProbeElement> above;
+    MotionElementPtr around;
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Actions, ActionInConditionTest,
+    testing::Values(ContainedAction{"RemoveDirectory", "Path='own'", true},
+                    ContainedAction{"Caution", "Title='own'", true},
+                    ContainedAction{"CustomAction", "DllFile='own' DllEntry='own' Return='own'",
+                                    true},
+                    ContainedAction{"ShellExcute", "File='own' Return='own'", true},
+                    ContainedAction{"ServiceControl", "Name='own' Action='own' Wait='own'", true},
+                    ContainedAction{"CopyFile", "DestinationName='own' SourceName='own'", false},
+                    ContainedAction{"FileSearch", "Name='own' Path='own' Expression='own'", false}),
+    [](const auto& action) { return action.param.name; });
+
+TEST_P(ActionInConditionTest, IsNotMadeOfAttributesAboveIt) {
+    EXPECT_EQ(make(""), nullptr);
+
+    EXPECT_EQ(narrow(getLastCreateError()),
+              "Create Motion Element error:(" + name + ",A) cant get the require explicit " +
+                  attributes.substr(0, attributes.find('=')) + "attribute.");
+}
+
+TEST_P(ActionInConditionTest, HasNeitherModeNorVitalNorTextsOfWhatIsAbove) {
+    const MotionElementPtr action = make(attributes);
+
+    ASSERT_NE(action, nullptr);
+    EXPECT_EQ(action->getParent(), around.get());
+    EXPECT_TRUE(action->passesOnFilter(context));
+    EXPECT_TRUE(action->isVital(context));
+    for (const wchar_t* text : {L"Title", L"ExeCommand", L"Show", L"MinVersion"})
+        EXPECT_NE(attribute(*action, text), L"above") << narrow(text);
+}
+
+TEST_P(ActionInConditionTest, IsLimitedByItsOwnOnWhereItHasOne) {
+    const MotionElementPtr action = make(attributes + " On='upgrade'");
+
+    EXPECT_EQ(action->passesOnFilter(context), !GetParam().hasOn);
+    context.runMode = RUNMODE_UPGRADE;
+    EXPECT_TRUE(action->passesOnFilter(context));
+}
+
+TEST_F(CConditionMtElementTest, ActionsInItRunInTheirOwnModesWithTheirShareOfTheProgress) {
+    const std::string service =
+        "<ServiceControl Name='temz-test-absent' Action='remove' Wait='no' ";
+    const std::string directory = "<RemoveDirectory Path='" + narrow(folder.path(L"absent")) + "' ";
+    ASSERT_TRUE(
+        loadSequence("<Fragment/><Condition Expression='1'>" + directory + "/>" + directory +
+                     "On='uninstall'/><Caution Title='a'/><Caution Title='b' On='uninstall'/>" +
+                     service + "/>" + service +
+                     "On='uninstall'/><ShellExcute File='' Return='r' Vital='no'/>"
+                     "<ShellExcute File='' Return='r' On='uninstall'/>"
+                     "<CustomAction DllFile='f' DllEntry='e' Return='r' On='uninstall'/>"
+                     "<CustomAction DllFile='f' DllEntry='e' Return='r' Vital='no'/></Condition>"));
+
+    EXPECT_EQ(run(), -1);
+
+    EXPECT_THAT(
+        observer.updates,
+        ElementsAre(Notification{2, L"1", L"", 50},
+                    Notification{15, folder.path(L"absent"), L"", 50},
+                    Notification{16, L"", L"a", 60}, Notification{7, L"temz-test-absent", L"", 70},
+                    Notification{11, L"", L"", 80}, Notification{10, L"e", L"", 95}));
+    ASSERT_EQ(observer.failures.size(), 1u) << "the custom action alone, whatever its Vital says";
+    EXPECT_STREQ(observer.failures[0].message, L"Can't get application directory.");
 }
 
 }  // namespace

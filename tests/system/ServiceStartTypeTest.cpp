@@ -102,6 +102,13 @@ class StartTypeFailureTest : public FakeServiceTest {
 protected:
     using Steps = std::vector<std::string>;
 
+    /// A call that fails, and what follows.
+    struct Row {
+        const char* call;
+        std::deque<DWORD> errors;
+        Steps steps;
+    };
+
     StartTypeFailureTest() {
         services.onGiveBack = [this](const std::string& kind) {
             const std::vector<std::string> lines = log.lines();
@@ -116,16 +123,12 @@ protected:
 };
 
 TEST_F(StartTypeFailureTest, OfAReadingIsLoggedBeforeTheHandlesAreClosed) {
-    const struct {
-        const char* call;
-        std::deque<DWORD> errors;
-        Steps steps;
-    } rows[] = {
+    const Row rows[] = {
         {"OpenService", {5}, {"[ERROR] OpenService failed:5", "manager"}},
         {"QueryServiceConfig", {5}, {"[ERROR] QueryServiceConfig failed:5", "service", "manager"}},
         {"LocalAlloc", {8}, {"[ERROR] QueryServiceConfig failed:122", "service", "manager"}},
     };
-    for (const auto& row : rows) {
+    for (const Row& row : rows) {
         SCOPED_TRACE(row.call);
         ServiceHandle manager(serviceCalls.OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT));
         services.errors[row.call] = row.errors;
@@ -139,17 +142,13 @@ TEST_F(StartTypeFailureTest, OfAReadingIsLoggedBeforeTheHandlesAreClosed) {
 }
 
 TEST_F(StartTypeFailureTest, OfAChangeIsLoggedBeforeTheHandlesAreClosed) {
-    const struct {
-        const char* call;
-        std::deque<DWORD> errors;
-        Steps steps;
-    } rows[] = {
+    const Row rows[] = {
         {"OpenService", {0, 5}, {"[ERROR] OpenService failed:5", "lock", "manager"}},
         {"ChangeServiceConfig",
          {87},
          {"[ERROR] ChangeServiceConfig failed:87", "service", "lock", "manager"}},
     };
-    for (const auto& row : rows) {
+    for (const Row& row : rows) {
         SCOPED_TRACE(row.call);
         services.errors[row.call] = row.errors;
         steps.clear();
