@@ -5,6 +5,7 @@
 #include "elements/ElementFactory.h"
 #include "engine/CContext.h"
 #include "support/AllowedChildren.h"
+#include "support/ChildProcess.h"
 #include "support/Heard.h"
 #include "support/LogFile.h"
 #include "support/ScriptTest.h"
@@ -51,6 +52,26 @@ TEST_F(CCautionMtElementTest, EmptyTitleIsATitle) {
     EXPECT_EQ(run(), 0);
 
     EXPECT_THAT(heardTitles(observer), ElementsAre(L""));
+}
+
+TEST_F(CCautionMtElementTest, TitleOf512CharactersEndsTheProcess) {
+    const std::string fits(511, 't');
+    ASSERT_TRUE(loadFragment("<Caution Title='" + fits + "'/>"));
+    EXPECT_EQ(run(), 0);
+    EXPECT_THAT(heardTitles(observer), ElementsAre(std::wstring(511, L't')));
+    context.unload();
+
+    ASSERT_TRUE(loadFragment("<Caution Title='" + fits + "t'/>"));
+    EXPECT_EXIT(run(), endedByInvalidParameter(), "");
+}
+
+TEST_F(CCautionMtElementTest, IsToldInEveryMode) {
+    ASSERT_TRUE(loadFragment("<Caution Title='a'/>"));
+
+    for (const int32_t mode : {0, 1, 2, 7})
+        EXPECT_EQ(run(mode), 0) << mode;
+
+    EXPECT_EQ(observer.updates.size(), 4u);
 }
 
 TEST_F(CCautionMtElementTest, CannotBeMadeWithoutATitle) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "support/AllowedChildren.h"
+#include "support/ChildProcess.h"
 #include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/FakeLinkShell.h"
@@ -213,6 +214,23 @@ TEST_F(CShortcutMtElementTest, DoesNothingInAnUnknownMode) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
+TEST_F(CShortcutMtElementTest, NameOf512CharactersEndsTheProcess) {
+    const std::string fits(511, 'n');
+    for (const int32_t mode : {RUNMODE_INSTALL, RUNMODE_UNINSTALL}) {
+        SCOPED_TRACE(mode);
+        context.unload();
+        observer.updates.clear();
+        ASSERT_TRUE(loadIn("", shortcut("", fits)));
+        run(mode);
+        EXPECT_THAT(observer.updates,
+                    ElementsAre(Notification{ACTION_SHORTCUT, std::wstring(511, L'n'), L"", 0}));
+
+        context.unload();
+        ASSERT_TRUE(loadIn("", shortcut("", fits + "n")));
+        EXPECT_EXIT(run(mode), endedByInvalidParameter(), "");
+    }
+}
+
 TEST_F(CShortcutMtElementTest, FetchesItsAttributesInAnUnknownModeToo) {
     ASSERT_TRUE(loadComponent(shortcut()));
     CShortcutMtElement element(*context.findElementById(L"Shortcut", L"S"), context);
@@ -371,6 +389,15 @@ TEST_P(ShortcutFailureTest, ComesOfAnEmptyPath) {
     ASSERT_TRUE(loadIn("", shortcut()));
 
     expectFailure(1, "App.lnk", "Fail to get short cut path.");
+
+    EXPECT_THAT(shell.calls, IsEmpty());
+}
+
+TEST_P(ShortcutFailureTest, ComesOfAPathThatIsNothingButASeparator) {
+    FakeLinkShell shell;
+    ASSERT_TRUE(loadIn("\\", shortcut()));
+
+    expectFailure(1, "\\App.lnk", "Fail to get short cut path.");
 
     EXPECT_THAT(shell.calls, IsEmpty());
 }
