@@ -209,6 +209,7 @@ TEST_F(CComponentMtElementTest, EmptyOneSucceedsInSilence) {
     EXPECT_EQ(run(), 0);
 
     EXPECT_THAT(observer.updates, IsEmpty());
+    EXPECT_EQ(errorMessage(), L"") << "that it finds no path is no failure";
 }
 
 TEST_F(CComponentMtElementTest, RefusesGroupsAndComponents) {

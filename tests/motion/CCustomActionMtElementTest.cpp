@@ -148,6 +148,15 @@ TEST_F(CCustomActionMtElementTest, OnLimitsItToItsModes) {
     EXPECT_EQ(call.calls, 1u);
 }
 
+TEST_F(CCustomActionMtElementTest, CallsInEveryMode) {
+    ASSERT_TRUE(loadFragment(action("answer", "Return='check'")));
+
+    for (const int32_t mode : {0, 1, 2, 7})
+        EXPECT_EQ(run(mode), 0) << mode;
+
+    EXPECT_EQ(call.calls, 4u);
+}
+
 // What the function is given.
 
 TEST_F(CCustomActionMtElementTest, GivesTheRecordByteByByte) {

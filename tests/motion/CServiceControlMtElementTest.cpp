@@ -169,6 +169,15 @@ TEST_F(CServiceControlMtElementTest, OnLimitsItToItsModes) {
     EXPECT_EQ(services.countCalls("DeleteService"), 1u);
 }
 
+TEST_F(CServiceControlMtElementTest, ActsInEveryMode) {
+    ASSERT_TRUE(loadFragment(control("remove")));
+
+    for (const int32_t mode : {0, 1, 2, 7})
+        EXPECT_EQ(run(mode), 0) << mode;
+
+    EXPECT_EQ(services.countCalls("DeleteService"), 4u);
+}
+
 // Actions that mean nothing.
 
 TEST_F(CServiceControlMtElementTest, TakesNoNoticeOfAnActionThatItDoesNotKnow) {

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "support/AllowedChildren.h"
 #include "support/ChildProcess.h"
 #include "support/Declarations.h"
@@ -116,6 +118,16 @@ TEST_F(CShellExcuteMtElementTest, OnLimitsItToItsModes) {
 
     EXPECT_EQ(run(RUNMODE_UNINSTALL), 0);
     EXPECT_THAT(shell.steps, Contains(FakeShell::start()));
+}
+
+TEST_F(CShellExcuteMtElementTest, StartsInEveryMode) {
+    const FakeShell shell;
+    ASSERT_TRUE(loadShellExcute("File='f' Return='r'"));
+
+    for (const int32_t mode : {0, 1, 2, 7})
+        EXPECT_EQ(run(mode), 0) << mode;
+
+    EXPECT_EQ(std::count(shell.steps.begin(), shell.steps.end(), FakeShell::start()), 4);
 }
 
 // How the file is started.
