@@ -1,9 +1,13 @@
 #include "system/TextConversion.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <vector>
 
 #include "support/FakeCall.h"
 #include "system/TextCalls.h"
+
+using testing::ElementsAre;
 
 namespace {
 
@@ -33,6 +37,24 @@ TEST(ToWideTextTest, ConvertsFromTheActiveCodePage) {
     const ActiveCodePage chinese(simplifiedChinese);
 
     EXPECT_STREQ(toWideText("a\xD6\xD0\xCE\xC4z").get(), L"a\u4E2D\u6587z");
+}
+
+TEST(ToWideTextTest, AsksForTheSizeAndThenForTheTextWithoutFlags) {
+    std::vector<int> capacities;
+    const FakeToWide convert(
+        [&](UINT page, DWORD flags, const char* text, int length, wchar_t* buffer, int capacity) {
+            EXPECT_EQ(page, UINT{CP_ACP});
+            EXPECT_EQ(flags, 0u);
+            EXPECT_STREQ(text, "abc");
+            EXPECT_EQ(length, -1);
+            EXPECT_EQ(buffer == nullptr, capacity == 0);
+            capacities.push_back(capacity);
+            return convert.real(page, flags, text, length, buffer, capacity);
+        });
+
+    EXPECT_STREQ(toWideText("abc").get(), L"abc");
+
+    EXPECT_THAT(capacities, ElementsAre(0, 4));
 }
 
 TEST(ToWideTextTest, NullGivesNull) {
@@ -71,6 +93,27 @@ TEST(ToNarrowTextTest, ConvertsToTheActiveCodePage) {
     const ActiveCodePage chinese(simplifiedChinese);
 
     EXPECT_STREQ(toNarrowText(L"a\u4E2D\u6587z").get(), "a\xD6\xD0\xCE\xC4z");
+}
+
+TEST(ToNarrowTextTest, AsksForTheSizeAndThenForTheTextWithoutFlags) {
+    std::vector<int> capacities;
+    const FakeToNarrow convert([&](UINT page, DWORD flags, const wchar_t* text, int length,
+                                   char* buffer, int capacity, const char* substitute,
+                                   BOOL* substituted) {
+        EXPECT_EQ(page, UINT{CP_ACP});
+        EXPECT_EQ(flags, 0u);
+        EXPECT_STREQ(text, L"abc");
+        EXPECT_EQ(length, -1);
+        EXPECT_EQ(buffer == nullptr, capacity == 0);
+        EXPECT_EQ(substitute, nullptr);
+        EXPECT_EQ(substituted, nullptr);
+        capacities.push_back(capacity);
+        return convert.real(page, flags, text, length, buffer, capacity, substitute, substituted);
+    });
+
+    EXPECT_STREQ(toNarrowText(L"abc").get(), "abc");
+
+    EXPECT_THAT(capacities, ElementsAre(0, 4));
 }
 
 TEST(ToNarrowTextTest, NullGivesNull) {
