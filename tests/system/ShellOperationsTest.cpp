@@ -98,6 +98,20 @@ TEST_F(GetFolderPathTest, HasAnOperationForEachFurtherFolder) {
     }
 }
 
+TEST(LongestFolderPathTest, FillsTheBufferToItsTerminator) {
+    const std::wstring longest(pathBufferLength - 1, L'p');
+    const FakeCall<shellCalls, &ShellCalls::SHGetSpecialFolderPathW> getPath(
+        [&](HWND, wchar_t* path, int, BOOL) {
+            wcscpy(path, longest.c_str());
+            return TRUE;
+        });
+    std::wstring path;
+
+    EXPECT_TRUE(getSpecialFolder(L"DesktopFolder", path));
+
+    EXPECT_EQ(path, longest);
+}
+
 TEST_F(GetFolderPathTest, LeavesTheBufferSilentlyWhenTheSystemDoesNotHaveTheFolder) {
     hasFolders = FALSE;
     wchar_t path[pathBufferLength] = L"before";
