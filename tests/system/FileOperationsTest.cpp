@@ -227,6 +227,7 @@ TEST(CreateDirectoriesTest, TriesTheParentsFromWithinAndThenTheWayBack) {
         {L"a\\b\\", {no, ok, there}, {L"a\\b\\", L"a\\b", L"a\\b\\"}, true},
         {L"a\\b/c", {no, no, ok, denied}, {L"a\\b/c", L"a\\b", L"a", L"a\\b"}, false},
         {L"a", {no}, {L"a"}, false},
+        {L"a", {ERROR_FILE_EXISTS}, {L"a"}, false},
         {L"\\a", {no}, {L"\\a"}, false},
         {L"/a/b", {no, no}, {L"/a/b", L"/a"}, false},
         {L"\\\\a", {no, no}, {L"\\\\a", L"\\"}, false},
