@@ -120,8 +120,9 @@ bool queryServiceStartType(const wchar_t* name, uint32_t& startType, ServiceHand
     if (serviceCalls.QueryServiceConfigW(service.get(), nullptr, 0, &size))
         return false;
     const DWORD error = GetLastError();
+    ServiceConfig config;
     if (error == ERROR_INSUFFICIENT_BUFFER) {
-        const ServiceConfig config(
+        config.reset(
             static_cast<QUERY_SERVICE_CONFIGW*>(serviceCalls.LocalAlloc(LMEM_ZEROINIT, size)));
         if (config && serviceCalls.QueryServiceConfigW(service.get(), config.get(), size, &size)) {
             startType = config->dwStartType;

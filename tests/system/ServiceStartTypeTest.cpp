@@ -126,6 +126,9 @@ TEST_F(StartTypeFailureTest, OfAReadingIsLoggedBeforeTheHandlesAreClosed) {
     const Row rows[] = {
         {"OpenService", {5}, {"[ERROR] OpenService failed:5", "manager"}},
         {"QueryServiceConfig", {5}, {"[ERROR] QueryServiceConfig failed:5", "service", "manager"}},
+        {"QueryServiceConfig",
+         {122, 5},
+         {"[ERROR] QueryServiceConfig failed:122", "memory", "service", "manager"}},
         {"LocalAlloc", {8}, {"[ERROR] QueryServiceConfig failed:122", "service", "manager"}},
     };
     for (const Row& row : rows) {
