@@ -4,6 +4,7 @@
 # told what to build with, but may use the header for custom actions.
 set -euo pipefail
 include=$1 compiler=$2 gcc_library=$3
+. "$(dirname "${BASH_SOURCE[0]}")/compilers.sh"
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -45,17 +46,12 @@ refused() {
     compile CustomAction.h "$@" || fail "CustomAction.h is refused: $*"
 }
 
-gcc=("$compiler" -std=c++17)
 accepted "${gcc[@]}"
 accepted "${gcc[@]}" -std=c++20 -D_GLIBCXX_DEBUG -D_GLIBCXX_ASSERTIONS
 refused "${gcc[@]}" -D_UCRT
 refused "${gcc[@]}" -D_GLIBCXX_USE_CXX11_ABI=0
-
-clang=(clang++ -std=c++17)
-mingw=(--target=x86_64-w64-mingw32 -stdlib++-isystem "$gcc_library/include/c++"
-    -cxx-isystem "$gcc_library/include/c++/x86_64-w64-mingw32")
-accepted "${clang[@]}" "${mingw[@]}"
-refused "${clang[@]}" "${mingw[@]}" -D_UCRT
+accepted "${clang_for_mingw[@]}"
+refused "${clang_for_mingw[@]}" -D_UCRT
 
 # Another standard library is one whose headers don't name themselves as this one's do.
 mkdir "$scratch/library"
