@@ -118,6 +118,11 @@ TEST_F(VersionResourceTest, NamesTheLibraryAndItsVersion) {
     EXPECT_NE(text("FileDescription"), "");
 }
 
+TEST_F(VersionResourceTest, NamesItsAuthors) {
+    EXPECT_EQ(text("CompanyName"), "The TEMZ authors");
+    EXPECT_EQ(text("LegalCopyright"), "Copyright (c) 2026 The TEMZ authors");
+}
+
 TEST_F(VersionResourceTest, HoldsTheVersionAsANumber) {
     VS_FIXEDFILEINFO* info = nullptr;
     UINT length = 0;
