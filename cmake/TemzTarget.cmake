@@ -20,7 +20,11 @@ target_compile_definitions(temz_options INTERFACE UNICODE _UNICODE NOMINMAX WIN3
 target_compile_options(temz_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
 # The C++ runtime is linked in; the flags of the file header are the linker's default, said anyway.
 target_link_options(temz_options INTERFACE -static -Wl,--dynamicbase -Wl,--high-entropy-va
-  -Wl,--nxcompat -Wl,--no-insert-timestamp)
+  -Wl,--nxcompat)
+# Nothing in a file tells when or where it was built, so that the same sources and tools make the same;
+# in place of the time, crash reports tell builds apart by an id, a hash of what the linker wrote.
+target_link_options(temz_options INTERFACE -Wl,--no-insert-timestamp -Wl,--build-id)
+add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 
 if(TEMZ_CHECKED)
   add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error -fstack-protector-strong)
