@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <type_traits>
+
 #include "engine/CProductElement.h"
 #include "support/ChildProcess.h"
 #include "support/ClassLayout.h"
@@ -143,6 +145,29 @@ TEST_F(CElementTest, BaseDeclaresNothingAndExpandsTexts) {
     EXPECT_EQ(value, L"own");
 }
 
+/// Shows where an element keeps its fields.
+class OpenElement final : public CElement {
+public:
+    using CElement::attributes;
+    using CElement::CElement;
+    using CElement::id;
+    using CElement::name;
+    using CElement::node;
+    using CElement::parent;
+};
+
+TEST_F(CElementTest, FieldsStandInOrderBehindTheTable) {
+    ASSERT_TRUE(loadProduct("<E Id='e'/>"));
+    const OpenElement element(L"E", L"e", context);
+
+    EXPECT_EQ(offsetIn(element, element.name), 8);
+    EXPECT_EQ(offsetIn(element, element.id), 520);
+    EXPECT_EQ(offsetIn(element, element.attributes), 1032);
+    EXPECT_EQ(offsetIn(element, element.parent), 1056);
+    EXPECT_EQ(offsetIn(element, element.node), 1064);
+    EXPECT_FALSE(std::has_virtual_destructor_v<CElement>);
+}
+
 TEST(CElementLayoutTest, OperationsHaveTheirSlots) {
     EXPECT_EQ(slotOf(&CElement::isExpandable), 0u);
     EXPECT_EQ(slotOf(&CElement::isCumulativeAttribute), 1u);
@@ -151,17 +176,27 @@ TEST(CElementLayoutTest, OperationsHaveTheirSlots) {
     EXPECT_EQ(slotOf(&CElement::getDerivedAttributes), 4u);
     EXPECT_EQ(slotOf(&CElement::getDefaultAttribute), 5u);
     EXPECT_EQ(slotOf(&CElement::getAttribute), 6u);
+    EXPECT_EQ(slotOf(&Extended<CElement>::next), 7u);
 }
 
 // fillAttributeRecord
 
 TEST(AttributeRecordTest, HoldsNameAndValue) {
     AttributeRecord record;
+    EXPECT_EQ(offsetIn(record, record.name), 0);
+    EXPECT_EQ(offsetIn(record, record.value), 512);
 
     fillAttributeRecord(record, std::wstring(255, L'n').c_str(), L"value");
 
     EXPECT_EQ(record.name, std::wstring(255, L'n'));
     EXPECT_EQ(record.value, L"value");
+}
+
+TEST(AttributeDeclarationTest, HoldsNameAndDemand) {
+    const AttributeDeclaration declaration = {L"A", required};
+    EXPECT_EQ(offsetIn(declaration, declaration.name), 0);
+    EXPECT_EQ(offsetIn(declaration, declaration.required), 512);
+    EXPECT_EQ(sizeof declaration, 514u);
 }
 
 TEST(AttributeRecordTest, LongerNameEndsTheProcess) {

@@ -305,6 +305,10 @@ TEST(NavigationTest, EveryStepYieldsAHandleOfItsOwn) {
     }
 }
 
+TEST(NavigationTest, HandleIsAPointerToItsNode) {
+    EXPECT_EQ(sizeof(XmlHandle), sizeof(void*));
+}
+
 TEST(NavigationTest, EmptyHandleLeadsNowhere) {
     const XmlHandle empty;
     for (const XmlHandle* handle : {&empty, static_cast<const XmlHandle*>(nullptr)}) {

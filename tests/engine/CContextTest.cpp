@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
+
+#include "engine/CProductElement.h"
 #include "support/ClassLayout.h"
 #include "support/FakeCall.h"
 #include "support/Heard.h"
@@ -33,6 +36,24 @@ TEST_F(CContextTest, HasTheLayoutThatHostsAreBuiltWith) {
     EXPECT_EQ(offsetIn(shared, shared.lastError), 8);
     EXPECT_EQ(offsetIn(shared, shared.runMode), 40);
     EXPECT_EQ(sizeof shared.runMode, 4u);
+}
+
+TEST_F(CContextTest, HoldsDocumentProductAndVariablesInTheOrderOfTheirMaking) {
+    auto& document = memberAt<XmlDocumentPtr>(context, sizeof(IterfaceContext));
+    auto& product = memberAt<CProductElement*>(context, sizeof(IterfaceContext) + 8);
+    auto& variables = memberAt<std::vector<CVariablePtr>>(context, sizeof(IterfaceContext) + 16);
+    EXPECT_EQ(document, nullptr);
+    EXPECT_EQ(product, nullptr);
+    EXPECT_TRUE(variables.empty());
+
+    ASSERT_TRUE(loadProduct("", stringVariable));
+
+    EXPECT_STREQ(getElementName(getRootElement(*document).get()).get(), L"Root");
+    EXPECT_EQ(product, context.getProduct());
+    std::vector<std::wstring> names;
+    for (const CVariablePtr& made : variables)
+        names.push_back(made->getName());
+    EXPECT_THAT(names, ElementsAre(L"OS_BIT", L"OS_MAJOR_VERSION", L"OS_MINOR_VERSION", L"V"));
 }
 
 TEST_F(CContextTest, RunModesHaveTheNumbersThatHostsWrite) {

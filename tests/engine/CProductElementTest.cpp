@@ -5,6 +5,7 @@
 
 #include "engine/CContext.h"
 #include "expression/CStringVariable.h"
+#include "support/ClassLayout.h"
 #include "support/Heard.h"
 #include "support/LogFile.h"
 #include "support/ScriptTest.h"
@@ -24,6 +25,15 @@ protected:
 
     IterfaceProduct& product() { return *context.getProduct(); }
 };
+
+TEST_F(CProductElementTest, IsAnElementFirstAndTheHostsProductBehindIt) {
+    ASSERT_TRUE(loadProduct(""));
+    const auto& element = static_cast<CProductElement&>(product());
+
+    EXPECT_EQ(offsetIn(element, static_cast<const CElement&>(element)), 0);
+    EXPECT_EQ(offsetIn(element, static_cast<const IterfaceProduct&>(element)),
+              ptrdiff_t{sizeof(CElement)});
+}
 
 TEST_F(CProductElementTest, BeginsWithEmptyRecords) {
     ASSERT_TRUE(loadProduct(""));

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "expression/CVariableElement.h"
+#include "support/ClassLayout.h"
 #include "support/ScriptTest.h"
 #include "support/Thrown.h"
 
@@ -62,8 +63,23 @@ protected:
     CExpression expression;
 };
 
-TEST_F(CExpressionTest, HoldsTwoStacksAndTheSymbolInFront) {
-    EXPECT_EQ(sizeof(CExpression), 2 * sizeof(std::stack<void*>) + sizeof(std::wstring));
+TEST_F(CExpressionTest, HoldsOperationsThenOperandsThenTheSymbolInFront) {
+    using OperationStack = std::stack<OperationPtr>;
+    const auto& operations = memberAt<OperationStack>(expression, 0);
+    const auto& operands = memberAt<OperandStack>(expression, sizeof(OperationStack));
+    const auto& symbol = memberAt<std::wstring>(expression, 2 * sizeof(OperationStack));
+    EXPECT_EQ(sizeof(CExpression), 2 * sizeof(OperationStack) + sizeof(std::wstring));
+    EXPECT_TRUE(operations.empty());
+    EXPECT_TRUE(operands.empty());
+    EXPECT_EQ(symbol, L"#");
+
+    EXPECT_THROW(expression.evaluate(L"N E ( 64 absent", context), std::wstring);
+
+    EXPECT_EQ(operations.size(), 3u);
+    EXPECT_EQ(operations.top()->getPriority(), PRIORITY_LEFT_PARENTHESIS);
+    EXPECT_EQ(operands.size(), 2u);
+    EXPECT_EQ(operands.top()->getInt(), 64);
+    EXPECT_EQ(symbol, L"64");
 }
 
 TEST_F(CExpressionTest, OneOperandIsAnExpression) {

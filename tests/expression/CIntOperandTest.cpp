@@ -7,6 +7,7 @@
 #include "expression/CIntVariable.h"
 #include "expression/CStringOperand.h"
 #include "expression/CVariableElement.h"
+#include "support/ClassLayout.h"
 #include "support/ScriptTest.h"
 #include "support/Thrown.h"
 
@@ -63,7 +64,14 @@ TEST_F(CIntOperandTest, HasNoText) {
 }
 
 TEST_F(CIntOperandTest, HoldsAValueAndAVariableBehindItsTable) {
+    CIntOperand constant(-7);
+    CIntOperand view(variable(L"N"));
+
     EXPECT_EQ(sizeof(CIntOperand), 24u);
+    EXPECT_EQ(memberAt<int32_t>(constant, 8), -7);
+    EXPECT_EQ(memberAt<CVariable*>(constant, 16), nullptr);
+    EXPECT_EQ(memberAt<int32_t>(view, 8), 0);
+    EXPECT_EQ(memberAt<CVariable*>(view, 16), variable(L"N"));
 }
 
 TEST_F(CIntOperandTest, ComparesSignedNumbers) {

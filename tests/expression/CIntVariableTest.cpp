@@ -7,6 +7,7 @@
 
 #include "expression/CVariableElement.h"
 #include "support/ChildProcess.h"
+#include "support/ClassLayout.h"
 #include "support/ScriptTest.h"
 #include "support/Thrown.h"
 
@@ -31,6 +32,18 @@ TEST_F(CIntVariableTest, BuiltInOneHoldsNameAndValueItself) {
     EXPECT_EQ(variable.type, 2);
     EXPECT_TRUE(variable.isConst);
     EXPECT_EQ(variable.element, nullptr);
+}
+
+TEST_F(CIntVariableTest, AddsItsValueThenItsNameToTheFieldsOfEveryVariable) {
+    CIntVariable builtIn(L"NAME", -7);
+    CIntVariable& scripted = load("12");
+
+    EXPECT_EQ(sizeof(CIntVariable), sizeof(CVariable) + 4 + 64 * sizeof(wchar_t) + 4);
+    EXPECT_EQ(memberAt<int32_t>(builtIn, sizeof(CVariable)), -7);
+    EXPECT_STREQ(&memberAt<wchar_t>(builtIn, sizeof(CVariable) + 4), L"NAME");
+    EXPECT_EQ(memberAt<int32_t>(scripted, sizeof(CVariable)), 0);
+    EXPECT_STREQ(&memberAt<wchar_t>(scripted, sizeof(CVariable) + 4), L"");
+    EXPECT_EQ(slotOf(&CIntVariable::setInt), notVirtual);
 }
 
 TEST_F(CIntVariableTest, BuiltInOneTakesANameOf63Characters) {

@@ -5,6 +5,7 @@
 #include "expression/CIntOperand.h"
 #include "expression/CStringVariable.h"
 #include "expression/CVariableElement.h"
+#include "support/ClassLayout.h"
 #include "support/ScriptTest.h"
 #include "support/Thrown.h"
 
@@ -42,7 +43,10 @@ TEST_F(CStringOperandTest, HasNoInteger) {
 }
 
 TEST_F(CStringOperandTest, HoldsAVariableBehindItsTable) {
+    CStringOperand operand(variable(L"S"));
+
     EXPECT_EQ(sizeof(CStringOperand), 16u);
+    EXPECT_EQ(memberAt<CVariable*>(operand, 8), variable(L"S"));
 }
 
 TEST_F(CStringOperandTest, IsTrueUnlessItsTextIsEmpty) {

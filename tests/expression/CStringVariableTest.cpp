@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "expression/CVariableElement.h"
+#include "support/ClassLayout.h"
 #include "support/Heard.h"
 #include "support/ScriptTest.h"
 #include "support/Thrown.h"
@@ -33,6 +34,11 @@ TEST_F(CStringVariableTest, IsWhatItsMakerSays) {
     EXPECT_FALSE(writable.isConst);
     EXPECT_TRUE(constant.isConst);
     EXPECT_EQ(constant.element, nullptr);
+}
+
+TEST_F(CStringVariableTest, AddsNothingToTheFieldsOfEveryVariable) {
+    EXPECT_EQ(sizeof(CStringVariable), sizeof(CVariable));
+    EXPECT_EQ(slotOf(&CStringVariable::setString), notVirtual);
 }
 
 TEST_F(CStringVariableTest, HasNoInteger) {

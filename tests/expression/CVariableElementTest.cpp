@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/ClassLayout.h"
 #include "support/ScriptTest.h"
 #include "support/Thrown.h"
 
@@ -27,6 +28,13 @@ protected:
     std::unique_ptr<CVariableElement> element;
     std::wstring message;
 };
+
+TEST_F(CVariableElementTest, AddsNeitherFieldsNorVirtualOperationsToAnElement) {
+    EXPECT_EQ(sizeof(CVariableElement), sizeof(CElement));
+    EXPECT_EQ(slotOf(&CVariableElement::getVariableType), notVirtual);
+    EXPECT_EQ(slotOf(&CVariableElement::getValueText), notVirtual);
+    EXPECT_EQ(slotOf(&CVariableElement::setValueText), notVirtual);
+}
 
 TEST_F(CVariableElementTest, IsNamedByItsId) {
     EXPECT_TRUE(make(L"<VariableConst Id='V' Value='a' Type='string'/>"));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <thread>
 
 #include "support/ClassLayout.h"
@@ -38,6 +39,18 @@ TEST(CLogFileSynTest, OneThreadMayTakeItAgain) {
     CLogFileSyn lock;
 
     EXPECT_EQ(countInTwoThreads(lock, 1000, 3), 2000);
+}
+
+TEST(CLogFileSynTest, HoldsOneSectionBehindItsTableAndGivesItBack) {
+    alignas(CLogFileSyn) unsigned char memory[sizeof(CLogFileSyn)] = {};
+    const auto& section = memberAt<CRITICAL_SECTION>(memory, 8);
+    EXPECT_EQ(sizeof(CLogFileSyn), 8 + sizeof(CRITICAL_SECTION));
+
+    auto* const lock = new (memory) CLogFileSyn;
+    EXPECT_NE(section.DebugInfo, nullptr);
+
+    lock->~CLogFileSyn();
+    EXPECT_EQ(section.DebugInfo, nullptr);
 }
 
 TEST(CLogSynTest, LetsEveryThreadIn) {

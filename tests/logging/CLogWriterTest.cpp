@@ -4,6 +4,7 @@
 
 #include "logging/CLogLine.h"
 #include "logging/Log.h"
+#include "support/ClassLayout.h"
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
 #include "support/ScriptTest.h"
@@ -35,6 +36,35 @@ private:
 
 constexpr SYSTEMTIME november{2026, 11, 6, 14, 7, 5, 9, 123};
 constexpr SYSTEMTIME february{2026, 2, 2, 3, 12, 30, 45, 999};
+
+TEST(CLogWriterTest, HoldsPathLargestSizeLockAndThreshold) {
+    CLogWriter writer;
+
+    EXPECT_EQ(memberAt<std::string>(writer, 0), "C:\\InstallLog\\temz.log");
+    EXPECT_EQ(memberAt<int32_t>(writer, 32), 3145728);
+    EXPECT_EQ(memberAt<int32_t>(writer, 40 + sizeof(CLogFileSyn)), 2);
+    EXPECT_EQ(sizeof(CLogWriter), 40 + sizeof(CLogFileSyn) + 8);
+}
+
+TEST(CLogWriterTest, OpenedLineHoldsCopiesOfItsFieldsTheLockAndTheLevel) {
+    constexpr size_t path = sizeof(std::ostringstream);
+    constexpr size_t lock = path + sizeof(std::string) + 8 + sizeof(std::ofstream);
+    CLogLine line;
+    EXPECT_EQ(memberAt<std::string>(line, path), "");
+    EXPECT_EQ(memberAt<CLogSyn*>(line, lock), nullptr);
+    EXPECT_EQ(memberAt<int32_t>(line, lock + 8), 1);
+    EXPECT_EQ(memberAt<int32_t>(line, lock + 12), 0);
+
+    CLogWriter writer;
+    writer.open(DEBUG, line);
+
+    EXPECT_EQ(memberAt<std::string>(line, path), "C:\\InstallLog\\temz.log");
+    EXPECT_EQ(memberAt<int32_t>(line, path + sizeof(std::string)), 3145728);
+    EXPECT_FALSE(memberAt<std::ofstream>(line, path + sizeof(std::string) + 8).is_open());
+    EXPECT_EQ(memberAt<CLogSyn*>(line, lock), &memberAt<CLogFileSyn>(writer, 40));
+    EXPECT_EQ(memberAt<int32_t>(line, lock + 8), 2);
+    EXPECT_EQ(memberAt<int32_t>(line, lock + 12), 1);
+}
 
 TEST(CLogWriterTest, LineBeginsWithLevelAndUnpaddedTime) {
     const LogFile log;

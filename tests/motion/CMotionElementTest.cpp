@@ -116,6 +116,16 @@ TEST_F(CMotionElementTest, OperationsFollowThoseOfEveryElement) {
     EXPECT_EQ(slotOf(&CMotionElement::prepare), 7u);
     EXPECT_EQ(slotOf(&CMotionElement::isChildAllowed), 8u);
     EXPECT_EQ(slotOf(&CMotionElement::execute), 9u);
+    EXPECT_EQ(slotOf(&Extended<CMotionElement>::next), 10u);
+}
+
+TEST_F(CMotionElementTest, AddsItsProgressRangeToTheFieldsOfEveryElement) {
+    ASSERT_TRUE(loadProduct("<Plain Id='P'/>"));
+    const PlainElement plain(L"Plain", L"P", context);
+
+    EXPECT_EQ(offsetIn(plain, plain.progressFrom), ptrdiff_t{sizeof(CElement)});
+    EXPECT_EQ(offsetIn(plain, plain.progressTo), ptrdiff_t{sizeof(CElement) + 4});
+    EXPECT_EQ(sizeof(CMotionElement), sizeof(CElement) + 8);
 }
 
 TEST_F(CMotionElementTest, ByItselfDescendsRefusesChildrenAndDoesNothing) {

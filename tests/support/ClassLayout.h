@@ -27,3 +27,9 @@ template <class Object, class Member>
 ptrdiff_t offsetIn(const Object& object, const Member& member) {
     return reinterpret_cast<const char*>(&member) - reinterpret_cast<const char*>(&object);
 }
+
+/// The member, also a private one, that begins at a byte of an object.
+template <class Member, class Object>
+Member& memberAt(Object& object, size_t place) {
+    return *reinterpret_cast<Member*>(reinterpret_cast<char*>(&object) + place);
+}
