@@ -68,12 +68,38 @@ TEST_F(CContextTest, GivesTheRunModeThatTheHostWrote) {
     EXPECT_EQ(context.getRunMode(), 77);
 }
 
-TEST_F(CContextTest, LoadingLeavesTheRunModeAlone) {
-    context.runMode = 77;
+TEST_F(CContextTest, BeginsWithTheRunModeThatItsMemoryHeld) {
+    alignas(CContext) unsigned char memory[sizeof(CContext)];
+    std::memset(memory, 0xA5, sizeof memory);
+    auto* const made = new (memory) CContext;
 
-    ASSERT_TRUE(loadProduct(""));
+    EXPECT_EQ(static_cast<uint32_t>(made->runMode), 0xA5A5A5A5);
+    made->~CContext();
+}
 
-    EXPECT_EQ(context.runMode, 77);
+TEST_F(CContextTest, NothingThatIsDoneWithAScriptChangesTheRunMode) {
+    constexpr char sequence[] =
+        "<Directory Id='D' Path='C:\\d'/><InstallExecuteSequence><Fragment>"
+        "<Caution Title='[D]'/></Fragment></InstallExecuteSequence>";
+    std::wstring text;
+    for (const int32_t mode : {77, -1, int32_t{RUNMODE_UNINSTALL}}) {
+        context.runMode = mode;
+        EXPECT_FALSE(load("<Root/>"));
+        EXPECT_EQ(context.runMode, mode) << "after a failed load";
+        EXPECT_TRUE(loadProduct(sequence, stringVariable));
+        EXPECT_EQ(context.runMode, mode) << "after a load";
+        EXPECT_TRUE(context.getVariable(text, L"V"));
+        EXPECT_TRUE(context.getProduct()->getDirectory(text, L"D", &context));
+        EXPECT_EQ(context.runMode, mode) << "after questions";
+        EXPECT_EQ(context.getProduct()->run(&context), 0);
+        EXPECT_EQ(context.runMode, mode) << "after a run";
+        EXPECT_TRUE(context.unload());
+        EXPECT_EQ(context.runMode, mode) << "after unload";
+        EXPECT_TRUE(loadProduct(""));
+        EXPECT_EQ(context.getProduct()->run(&context), -1);
+        EXPECT_EQ(context.runMode, mode) << "after a failed run";
+        context.unload();
+    }
 }
 
 TEST_F(CContextTest, LastErrorIsHandedOutAsACopy) {

@@ -149,6 +149,18 @@ TEST_F(CProductElementTest, RunWithoutASequenceClearsTheRecordsTheSame) {
     EXPECT_EQ(product().errorInfo.systemError, 0u);
 }
 
+TEST_F(CProductElementTest, RunLeavesTheHostsMembersAlone) {
+    ASSERT_TRUE(loadSequence("<Fragment><Caution Title='a'/></Fragment><Caution/>"));
+    context.runMode = RUNMODE_INSTALL;
+    product().observer = &observer;
+    product().observerData = &folder;
+
+    EXPECT_EQ(product().run(&context), -1);
+
+    EXPECT_EQ(product().observer, &observer);
+    EXPECT_EQ(product().observerData, &folder);
+}
+
 TEST_F(CProductElementTest, RebootRequirementOutlivesTheRun) {
     class RebootingObserver final : public IterfaceObserver {
         void update(IterfaceProduct* product) override { product->rebootRequired = true; }
