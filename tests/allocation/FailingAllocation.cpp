@@ -1,7 +1,10 @@
 #include "FailingAllocation.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -10,6 +13,7 @@ size_t toFail = 0;
 bool failed = false;
 size_t live = 0;
 AllocationCount made = {};
+ReleaseWatch* watch = nullptr;
 
 bool mustFail() {
     if (toFail == 0)
@@ -46,10 +50,37 @@ AllocationCount allocationsSoFar() {
     return made;
 }
 
+ReleaseWatch::ReleaseWatch(std::vector<Block> blocks) : blocks(std::move(blocks)) {
+    watch = this;
+}
+
+ReleaseWatch::~ReleaseWatch() {
+    watch = nullptr;
+}
+
+std::vector<std::string> ReleaseWatch::released() const {
+    std::vector<std::string> names;
+    for (size_t i = 0; i < count; ++i)
+        names.push_back(blocks[i].name);
+    return names;
+}
+
+// A block counts once: its memory may be given out again.
+void ReleaseWatch::note(const void* memory) {
+    const auto waiting = blocks.begin() + static_cast<ptrdiff_t>(count);
+    const auto found = std::find_if(
+        waiting, blocks.end(), [memory](const Block& block) { return block.memory == memory; });
+    if (found == blocks.end())
+        return;
+    std::swap(*waiting, *found);
+    ++count;
+}
+
 void* operator new(size_t size) {
     void* memory = mustFail() ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (memory == nullptr)
         throw std::bad_alloc();
+    std::memset(memory, freshByte, size);
     ++live;
     ++made.allocations;
     made.bytes += size;
@@ -61,7 +92,11 @@ void* operator new[](size_t size) {
 }
 
 void operator delete(void* memory) noexcept {
-    live -= memory ? 1 : 0;
+    if (memory == nullptr)
+        return;
+    --live;
+    if (watch)
+        watch->note(memory);
     std::free(memory);
 }
 

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 /// For the life of the object, the `failing` allocations after the next `succeeding` ones fail.
 class FailingAllocation {
@@ -25,3 +27,30 @@ struct AllocationCount {
 
 /// All that has been allocated since the program's start, released or not.
 AllocationCount allocationsSoFar();
+
+/// What every byte of a block holds when it is given out.
+inline constexpr unsigned char freshByte = 0xA5;
+
+/// Sees, for the life of the object, in which order some blocks are released.
+class ReleaseWatch {
+public:
+    struct Block {
+        const void* memory;
+        std::string name;
+    };
+
+    explicit ReleaseWatch(std::vector<Block> blocks);
+    ReleaseWatch(const ReleaseWatch&) = delete;
+    ReleaseWatch& operator=(const ReleaseWatch&) = delete;
+    ~ReleaseWatch();
+
+    /// The names of the blocks that have been released so far, in that order.
+    std::vector<std::string> released() const;
+
+    /// For the release of every block.
+    void note(const void* memory);
+
+private:
+    std::vector<Block> blocks;  // those that have been released first
+    size_t count = 0;           // of those
+};
