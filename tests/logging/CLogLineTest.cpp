@@ -5,12 +5,16 @@
 #include <atomic>
 #include <iostream>
 #include <limits>
+#include <optional>
+#include <sstream>
 #include <thread>
 
 #include "logging/Log.h"
+#include "support/ClassLayout.h"
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
 #include "support/TestFolder.h"
+#include "system/ClockCalls.h"
 #include "system/TextCalls.h"
 
 using testing::ElementsAre;
@@ -28,6 +32,26 @@ std::string written(const Pieces&... pieces) {
     const std::vector<std::string> lines = log.lines();
     return lines.empty() ? "<nothing>" : lines.front().substr(strlen("[INFO] "));
 }
+
+/// Takes the standard output for the life of the object.
+class StandardOutput final : public std::stringbuf {
+public:
+    StandardOutput() : screen(std::cout.rdbuf(this)) {}
+    StandardOutput(const StandardOutput&) = delete;
+    StandardOutput& operator=(const StandardOutput&) = delete;
+    ~StandardOutput() override { std::cout.rdbuf(screen); }
+
+    /// All that has been flushed.
+    std::string flushed;
+
+private:
+    int sync() override {
+        flushed = str();
+        return 0;
+    }
+
+    std::streambuf* const screen;
+};
 
 TEST(CLogLineTest, AppendsEachKindOfPiece) {
     EXPECT_EQ(written("narrow"), "narrow");
@@ -81,10 +105,8 @@ TEST(CLogLineTest, InsertionGivesTheVeryLine) {
 
 TEST(CLogLineTest, LeavesNoTraceWithoutALog) {
     const LogFile log;
-    std::ostringstream output;
-    std::streambuf* const screen = std::cout.rdbuf(output.rdbuf());
+    const StandardOutput output;
     { CLogLine() << "text"; }
-    std::cout.rdbuf(screen);
 
     EXPECT_FALSE(exists(logPath));
     EXPECT_EQ(output.str(), "");
@@ -163,6 +185,88 @@ TEST(CLogLineTest, IsLostWhileTheFileIsHeldExclusively) {
     writeLog(ERROR, "kept");
 
     EXPECT_THAT(log.lines(), ElementsAre("[ERROR] kept"));
+}
+
+TEST(CLogLineTest, GoesToTheStandardOutputWhereThereIsNoPath) {
+    const LogFile log;
+    StandardOutput output;
+    const FakeCall<clockCalls, &ClockCalls::SystemTimeToTzSpecificLocalTime> noTime(
+        [](auto...) { return FALSE; });
+    CLogWriter writer;
+    memberAt<std::string>(writer, 0) = "";
+
+    for (const int32_t level : {WARNNING, DEBUG, ERROR}) {
+        CLogLine line;
+        writer.open(level, line) << " text " << level;
+    }
+
+    EXPECT_EQ(output.flushed, "[WARNNING] text 3\n[ERROR] text 4\n");
+    EXPECT_FALSE(exists(logPath));
+}
+
+/// A second thread that holds the lock of the log until somebody waits for it, or nobody will.
+class LockHolder {
+public:
+    LockHolder() {
+        while (!holding)
+            std::this_thread::yield();
+    }
+
+    /// Whether `step` waits for the lock.
+    template <class Step>
+    bool isWaitedForIn(Step step) {
+        step();
+        done = true;
+        thread.join();
+        return waitedFor;
+    }
+
+private:
+    void hold() {
+        lock.lock();
+        const LONG alone = waiting();
+        holding = true;
+        while (waiting() == alone && !done)
+            std::this_thread::yield();
+        waitedFor = waiting() != alone;
+        lock.unlock();
+    }
+
+    LONG waiting() const {
+        return static_cast<const volatile CRITICAL_SECTION&>(section).LockCount;
+    }
+
+    CLogFileSyn& lock = memberAt<CLogFileSyn>(logWriter, 40);
+    const CRITICAL_SECTION& section = memberAt<CRITICAL_SECTION>(lock, 8);
+    std::atomic<bool> holding = false;
+    std::atomic<bool> done = false;
+    bool waitedFor = false;
+    std::thread thread{[this] { hold(); }};
+};
+
+TEST(CLogLineTest, IsComposedWhileAnotherThreadWrites) {
+    const LogFile log;
+    CLogLine line;
+
+    EXPECT_FALSE(LockHolder().isWaitedForIn(
+        [&] { logWriter.open(INFO, line) << "text" << L"wide" << L'w' << true << 1; }));
+}
+
+TEST(CLogLineTest, WaitsForItsTurnToBeWritten) {
+    const LogFile log;
+    std::optional<CLogLine> line(std::in_place);
+    logWriter.open(INFO, *line) << "text";
+
+    EXPECT_TRUE(LockHolder().isWaitedForIn([&] { line.reset(); }));
+
+    EXPECT_THAT(log.lines(), ElementsAre("[INFO] text"));
+}
+
+TEST(CLogLineTest, WaitsForNothingWhenItIsDropped) {
+    std::optional<CLogLine> line(std::in_place);
+    logWriter.open(DEBUG, *line) << "text";
+
+    EXPECT_FALSE(LockHolder().isWaitedForIn([&] { line.reset(); }));
 }
 
 // Each of the lines could be the one that empties the file; only the first may.
