@@ -467,14 +467,16 @@ TEST_F(CElementTest, AttributeIsFoundByItsExactName) {
     EXPECT_EQ(record.value, L"first");
 }
 
-TEST_F(CElementTest, UpdateOverwritesTheAttributeOfThatName) {
+TEST_F(CElementTest, UpdateOverwritesTheAttributeOfThatNameInItsPlace) {
     ProbeElement element = probe("<E Id='e'/>");
     element.hold(L"A", L"1");
     element.hold(L"B", L"2");
+    element.hold(L"C", L"3");
 
     EXPECT_TRUE(element.updateAttribute({L"B", L"new"}));
 
-    EXPECT_THAT(element.resolved(), ElementsAre(Pair(L"A", L"1"), Pair(L"B", L"new")));
+    EXPECT_THAT(element.resolved(),
+                ElementsAre(Pair(L"A", L"1"), Pair(L"B", L"new"), Pair(L"C", L"3")));
 }
 
 TEST_F(CElementTest, UpdateAddsNoAttribute) {
@@ -543,6 +545,18 @@ TEST_F(AttributesTextTest, AbsentRequiredAttributeEndsTheFetch) {
 
     EXPECT_THAT((std::vector{a, b, c}), ElementsAre(L"", L"", L""));
     expectOnlyMessage(L"(E,e) can't get A attribute.");
+}
+
+TEST_F(AttributesTextTest, TextsInFrontOfTheMissingOneHaveTheirAttributes) {
+    ProbeElement element(L"E", L"e", context);
+    element.hold(L"A", L"1");
+    element.hold(L"B", L"2");
+    std::wstring a, b = L"default", c = L"default";
+
+    EXPECT_FALSE(element.getAttributesText({&a, &b, &c}, fetched, context));
+
+    EXPECT_THAT((std::vector{a, b, c}), ElementsAre(L"1", L"2", L"default"));
+    expectOnlyMessage(L"(E,e) can't get C attribute.");
 }
 
 TEST_F(AttributesTextTest, AnotherNumberOfTextsThanDeclarationsFails) {

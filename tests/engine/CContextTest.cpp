@@ -192,6 +192,13 @@ TEST_F(CContextTest, ScriptNeedsAProductRightUnderItsRoot) {
     }
 }
 
+TEST_F(CContextTest, FaultOfAVariableIsToldBeforeThatOfTheProduct) {
+    EXPECT_FALSE(load("<Root><Variable Id='V' Type='string'/></Root>"));
+
+    EXPECT_EQ(context.getLastError(),
+              L"Create Element error:(Variable,V) cant get the require explicit Valueattribute.");
+}
+
 TEST_F(CContextTest, FailedLoadTakesItsVariablesWithIt) {
     EXPECT_FALSE(load("<Root><Variable Id='V' Type='string' Value='v'/></Root>"));
 

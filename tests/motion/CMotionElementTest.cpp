@@ -575,6 +575,7 @@ TEST_F(CMotionElementTest, AnswersDecideOverAFailedAction) {
         {"so do answers on either side", {5, 0}, {3}, 5, 1},
         {"of the known ones", {-1, 0}, {-1}, -1, 1},
         {"unknown answer after a retry retries", {5, 6, 0}, {ANSWER_RETRY, unknown}, 0, 3},
+        {"after two retries too", {5, 6, 7, 0}, {ANSWER_RETRY, ANSWER_RETRY, unknown}, 0, 4},
         {"again and again", {5, 6, 7, 8}, {ANSWER_RETRY, unknown, -1, ANSWER_ABORT}, 8, 4},
     };
     for (const Row& row : rows) {
