@@ -8,6 +8,7 @@
 #include "support/ChildProcess.h"
 #include "support/HostTest.h"
 #include "support/LogFile.h"
+#include "support/Requirements.h"
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -139,6 +140,7 @@ TEST_F(CustomActionTest, MustBeThere) {
 }
 
 TEST_F(CustomActionTest, IsSoughtByItsNameInTheActiveCodePage) {
+    REQUIRES_CODE_PAGE(1252, 936);
     const std::wstring entry = GetACP() == 936 ? L"\u7A0B" : L"\u00E9";
     const LogFile log;
     ASSERT_TRUE(loadAction("DllEntry='" + narrow(entry) + "' Return='check'"));

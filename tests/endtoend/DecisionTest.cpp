@@ -4,6 +4,7 @@
 
 #include "support/HostTest.h"
 #include "support/LogFile.h"
+#include "support/Requirements.h"
 #include "support/VersionedFile.h"
 
 using testing::ElementsAre;
@@ -239,6 +240,7 @@ TEST_F(DecisionTest, BuiltInVariableCannotBeAssigned) {
 }
 
 TEST_F(DecisionTest, ServesNamesAndTextsOfTheCodePage) {
+    REQUIRES_CODE_PAGE(1252, 936);
     const std::wstring name = L"\u00E9.dll";
     folder.makeDirectory(L"app");
     placeVersionedFile(app(name), L"1.2.0.0");

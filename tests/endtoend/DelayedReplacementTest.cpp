@@ -5,6 +5,7 @@
 
 #include "support/HostTest.h"
 #include "support/LockedFile.h"
+#include "support/Requirements.h"
 #include "support/Restart.h"
 
 using testing::ElementsAre;
@@ -17,6 +18,8 @@ namespace {
 class DelayedReplacementTest : public HostTest {
 protected:
     DelayedReplacementTest() { writeOld(); }
+
+    void SetUp() override { REQUIRES_WINE("restarts the machine"); }
 
     void writeOld() { folder.write(L"app\\a.txt", "old"); }
 

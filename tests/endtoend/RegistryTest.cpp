@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include "support/HostTest.h"
+#include "support/Requirements.h"
 #include "support/TestKey.h"
 
 using testing::ElementsAre;
@@ -32,6 +33,7 @@ protected:
 };
 
 TEST_F(RegistryTest, GetsKeysAndValuesByteByByte) {
+    REQUIRES_CODE_PAGE(1252, 936);
     const std::wstring accented = L"caf\u00e9";
     ASSERT_TRUE(load(componentScript(
         registryKey("create", L"app\\settings",

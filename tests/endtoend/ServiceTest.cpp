@@ -5,6 +5,7 @@
 
 #include "support/HostTest.h"
 #include "support/LogFile.h"
+#include "support/Requirements.h"
 #include "support/TestService.h"
 
 using testing::ElementsAre;
@@ -15,6 +16,8 @@ namespace {
 /// A product that has a service. The engine's waits take their time here.
 class ServiceTest : public HostTest {
 protected:
+    void SetUp() override { REQUIRES_WINE("installs services in the machine"); }
+
     using Notification = RecordingObserver::Notification;
 
     /// Loads a script that does this to a service, one action behind the other.

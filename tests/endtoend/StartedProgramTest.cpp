@@ -6,6 +6,7 @@
 #include "support/ChildProcess.h"
 #include "support/HostTest.h"
 #include "support/ReportedWindows.h"
+#include "support/Requirements.h"
 
 using testing::IsEmpty;
 
@@ -23,6 +24,7 @@ protected:
 constexpr char commandShell[] = "C:\\windows\\system32\\cmd.exe";
 
 TEST_F(StartedProgramTest, IsWaitedForAndMayFail) {
+    REQUIRES_WINE("asks for elevation");
     const std::wstring trace = folder.path(L"trace");
     ASSERT_TRUE(loadShellExcute("File='" + std::string(commandShell) +
                                 "' Return='sync' Title='A title' ExeCommand='/c \"echo done>" +
@@ -81,6 +83,10 @@ DWORD majorVersion() {
 /// The verb with which a script starts a document under a version of Windows.
 class VerbTest : public StartedProgramTest {
 protected:
+    void SetUp() override {
+        REQUIRES_WINE("reports other versions of Windows, adds a kind of file");
+    }
+
     void expectVerb(const std::wstring& windows, DWORD major, const std::string& verb) {
         const VerbDocument documents;
         const ReportedWindows version(programName(), windows);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "PseudoConsole.h"
+#include "support/Requirements.h"
 
 namespace fs = std::filesystem;
 
@@ -48,6 +49,7 @@ ProgramRun SetupTest::temzWithoutWindow(const std::wstring& arguments,
 
 ProgramRun SetupTest::runTerminal(const std::wstring& commandLine, const std::wstring& typed,
                                   const Start& start) const {
+    EXPECT_TRUE(runsUnderWine());
     const std::wstring screen = folder.write(L"screen.txt", "");
     const std::wstring terminal = testProgramDirectory() + L"\\temz_terminal.exe";
     const HandlePtr process =

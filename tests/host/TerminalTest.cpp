@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "SetupTest.h"
+#include "support/Requirements.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -11,7 +12,10 @@ using testing::Pair;
 
 namespace {
 
-class TerminalTest : public SetupTest {};
+class TerminalTest : public SetupTest {
+protected:
+    void SetUp() override { REQUIRES_WINE("a console may be smaller than its window"); }
+};
 
 const std::string question = "Retry, abort or ignore? [r/a/i] ";
 

@@ -11,6 +11,7 @@
 #include "support/FakeShell.h"
 #include "support/Heard.h"
 #include "support/LogFile.h"
+#include "support/Requirements.h"
 #include "support/ScriptTest.h"
 #include "support/StartedProcess.h"
 #include "support/Text.h"
@@ -232,6 +233,7 @@ TEST_F(CShellExcuteMtElementTest, TextsOf512CharactersEndTheProcess) {
 // Real programs.
 
 TEST_F(CShellExcuteMtElementTest, WaitsForTheEndOfASynchronousProgram) {
+    REQUIRES_WINE("asks for elevation");
     const StartedProcess process;
     const std::wstring trace = folder.path(L"trace");
     ASSERT_TRUE(
@@ -246,6 +248,7 @@ TEST_F(CShellExcuteMtElementTest, WaitsForTheEndOfASynchronousProgram) {
 }
 
 TEST_F(CShellExcuteMtElementTest, ReturnsWhileAProgramRunsThatIsNotSynchronous) {
+    REQUIRES_WINE("asks for elevation");
     const StartedProcess process;
     ASSERT_TRUE(loadShellExcute("File='" + narrow(testProgramDirectory()) +
                                 "\\temz_sleeper.exe' Return='async'"));
@@ -256,6 +259,7 @@ TEST_F(CShellExcuteMtElementTest, ReturnsWhileAProgramRunsThatIsNotSynchronous) 
 }
 
 TEST_F(CShellExcuteMtElementTest, ExitCodePlaysNoPart) {
+    REQUIRES_WINE("asks for elevation");
     const StartedProcess process;
     ASSERT_TRUE(loadShellExcute(
         "File='C:\\windows\\system32\\cmd.exe' Return='sync' ExeCommand='/c exit 7'"));

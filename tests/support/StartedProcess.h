@@ -1,13 +1,14 @@
 #pragma once
 
 #include "support/FakeCall.h"
+#include "support/Requirements.h"
 #include "system/ShellCalls.h"
 
 /// Holds on to the process that the system's shell really starts while the object lives, and ends
-/// it then if it still runs.
+/// it then if it still runs. Only in Wine, since Windows asks its user before such a start.
 class StartedProcess {
 public:
-    StartedProcess() = default;
+    StartedProcess() { EXPECT_TRUE(runsUnderWine()); }
     StartedProcess(const StartedProcess&) = delete;
     StartedProcess& operator=(const StartedProcess&) = delete;
     ~StartedProcess() {

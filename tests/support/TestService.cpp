@@ -5,6 +5,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "support/Requirements.h"
 #include "support/TestFolder.h"
 
 namespace {
@@ -28,6 +29,7 @@ Handle openService(const wchar_t* name) {
 }  // namespace
 
 TestService::TestService(const Conduct& conduct) {
+    EXPECT_TRUE(runsUnderWine());
     const Handle manager = openManager();
     // Another test program may have left one behind: the name is whosever installs it.
     static int made = 0;

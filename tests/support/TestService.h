@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <string>
 
-/// A service that is installed for the life of the object, whatever becomes of it meanwhile.
+/// A service that is installed for the life of the object, whatever becomes of it meanwhile. Only
+/// in Wine, since it stands among the services of the machine.
 class TestService {
 public:
     static constexpr uint32_t forEver = INFINITE;

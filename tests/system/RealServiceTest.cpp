@@ -4,6 +4,7 @@
 
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
+#include "support/Requirements.h"
 #include "support/TestService.h"
 #include "system/ClockCalls.h"
 #include "system/ServiceOperations.h"
@@ -19,6 +20,8 @@ constexpr wchar_t absentService[] = L"temz-test-absent";
 class RealServiceTest : public testing::Test {
 protected:
     ~RealServiceTest() override { EXPECT_THAT(log.lines(), IsEmpty()); }
+
+    void SetUp() override { REQUIRES_WINE("installs services in the machine"); }
 
     /// A time in which the service comes to a state.
     void sleepUntil(const TestService& service, uint32_t state) {
@@ -176,6 +179,7 @@ TEST_F(RealServiceTest, HasAllItsHandlesClosedUnlessItIsStoppedAlready) {
 
 /// Nothing here is faked: the service takes a while, and so does the test.
 TEST(RealServiceWaitTest, GoesOnWhileTheServiceStarts) {
+    REQUIRES_WINE("installs a service in the machine");
     const TestService service({.startTakes = 1200});
 
     EXPECT_TRUE(startServiceAndWait(service.name(), 15'000));

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "support/FakeShell.h"
+#include "support/Requirements.h"
 #include "support/StartedProcess.h"
 #include "support/TestFolder.h"
 #include "system/SystemCalls.h"
@@ -132,6 +133,7 @@ TEST(ShellCommandTest, StartWithoutAProcessIsNoFailure) {
 }
 
 TEST(ShellCommandTest, DoesNotReadTheExitCode) {
+    REQUIRES_WINE("asks for elevation");
     for (const DWORD code : {0u, 7u}) {
         const StartedProcess process;
         const std::wstring parameters = L"/c exit " + std::to_wstring(code);
@@ -143,6 +145,7 @@ TEST(ShellCommandTest, DoesNotReadTheExitCode) {
 }
 
 TEST(ShellCommandTest, ReturnsWhileAProgramRunsThatItDoesNotWaitFor) {
+    REQUIRES_WINE("asks for elevation");
     const StartedProcess process;
     const std::wstring sleeper = testProgramDirectory() + L"\\temz_sleeper.exe";
 
@@ -151,11 +154,17 @@ TEST(ShellCommandTest, ReturnsWhileAProgramRunsThatItDoesNotWaitFor) {
     EXPECT_TRUE(process.isRunning());
 }
 
-TEST(ShellCommandTest, FailsOverWhatCannotBeStarted) {
+TEST(ShellCommandTest, FailsOverWhatIsNotThere) {
     const TestFolder folder;
 
     EXPECT_EQ(runShellCommand(folder.path(L"absent.exe").c_str(), L"", true, false), -1);
     EXPECT_EQ(runShellCommand(folder.path(L"no\\absent.exe").c_str(), L"", true, false), -1);
+}
+
+TEST(ShellCommandTest, FailsOverWhatIsNoProgram) {
+    REQUIRES_WINE("asks for elevation");
+    const TestFolder folder;
+
     EXPECT_EQ(runShellCommand(folder.write(L"junk.exe", "junk").c_str(), L"", true, false), -1);
 }
 

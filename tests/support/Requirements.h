@@ -1,0 +1,37 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+
+// What a test needs of the machine. Where that isn't there, the test is skipped and says why; a
+// requirement stands in the test itself or in the SetUp of its fixture.
+
+/// Whether this is Wine. With TEMZ_TESTS_WITHOUT_WINE in the environment it looks as if it weren't,
+/// which shows what is left of the tests elsewhere.
+bool runsUnderWine();
+
+/// Whether the active code page is one of these.
+bool isActiveCodePage(std::initializer_list<unsigned> codePages);
+
+/// Whether the user may write over a read-only file. Only Wine's superuser may: Windows lets
+/// nobody.
+bool overwritesReadOnlyFiles();
+
+/// For tests that change the machine, ask the user something, or need elevation, on Windows.
+#define REQUIRES_WINE(reason) \
+    if (runsUnderWine()) {    \
+    } else                    \
+        GTEST_SKIP() << "Needs Wine: " << reason
+
+/// For tests whose texts are written for certain code pages.
+#define REQUIRES_CODE_PAGE(...)            \
+    if (isActiveCodePage({__VA_ARGS__})) { \
+    } else                                 \
+        GTEST_SKIP() << "Needs one of the code pages " #__VA_ARGS__
+
+/// For tests of what an ordinary user may not do.
+#define REQUIRES_ORDINARY_USER()      \
+    if (!overwritesReadOnlyFiles()) { \
+    } else                            \
+        GTEST_SKIP() << "Needs an ordinary user: this one may write over read-only files"
