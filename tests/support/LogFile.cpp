@@ -8,13 +8,14 @@
 
 #include "support/TestFolder.h"
 
-LogFile::LogFile() {
-    CreateDirectoryW(logFolder, nullptr);
+LogFile::LogFile() : madeFolder(CreateDirectoryW(logFolder, nullptr)) {
     DeleteFileW(logPath);
 }
 
 LogFile::~LogFile() {
     DeleteFileW(logPath);
+    if (madeFolder)
+        RemoveDirectoryW(logFolder);
 }
 
 std::vector<std::string> LogFile::lines() const {

@@ -6,9 +6,11 @@
 #include <iterator>
 #include <system_error>
 
+#include "support/CommonPlaces.h"
+
 namespace fs = std::filesystem;
 
-TestFolder::TestFolder() : TestFolder(L"C:\\temz-tests") {}
+TestFolder::TestFolder() : TestFolder(commonFolder) {}
 
 TestFolder::TestFolder(const fs::path& parent) {
     // The parent may be on a drive that several Wine prefixes share, where programs that run at

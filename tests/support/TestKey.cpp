@@ -5,6 +5,8 @@
 #include <memory>
 #include <ostream>
 
+#include "support/CommonPlaces.h"
+
 namespace {
 
 struct CloseKey {
@@ -59,15 +61,13 @@ void setAccess(HKEY key, bool allowed) {
 TestKey::TestKey() {
     static int made = 0;
     do
-        root = L"Software\\temz-tests\\test-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-               std::to_wstring(made++);
+        root = std::wstring(commonKey) + L"\\test-" + std::to_wstring(GetCurrentProcessId()) +
+               L"-" + std::to_wstring(made++);
     while (!makeKey(root));
 }
 
 TestKey::~TestKey() {
     EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, root.c_str()), ERROR_SUCCESS);
-    // Goes with the last test only.
-    RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\temz-tests");
 }
 
 std::wstring TestKey::path(std::wstring_view name) const {
