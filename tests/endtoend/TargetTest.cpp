@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include "support/HostTest.h"
+#include "support/Requirements.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -24,18 +25,29 @@ TEST_F(TargetTest, IsRemovedThoughReadOnly) {
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
-TEST_F(TargetTest, IsReplacedThoughReadOnlyOnlyIfTheSystemAllowsThat) {
-    const std::wstring twin = folder.write(L"twin", "old");
-    makeReadOnly(twin);
+TEST_F(TargetTest, IsNotReplacedWhenItIsReadOnly) {
+    REQUIRES_ORDINARY_USER();
     makeReadOnly(folder.write(L"app\\a.txt", "old"));
-    const std::wstring source = folder.write(L"source", "new");
-    // A superuser may write it, everybody else may not.
-    const bool allowed = CopyFileW(source.c_str(), twin.c_str(), FALSE);
     ASSERT_TRUE(load(componentScript(file(L"a.txt", "new"))));
 
-    EXPECT_EQ(run(RUNMODE_UPGRADE), allowed ? 0 : ERROR_ACCESS_DENIED);
+    EXPECT_EQ(run(RUNMODE_UPGRADE), ERROR_ACCESS_DENIED);
 
-    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", allowed ? "new" : "old")));
+    EXPECT_EQ(product().errorInfo.systemError, DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(product().errorInfo.message, systemMessage(ERROR_ACCESS_DENIED));
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "old")));
+}
+
+TEST_F(TargetTest, BarsItsOwnUpgradeWhenItsSourceIsReadOnly) {
+    REQUIRES_ORDINARY_USER();
+    const std::wstring source = payload.write(L"a.txt", "new");
+    makeReadOnly(testProgramDirectory() + L"\\" + source);
+    ASSERT_TRUE(load(componentScript("<File Name='a.txt' Source='" + narrow(source) + "'/>")));
+
+    EXPECT_EQ(run(RUNMODE_INSTALL), 0);
+    EXPECT_EQ(run(RUNMODE_UPGRADE), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(run(RUNMODE_UNINSTALL), 0);
+
+    EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
 TEST_F(TargetTest, StaysWhenADirectoryHasItsName) {

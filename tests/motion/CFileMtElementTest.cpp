@@ -9,6 +9,7 @@
 #include "support/FakeCall.h"
 #include "support/FileElementTest.h"
 #include "support/LockedFile.h"
+#include "support/Requirements.h"
 #include "support/Text.h"
 #include "system/FileCalls.h"
 #include "system/FileOperations.h"
@@ -466,6 +467,19 @@ TEST_P(FileCopyTest, TellsOfADirectoryThatCannotBeMadeThroughTheCopyAlone) {
                     systemMessage(ERROR_PATH_NOT_FOUND));
         EXPECT_EQ(observer.updates.size(), 1u);
     }
+}
+
+TEST_P(FileCopyTest, FailsOverAReadOnlyTarget) {
+    REQUIRES_ORDINARY_USER();
+    folder.write(L"app\\a.txt", "old");
+    ASSERT_TRUE(SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_READONLY));
+    ASSERT_TRUE(loadComponent(file()));
+
+    EXPECT_EQ(runInMode(), ERROR_ACCESS_DENIED);
+
+    expectError(ACTION_COPY_FILE, L"a.txt", ERROR_ACCESS_DENIED,
+                systemMessage(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(readFile(target), "old");
 }
 
 TEST_P(FileCopyTest, LeavesAReadOnlyTargetReadOnly) {

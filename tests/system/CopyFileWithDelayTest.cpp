@@ -5,6 +5,7 @@
 #include "support/FakeFileCalls.h"
 #include "support/LockedFile.h"
 #include "support/LogFile.h"
+#include "support/Requirements.h"
 #include "support/TestFolder.h"
 #include "support/Text.h"
 #include "system/FileOperations.h"
@@ -126,6 +127,18 @@ TEST_F(CopyFileWithDelayTest, HeldTargetIsReplacedAtTheNextRestart) {
     EXPECT_EQ(readFile(target), "old");
     EXPECT_THAT(log.lines(),
                 ElementsAre("[WARNNING] Succeed to MoveFileEx, file=" + narrow(source)));
+}
+
+TEST_F(CopyFileWithDelayTest, ReadOnlyTargetIsDeniedOrLeftToTheNextRestart) {
+    REQUIRES_ORDINARY_USER();
+    SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_READONLY);
+    const FakeMove move([](auto...) { return answer(ERROR_SUCCESS); });
+
+    EXPECT_EQ(copyAtOnce(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(copyWithDelay(), -2);
+
+    EXPECT_EQ(readFile(target), "old");
+    EXPECT_EQ(readFile(staging), "new");
 }
 
 TEST_F(CopyFileWithDelayTest, AnyFailureOfTheCopyIsAReasonForTheDelay) {
