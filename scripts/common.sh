@@ -1,7 +1,7 @@
 # Sourced by the other scripts: where things are, and the environment that every Wine process needs.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 deps=$root/build/deps
-wine_home=$root/build/wine
+wine_home=${TEMZ_WINE_HOME:-$root/build/wine}
 
 # Keeps Wine off the user's home and display: no Mono or Gecko dialog, no menu files, no debugger
 # (with it a crash can end in exit status 0), and a locale under which non-ASCII file names work.

@@ -6,7 +6,7 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 build=${1:-$root/build/release}
-stage=$root/build/example
+stage=$build/example
 prefix=$wine_home/example
 drive=$prefix/drive_c
 
