@@ -8,8 +8,9 @@ wine_home=${TEMZ_WINE_HOME:-$root/build/wine}
 wine_environment() {
     export WINEPREFIX=$1 HOME=$wine_home/home WINEDEBUG=-all
     export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d'
+    # The path comes first, since the shell itself looks for a locale that it is told of.
+    case ${TEMZ_LOCALE:-C.UTF-8} in C.UTF-8) ;; *) export LOCPATH=$deps/locale ;; esac
     export LC_ALL=${TEMZ_LOCALE:-C.UTF-8}
-    case $LC_ALL in C.UTF-8) ;; *) export LOCPATH=$deps/locale ;; esac
     unset DISPLAY WAYLAND_DISPLAY LANG TZ
 }
 

@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Links the smallest host $5 with the library installed in $1 by its plain name, by the build's compiler $3 and
-# by clang with the libraries $4 of that compiler, and sees by the binary reader $2 that it needs the library.
+# Links a host, whose sources and options are $5 and all that follows, with the library installed in $1
+# by its plain name, by the build's compiler $3 and by clang with the libraries $4 of that compiler, and
+# sees by the binary reader $2 that it needs the library.
 set -euo pipefail
-installed=$1 objdump=$2 compiler=$3 gcc_library=$4 source=$5
+installed=$1 objdump=$2 compiler=$3 gcc_library=$4
 . "$(dirname "${BASH_SOURCE[0]}")/compilers.sh"
+shift 4
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -22,7 +24,7 @@ link() {
     fi
 }
 
-sdk=(-I"$installed/include" "$source" -L"$installed/lib" -lTEMZ)
+sdk=(-I"$installed/include" "$@" -L"$installed/lib" -lTEMZ -lole32)
 link "${gcc[@]}" "${sdk[@]}"
 link "${gcc[@]}" "${sdk[@]}" -static
 link "${clang_for_mingw[@]}" "${sdk[@]}" -lpthread

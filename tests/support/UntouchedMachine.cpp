@@ -22,10 +22,17 @@ std::vector<std::wstring> onlyIn(const Inventory& one, const Inventory& other) {
     return lines;
 }
 
-/// The places stay for the next test, and what a test holds there that ends its process.
+/// The places stay for the next test, and what a test holds there that ends its process. A program
+/// that has just ended holds its file for a moment longer.
 void clearCommonPlaces() {
-    std::error_code ignored;
-    std::filesystem::remove_all(commonFolder, ignored);
+    constexpr int patience = 500;
+    std::error_code failure;
+    for (int looks = 0; looks < patience; ++looks) {
+        std::filesystem::remove_all(commonFolder, failure);
+        if (!failure)
+            break;
+        Sleep(10);
+    }
     RegDeleteTreeW(HKEY_CURRENT_USER, commonKey);
 }
 
