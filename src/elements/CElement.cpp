@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <memory>
 #include <utility>
 
 #include "elements/ElementFactory.h"
@@ -89,6 +90,11 @@ std::wstring CElement::describe() const {
     return std::wstring(L"(") + name + L"," + id + L")";
 }
 
+std::wstring CElement::messageOn(const wchar_t* before, const wchar_t* attributeName,
+                                 const wchar_t* behind) const {
+    return describe() + before + attributeName + behind;
+}
+
 bool CElement::readDeclaredAttributes(CContext& context, std::wstring& message) {
     std::vector<AttributeDeclaration> declarations;
     getAttributes(declarations);
@@ -98,17 +104,17 @@ bool CElement::readDeclaredAttributes(CContext& context, std::wstring& message) 
             if (!declaration.required)
                 continue;
             message =
-                describe() + L" cant get the require explicit " + declaration.name + L"attribute.";
+                messageOn(L" cant get the require explicit ", declaration.name, L"attribute.");
             return false;
         }
         std::wstring text = own.get();
         if (isExpandable() && !expandText(text, context, message))
             return false;
         if (isCumulativeAttribute(declaration.name)) {
-            AttributeRecord above;
+            const auto above = std::make_unique<AttributeRecord>();
             std::wstring ignored;
-            if (getFromParent(above, declaration.name, context, ignored))
-                combineWithParent(above.value, text);
+            if (getFromParent(*above, declaration.name, context, ignored))
+                combineWithParent(above->value, text);
         }
         fillAttributeRecord(attributes.emplace_back(), declaration.name, text.c_str());
     }
@@ -119,12 +125,12 @@ bool CElement::resolveDerivedAttributes(CContext& context, std::wstring& message
     std::vector<AttributeDeclaration> declarations;
     getDerivedAttributes(declarations);
     for (const AttributeDeclaration& declaration : declarations) {
-        AttributeRecord record;
-        if (getAttribute(declaration.name, record))
+        const auto record = std::make_unique<AttributeRecord>();
+        if (getAttribute(declaration.name, *record))
             continue;
-        if (getDefaultAttribute(record, declaration.name) ||
-            getFromParent(record, declaration.name, context, message))
-            attributes.push_back(std::move(record));
+        if (getDefaultAttribute(*record, declaration.name) ||
+            getFromParent(*record, declaration.name, context, message))
+            attributes.push_back(std::move(*record));
         else if (declaration.required)
             return false;
     }
@@ -142,7 +148,7 @@ bool CElement::getAttributesText(const std::vector<std::wstring*>& texts,
         if (getAttribute(declarations[i].name, record))
             *texts[i] = record.value;
         else if (declarations[i].required)
-            message = describe() + L" can't get " + declarations[i].name + L" attribute.";
+            message = messageOn(L" can't get ", declarations[i].name, L" attribute.");
     }
     context.subject().setErrorText(message);
     return message.empty();
@@ -153,21 +159,21 @@ bool CElement::getFromParent(AttributeRecord& record, const wchar_t* attributeNa
     if (parent == nullptr) {
         const XmlHandlePtr parentNode = getParentNode(node.get());
         if (!parentNode) {
-            message = describe() + L" can't get parent node when get the " + attributeName +
-                      L" attribute.";
+            message =
+                messageOn(L" can't get parent node when get the ", attributeName, L" attribute.");
             return false;
         }
         parentOnDemand = CreateElement(parentNode.get(), context);
         if (!parentOnDemand) {
-            message = describe() + L" can't create parent element when get the " + attributeName +
-                      L" attribute.";
+            message = messageOn(L" can't create parent element when get the ", attributeName,
+                                L" attribute.");
             return false;
         }
         parent = parentOnDemand.get();
     }
     if (parent->getAttribute(attributeName, record))
         return true;
-    message = describe() + L" can't get " + attributeName + L" attribute from  parent element.";
+    message = messageOn(L" can't get ", attributeName, L" attribute from  parent element.");
     return false;
 }
 

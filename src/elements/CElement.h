@@ -14,7 +14,8 @@ class CElement;
 
 using ElementPtr = BaseOwner<CElement>;
 
-/// One resolved attribute.
+/// One resolved attribute. Where elements are made it is allocated rather than a local variable:
+/// making one can need others in turn, and it would stand on the stack for each of them.
 struct AttributeRecord {
     wchar_t name[256] = {};
     std::wstring value;
@@ -97,5 +98,9 @@ protected:
     XmlHandlePtr node;
 
 private:
+    /// The element's description and, between two pieces of text, the name of an attribute.
+    std::wstring messageOn(const wchar_t* before, const wchar_t* attributeName,
+                           const wchar_t* behind) const;
+
     ElementPtr parentOnDemand;  // keeps a parent that was made from the XML
 };

@@ -141,7 +141,7 @@ Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
         scope.check();
         return element;
     } catch (const std::wstring& message) {
-        lastCreateError = prefix + message;
+        lastCreateError.assign(prefix).append(message);
         return nullptr;
     }
 }

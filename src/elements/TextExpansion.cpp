@@ -49,7 +49,7 @@ bool expandText(std::wstring& text, CContext& context, std::wstring& message) {
             const size_t opened = start;
             std::wstring value;
             if (!resolveReference(text, start, i, context, value)) {
-                message = text.substr(opened, i - opened + 1) + L" mismatch.";
+                message.assign(text, opened, i - opened + 1) += L" mismatch.";
                 return false;
             }
             message.clear();

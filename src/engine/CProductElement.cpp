@@ -1,5 +1,7 @@
 #include "engine/CProductElement.h"
 
+#include <memory>
+
 #include "elements/ElementFactory.h"
 #include "engine/CContext.h"
 #include "motion/CMotionElement.h"
@@ -35,7 +37,7 @@ bool CProductElement::findDirectory(std::wstring& path, const wchar_t* directory
                                     CContext& context, std::wstring& error) {
     const XmlHandlePtr found = context.findElementById(directoryKind.name, directoryId);
     if (!found) {
-        error += std::wstring(L"can't get the ") + directoryId + L" directory";
+        error.append(L"can't get the ").append(directoryId).append(L" directory");
         return false;
     }
     const ElementPtr directory = CreateElement(found.get(), context);
@@ -43,11 +45,14 @@ bool CProductElement::findDirectory(std::wstring& path, const wchar_t* directory
         error += getLastCreateError();
         return false;
     }
-    AttributeRecord record;
-    if (!directory->getAttribute(pathAttribute, record)) {
-        error += directory->describe() + L" element can't get " + pathAttribute + L" attribute.";
+    const auto record = std::make_unique<AttributeRecord>();
+    if (!directory->getAttribute(pathAttribute, *record)) {
+        error.append(directory->describe())
+            .append(L" element can't get ")
+            .append(pathAttribute)
+            .append(L" attribute.");
         return false;
     }
-    path = record.value;
+    path = record->value;
     return true;
 }
