@@ -5,8 +5,6 @@
 #include "elements/CElement.h"
 #include "motion/CMotionElement.h"
 
-using MotionElementPtr = BaseOwner<CMotionElement, CElement>;
-
 /// Makes the element of a node, of any kind. Null, with the reason in lastCreateError, when the
 /// element is unknown or can't be built. No message is thrown out of a factory.
 ElementPtr CreateElement(const XmlHandle* node, CContext& context);

@@ -48,27 +48,34 @@ bool CMotionElement::passesOnFilter(CContext& context) const {
 int32_t CMotionElement::runChildren(CContext& context) {
     XmlHandlePtr child = getFirstChildElement(node.get());
     const size_t count = countChildElements(node.get());
-    for (size_t index = 0; child; child = getNextSiblingElement(child.get()), ++index)
-        if (const int32_t failure = runChild(*child, index, count, context))
+    for (size_t index = 0; child; child = getNextSiblingElement(child.get()), ++index) {
+        const MotionElementPtr element = makeChild(*child, context);
+        if (!element)
+            return -1;
+        element->setProgressRange(progressAt(index, count), progressAt(index + 1, count));
+        if (const int32_t failure = element->runElement(context))
             return failure;
+    }
     return 0;
 }
 
-int32_t CMotionElement::runChild(const XmlHandle& child, size_t index, size_t count,
-                                 CContext& context) {
+// Apart from the visit, on whose stack the whole walk below stands.
+MotionElementPtr CMotionElement::makeChild(const XmlHandle& child, CContext& context) {
     const WideText childName = getElementName(&child);
-    if (!childName || childName[0] == L'\0')
-        return fail(describe() + L" can't get child element name.", context);
-    if (!isChildAllowed(childName.get()))
-        return fail(describe() + L" has a illegal child element(" + childName.get() + L")",
-                    context);
-    const MotionElementPtr element = CreateMotionElement(&child, context, this);
+    if (!childName || childName[0] == L'\0') {
+        fail(describe() + L" can't get child element name.", context);
+        return nullptr;
+    }
+    if (!isChildAllowed(childName.get())) {
+        fail(describe() + L" has a illegal child element(" + childName.get() + L")", context);
+        return nullptr;
+    }
+    MotionElementPtr element = CreateMotionElement(&child, context, this);
     if (!element)
-        return fail(getLastCreateError() + describe() + L" cann't create child element(" +
-                        childName.get() + L")",
-                    context);
-    element->setProgressRange(progressAt(index, count), progressAt(index + 1, count));
-    return element->runElement(context);
+        fail(getLastCreateError() + describe() + L" cann't create child element(" +
+                 childName.get() + L")",
+             context);
+    return element;
 }
 
 // In single precision and in this order: hosts see the rounding.

@@ -5,6 +5,10 @@
 #include "elements/CElement.h"
 #include "logging/IterfaceProduct.h"
 
+class CMotionElement;
+
+using MotionElementPtr = BaseOwner<CMotionElement, CElement>;
+
 /// The base of all elements that do something on the machine. It fixes the shape of a visit: the
 /// mode filter, `prepare`, the children, then `execute`; and the policy when `execute` fails:
 /// `Vital`, and the host's answer. A class below it replaces single steps and adds no field. The
@@ -53,6 +57,7 @@ protected:
     uint32_t progressTo = 0;
 
 private:
-    int32_t runChild(const XmlHandle& child, size_t index, size_t count, CContext& context);
+    /// Makes the child of a node; null, with the reason recorded, when it can't be had.
+    MotionElementPtr makeChild(const XmlHandle& child, CContext& context);
     uint32_t progressAt(size_t index, size_t count) const;
 };
