@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -33,15 +34,21 @@ bool createDirectory(const wchar_t* path) {
     return fileCalls.CreateDirectoryW(path, nullptr) || GetLastError() == ERROR_ALREADY_EXISTS;
 }
 
-void removeEntry(const wchar_t* directory, const WIN32_FIND_DATAW& entry) {
+/// The path, if it fits a path buffer; otherwise it ends the process.
+std::wstring boundedPath(std::wstring path) {
+    if (path.size() >= pathBufferLength)
+        failInvalidParameter();
+    return path;
+}
+
+void removeEntry(const std::wstring& directory, const WIN32_FIND_DATAW& entry) {
     if (isDotEntry(entry.cFileName))
         return;
-    wchar_t path[pathBufferLength];
-    copyBounded(path, (std::wstring(directory) + entry.cFileName).c_str());
+    const std::wstring path = boundedPath(directory + entry.cFileName);
     if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-        removeDirectoryTree(path);
+        removeDirectoryTree(path.c_str());
     else
-        deleteFile(path);
+        deleteFile(path.c_str());
 }
 
 }  // namespace
@@ -109,16 +116,16 @@ bool removeDirectoryTree(const wchar_t* path) {
     std::wstring directory = path;
     if (directory.back() != L'\\')
         directory += L'\\';
-    wchar_t pattern[pathBufferLength];
-    copyBounded(pattern, (directory + L"*").c_str());
+    const std::wstring pattern = boundedPath(directory + L"*");
 
-    WIN32_FIND_DATAW entry;
-    FindHandle search(fileCalls.FindFirstFileW(pattern, &entry));
+    // Not on the stack: this recurses as deep as the tree is.
+    const auto entry = std::make_unique<WIN32_FIND_DATAW>();
+    FindHandle search(fileCalls.FindFirstFileW(pattern.c_str(), entry.get()));
     if (!search)
         return GetLastError() == ERROR_PATH_NOT_FOUND;
     do {
-        removeEntry(directory.c_str(), entry);
-    } while (fileCalls.FindNextFileW(search.get(), &entry));
+        removeEntry(directory, *entry);
+    } while (fileCalls.FindNextFileW(search.get(), entry.get()));
     search.reset();
     return fileCalls.RemoveDirectoryW(path);
 }
