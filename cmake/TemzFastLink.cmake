@@ -6,5 +6,5 @@ find_program(TEMZ_CLANG clang++)
 find_program(TEMZ_LLD NAMES ld.lld lld)
 if(TEMZ_CLANG AND TEMZ_LLD AND TEMZ_GCC_LIBRARY)
   set(CMAKE_CXX_LINK_EXECUTABLE
-    "${TEMZ_CLANG} --target=x86_64-w64-mingw32 -fuse-ld=lld -L${TEMZ_GCC_LIBRARY} -Wl,--stack,2097152 <LINK_FLAGS> <OBJECTS> -o <TARGET> <LINK_LIBRARIES> -lpthread -lstdc++ -lmingw32")
+    "${TEMZ_CLANG} --target=x86_64-w64-mingw32 -fuse-ld=lld -L${TEMZ_GCC_LIBRARY} <LINK_FLAGS> <OBJECTS> -o <TARGET> <LINK_LIBRARIES> -lpthread -lstdc++ -lmingw32")
 endif()

@@ -2,12 +2,12 @@
 // its context loads a good one.
 
 #include <gmock/gmock.h>
-#include <windows.h>
 
 #include <functional>
 #include <ostream>
 
 #include "support/HostTest.h"
+#include "support/OwnStack.h"
 
 using testing::ElementsAre;
 using testing::Pair;
@@ -203,21 +203,8 @@ TEST_F(HostileScriptTest, MayBeNestedAsDeepAsTheLimit) {
     expectUsableContext();
 }
 
-/// Does something on a thread with a stack of 256 KiB.
-void onSmallStack(const std::function<void()>& action) {
-    const auto call = [](void* action) -> DWORD {
-        (*static_cast<const std::function<void()>*>(action))();
-        return 0;
-    };
-    const HANDLE thread =
-        CreateThread(nullptr, 256 * 1024, call, const_cast<std::function<void()>*>(&action),
-                     STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-    WaitForSingleObject(thread, INFINITE);
-    CloseHandle(thread);
-}
-
 TEST_F(HostileScriptTest, MayBeRunOnASmallStack) {
-    onSmallStack([&] {
+    onStackOf(256 * 1024, [&] {
         EXPECT_TRUE(load("<S><Product><InstallExecuteSequence>" + repeated("<Fragment>", 252) +
                          "<Caution Title='deep'/>" + repeated("</Fragment>", 252) +
                          "</InstallExecuteSequence></Product></S>"));
