@@ -48,15 +48,19 @@ bool CMotionElement::passesOnFilter(CContext& context) const {
 int32_t CMotionElement::runChildren(CContext& context) {
     XmlHandlePtr child = getFirstChildElement(node.get());
     const size_t count = countChildElements(node.get());
-    for (size_t index = 0; child; child = getNextSiblingElement(child.get()), ++index) {
-        const MotionElementPtr element = makeChild(*child, context);
-        if (!element)
-            return -1;
-        element->setProgressRange(progressAt(index, count), progressAt(index + 1, count));
-        if (const int32_t failure = element->runElement(context))
+    for (size_t index = 0; child; child = getNextSiblingElement(child.get()), ++index)
+        if (const int32_t failure = runChild(*child, index, count, context))
             return failure;
-    }
     return 0;
+}
+
+int32_t CMotionElement::runChild(const XmlHandle& child, size_t index, size_t count,
+                                 CContext& context) {
+    const MotionElementPtr element = makeChild(child, context);
+    if (!element)
+        return -1;
+    element->setProgressRange(progressAt(index, count), progressAt(index + 1, count));
+    return element->runElement(context);
 }
 
 // Apart from the visit, on whose stack the whole walk below stands.

@@ -57,6 +57,7 @@ protected:
     uint32_t progressTo = 0;
 
 private:
+    int32_t runChild(const XmlHandle& child, size_t index, size_t count, CContext& context);
     /// Makes the child of a node; null, with the reason recorded, when it can't be had.
     MotionElementPtr makeChild(const XmlHandle& child, CContext& context);
     uint32_t progressAt(size_t index, size_t count) const;
