@@ -16,5 +16,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine-run.sh)
 
 # Where the libraries of that g++ are, for whoever drives its linker's work himself.
-file(GLOB TEMZ_GCC_LIBRARY /usr/lib/gcc/x86_64-w64-mingw32/*-posix)
-list(GET TEMZ_GCC_LIBRARY -1 TEMZ_GCC_LIBRARY)
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-libgcc-file-name
+  OUTPUT_VARIABLE TEMZ_GCC_LIBRARY OUTPUT_STRIP_TRAILING_WHITESPACE)
+get_filename_component(TEMZ_GCC_LIBRARY "${TEMZ_GCC_LIBRARY}" DIRECTORY)

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string_view>
@@ -27,7 +28,7 @@ bool fitsCodePage(const std::wstring& text) {
 /// The bytes of a file, without the mark of UTF-8, which the engine leaves out as well.
 std::string readText(const std::wstring& path) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
-    std::ifstream file(path.c_str(), std::ios::binary);
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(file), {}};
     if (text.starts_with(mark))
         text.erase(0, mark.size());

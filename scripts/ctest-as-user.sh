@@ -7,13 +7,17 @@ set -euo pipefail
 preset=$1
 as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
 if ! "${as_user[@]}" test -r "$root/build/$preset/CTestTestfile.cmake"; then
-    echo "Not run as an ordinary user, who can't read $root." >&2
+    echo "NOT TESTED as an ordinary user, who can't read $root: use a folder that everybody can read." >&2
     exit
 fi
 
 export TEMZ_WINE_HOME=$root/build/wine-user
 rm -rf "$TEMZ_WINE_HOME"
 mkdir "$TEMZ_WINE_HOME"
+give_back() {
+    chown -R "$(id -u):$(id -g)" "$root/build/$preset"
+    rm -rf "$TEMZ_WINE_HOME"
+}
+trap give_back EXIT
 chown -R 65534:65534 "$TEMZ_WINE_HOME" "$root/build/$preset"
 "${as_user[@]}" "$root/scripts/ctest.sh" "$@"
-rm -rf "$TEMZ_WINE_HOME"

@@ -5,6 +5,11 @@
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
+case ${1:-} in
+    '' | --quick) ;;
+    *) echo "usage: scripts/test.sh [--quick]" >&2; exit 2 ;;
+esac
+
 "$root/scripts/setup.sh"
 if [ "${1:-}" = --quick ]; then
     "$root/scripts/build.sh"

@@ -28,8 +28,11 @@ HandlePtr PseudoConsole::start(const std::wstring& commandLine,
     startup.StartupInfo.cb = sizeof startup;
     startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(attributes.data());
     InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &size);
-    UpdateProcThreadAttribute(startup.lpAttributeList, 0, PROC_THREAD_ATTRIBUTE_PSEUDOCONSOLE,
-                              console, sizeof console, nullptr, nullptr);
-    return startProgram(commandLine, directory, {}, EXTENDED_STARTUPINFO_PRESENT,
-                        startup.StartupInfo);
+    EXPECT_TRUE(UpdateProcThreadAttribute(startup.lpAttributeList, 0,
+                                          PROC_THREAD_ATTRIBUTE_PSEUDOCONSOLE, console,
+                                          sizeof console, nullptr, nullptr));
+    HandlePtr program =
+        startProgram(commandLine, directory, {}, EXTENDED_STARTUPINFO_PRESENT, startup.StartupInfo);
+    DeleteProcThreadAttributeList(startup.lpAttributeList);
+    return program;
 }

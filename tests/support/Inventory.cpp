@@ -1,5 +1,6 @@
 #include "support/Inventory.h"
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <filesystem>
@@ -23,7 +24,9 @@ const WatchedKey watchedKeys[] = {
 
 void addKeys(const WatchedKey& watched, Inventory& inventory) {
     HKEY key = nullptr;
-    RegOpenKeyExW(watched.root, watched.path.c_str(), 0, KEY_ENUMERATE_SUB_KEYS, &key);
+    const LSTATUS opened =
+        RegOpenKeyExW(watched.root, watched.path.c_str(), 0, KEY_ENUMERATE_SUB_KEYS, &key);
+    ASSERT_EQ(opened, ERROR_SUCCESS);
     wchar_t name[256];
     DWORD length = std::size(name);
     for (DWORD index = 0; RegEnumKeyExW(key, index, name, &length, nullptr, nullptr, nullptr,

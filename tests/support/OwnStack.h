@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstddef>
@@ -14,6 +15,7 @@ inline void onStackOf(size_t bytes, const std::function<void()>& action) {
     const HANDLE thread =
         CreateThread(nullptr, bytes, call, const_cast<std::function<void()>*>(&action),
                      STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    ASSERT_NE(thread, nullptr) << GetLastError();
     WaitForSingleObject(thread, INFINITE);
     CloseHandle(thread);
 }

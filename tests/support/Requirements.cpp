@@ -15,6 +15,16 @@ bool isActiveCodePage(std::initializer_list<unsigned> codePages) {
     return std::find(codePages.begin(), codePages.end(), GetACP()) != codePages.end();
 }
 
+bool heedsManifestCodePage() {
+    constexpr DWORD build1903 = 18362;
+    OSVERSIONINFOW version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    const auto getVersion = reinterpret_cast<LONG(WINAPI*)(OSVERSIONINFOW*)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion")));
+    const bool isLater = getVersion(&version) == 0 && version.dwBuildNumber >= build1903;
+    return isLater || runsUnderWine();
+}
+
 bool overwritesReadOnlyFiles() {
     const TestFolder folder;
     const std::wstring source = folder.write(L"source", "new");

@@ -14,6 +14,9 @@ bool runsUnderWine();
 /// Whether the active code page is one of these.
 bool isActiveCodePage(std::initializer_list<unsigned> codePages);
 
+/// Whether Windows gives a program the code page that its manifest asks for: from 10 1903 on.
+bool heedsManifestCodePage();
+
 /// Whether the user may write over a read-only file. Only Wine's superuser may: Windows lets
 /// nobody.
 bool overwritesReadOnlyFiles();
@@ -29,6 +32,12 @@ bool overwritesReadOnlyFiles();
     if (isActiveCodePage({__VA_ARGS__})) { \
     } else                                 \
         GTEST_SKIP() << "Needs one of the code pages " #__VA_ARGS__
+
+/// For tests of programs whose manifest asks for UTF-8.
+#define REQUIRES_MANIFEST_CODE_PAGE() \
+    if (heedsManifestCodePage()) {    \
+    } else                            \
+        GTEST_SKIP() << "Needs Windows 10 1903 or later, or Wine"
 
 /// For tests of what an ordinary user may not do.
 #define REQUIRES_ORDINARY_USER()      \

@@ -44,18 +44,20 @@ public:
             return;
         SetEnvironmentVariableW(inCharge, L"1");
         clearCommonPlaces();
-        before = takeInventory();
         log.emplace(logFolder);
+        before = takeInventory();
     }
 
     void TearDown() override {
         if (!before)
             return;
-        log.reset();
         clearCommonPlaces();
         const Inventory after = takeInventory();
         EXPECT_THAT(onlyIn(after, *before), testing::IsEmpty()) << "is left behind";
         EXPECT_THAT(onlyIn(*before, after), testing::IsEmpty()) << "is gone";
+        log.reset();
+        before.reset();
+        SetEnvironmentVariableW(inCharge, nullptr);
     }
 
 private:
