@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "logging/CLogSyn.h"
+#include "logging/LogCalls.h"
 #include "system/TextConversion.h"
 
 namespace {
@@ -39,7 +40,7 @@ CLogLine::~CLogLine() {
         return;
     const LockScope scope(lock);
     try {
-        write();
+        logCalls.WriteLine(*this);
     } catch (const std::exception&) {
         // The log never reports its own failures: the line is lost.
     }

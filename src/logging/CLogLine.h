@@ -31,10 +31,16 @@ public:
         return *this;
     }
 
+    /// What has been composed, and the level that the line was opened at.
+    std::string composed() const { return text.str(); }
+    int32_t openedAt() const { return level; }
+
+    /// Writes the line to the log's file, or to the standard output where the log has none.
+    void write();
+
 private:
     friend class CLogWriter;
 
-    void write();
     void appendToFile();
 
     std::ostringstream text;

@@ -5,8 +5,6 @@
 
 CLogWriter logWriter;
 
-namespace {
-
 const char* levelName(int32_t level) {
     switch (level) {
         case DEBUG:
@@ -21,8 +19,6 @@ const char* levelName(int32_t level) {
             return "UNKNOWN";
     }
 }
-
-}  // namespace
 
 CLogLine& CLogWriter::open(int32_t level, CLogLine& line) {
     line.path = path;

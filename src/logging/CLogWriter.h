@@ -9,6 +9,9 @@ class CLogLine;
 
 enum LogLevel : int32_t { DEBUG = 1, INFO = 2, WARNNING = 3, ERROR = 4 };
 
+/// The name of a level as it stands in a line; "UNKNOWN" for a number that is none.
+const char* levelName(int32_t level);
+
 /// The log file of the process. Path, size limit and threshold are fixed. Every line opens the
 /// file, appends and closes it again; its directory is not made, and without it no line is kept.
 class CLogWriter {

@@ -5,6 +5,7 @@
 #include "engine/CContext.h"
 #include "logging/CSubject.h"
 #include "logging/Log.h"
+#include "motion/ActionCalls.h"
 #include "motion/CustomAction.h"
 #include "system/LibraryCalls.h"
 #include "system/PathText.h"
@@ -56,7 +57,7 @@ std::wstring callInLibrary(const std::wstring& dllFile, const char* entryName,
         return L"Failed to get Address(" + wideName + L").";
     }
     wchar_t entryMessage[CUSTOM_ACTION_MESSAGE_LENGTH] = {};
-    result = entry(&params, entryMessage, CUSTOM_ACTION_MESSAGE_LENGTH);
+    result = actionCalls.CallEntry(entry, &params, entryMessage, CUSTOM_ACTION_MESSAGE_LENGTH);
     message.assign(entryMessage, wcsnlen(entryMessage, CUSTOM_ACTION_MESSAGE_LENGTH));
     return {};
 }

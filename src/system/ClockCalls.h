@@ -2,13 +2,12 @@
 
 #include <windows.h>
 
-/// The Win32 calls that read the time or wait; see FileCalls for the use of such a table.
-struct ClockCalls {
-    decltype(&::GetSystemTime) GetSystemTime = ::GetSystemTime;
-    decltype(&::SystemTimeToTzSpecificLocalTime) SystemTimeToTzSpecificLocalTime =
-        ::SystemTimeToTzSpecificLocalTime;
-    decltype(&::GetTickCount) GetTickCount = ::GetTickCount;
-    decltype(&::Sleep) Sleep = ::Sleep;
-};
+#include "system/CallTable.h"
 
-inline ClockCalls clockCalls;
+/// The Win32 calls that read the time or wait.
+#define TEMZ_CLOCK_CALLS(CALL)            \
+    CALL(GetSystemTime)                   \
+    CALL(SystemTimeToTzSpecificLocalTime) \
+    CALL(GetTickCount)                    \
+    CALL(Sleep)
+TEMZ_CALL_TABLE(ClockCalls, clockCalls, "clock", TEMZ_CLOCK_CALLS, TEMZ_WIN32_CALL)

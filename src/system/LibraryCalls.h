@@ -2,12 +2,11 @@
 
 #include <windows.h>
 
-/// The Win32 calls that load a library and find what it exports; see FileCalls for the use of such
-/// a table.
-struct LibraryCalls {
-    decltype(&::LoadLibraryW) LoadLibraryW = ::LoadLibraryW;
-    decltype(&::GetProcAddress) GetProcAddress = ::GetProcAddress;
-    decltype(&::FreeLibrary) FreeLibrary = ::FreeLibrary;
-};
+#include "system/CallTable.h"
 
-inline LibraryCalls libraryCalls;
+/// The Win32 calls that load a library and find what it exports.
+#define TEMZ_LIBRARY_CALLS(CALL) \
+    CALL(LoadLibraryW)           \
+    CALL(GetProcAddress)         \
+    CALL(FreeLibrary)
+TEMZ_CALL_TABLE(LibraryCalls, libraryCalls, "library", TEMZ_LIBRARY_CALLS, TEMZ_WIN32_CALL)

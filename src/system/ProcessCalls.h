@@ -4,19 +4,19 @@
 
 #include <tlhelp32.h>
 
-/// The Win32 calls of the process operations; see FileCalls for the use of such a table.
-struct ProcessCalls {
-    decltype(&::CreateToolhelp32Snapshot) CreateToolhelp32Snapshot = ::CreateToolhelp32Snapshot;
-    decltype(&::Process32FirstW) Process32FirstW = ::Process32FirstW;
-    decltype(&::Process32NextW) Process32NextW = ::Process32NextW;
-    decltype(&::Module32FirstW) Module32FirstW = ::Module32FirstW;
-    decltype(&::OpenProcess) OpenProcess = ::OpenProcess;
-    decltype(&::TerminateProcess) TerminateProcess = ::TerminateProcess;
-    decltype(&::WaitForSingleObject) WaitForSingleObject = ::WaitForSingleObject;
-    decltype(&::CloseHandle) CloseHandle = ::CloseHandle;
-    decltype(&::FormatMessageW) FormatMessageW = ::FormatMessageW;
-    decltype(&::FormatMessageA) FormatMessageA = ::FormatMessageA;
-    decltype(&::LocalFree) LocalFree = ::LocalFree;
-};
+#include "system/CallTable.h"
 
-inline ProcessCalls processCalls;
+/// The Win32 calls of the process operations.
+#define TEMZ_PROCESS_CALLS(CALL)   \
+    CALL(CreateToolhelp32Snapshot) \
+    CALL(Process32FirstW)          \
+    CALL(Process32NextW)           \
+    CALL(Module32FirstW)           \
+    CALL(OpenProcess)              \
+    CALL(TerminateProcess)         \
+    CALL(WaitForSingleObject)      \
+    CALL(CloseHandle)              \
+    CALL(FormatMessageW)           \
+    CALL(FormatMessageA)           \
+    CALL(LocalFree)
+TEMZ_CALL_TABLE(ProcessCalls, processCalls, "process", TEMZ_PROCESS_CALLS, TEMZ_WIN32_CALL)

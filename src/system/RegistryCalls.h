@@ -2,15 +2,15 @@
 
 #include <windows.h>
 
-/// The Win32 calls of the registry operations; see FileCalls for the use of such a table.
-struct RegistryCalls {
-    decltype(&::RegCreateKeyExW) RegCreateKeyExW = ::RegCreateKeyExW;
-    decltype(&::RegOpenKeyExW) RegOpenKeyExW = ::RegOpenKeyExW;
-    decltype(&::RegQueryInfoKeyW) RegQueryInfoKeyW = ::RegQueryInfoKeyW;
-    decltype(&::RegEnumKeyExW) RegEnumKeyExW = ::RegEnumKeyExW;
-    decltype(&::RegDeleteKeyW) RegDeleteKeyW = ::RegDeleteKeyW;
-    decltype(&::RegSetValueExW) RegSetValueExW = ::RegSetValueExW;
-    decltype(&::RegCloseKey) RegCloseKey = ::RegCloseKey;
-};
+#include "system/CallTable.h"
 
-inline RegistryCalls registryCalls;
+/// The Win32 calls of the registry operations.
+#define TEMZ_REGISTRY_CALLS(CALL) \
+    CALL(RegCreateKeyExW)         \
+    CALL(RegOpenKeyExW)           \
+    CALL(RegQueryInfoKeyW)        \
+    CALL(RegEnumKeyExW)           \
+    CALL(RegDeleteKeyW)           \
+    CALL(RegSetValueExW)          \
+    CALL(RegCloseKey)
+TEMZ_CALL_TABLE(RegistryCalls, registryCalls, "registry", TEMZ_REGISTRY_CALLS, TEMZ_WIN32_CALL)

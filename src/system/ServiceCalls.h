@@ -2,21 +2,21 @@
 
 #include <windows.h>
 
-/// The Win32 calls of the service operations; see FileCalls for the use of such a table.
-struct ServiceCalls {
-    decltype(&::OpenSCManagerW) OpenSCManagerW = ::OpenSCManagerW;
-    decltype(&::OpenServiceW) OpenServiceW = ::OpenServiceW;
-    decltype(&::QueryServiceStatus) QueryServiceStatus = ::QueryServiceStatus;
-    decltype(&::StartServiceW) StartServiceW = ::StartServiceW;
-    decltype(&::ControlService) ControlService = ::ControlService;
-    decltype(&::DeleteService) DeleteService = ::DeleteService;
-    decltype(&::QueryServiceConfigW) QueryServiceConfigW = ::QueryServiceConfigW;
-    decltype(&::LockServiceDatabase) LockServiceDatabase = ::LockServiceDatabase;
-    decltype(&::UnlockServiceDatabase) UnlockServiceDatabase = ::UnlockServiceDatabase;
-    decltype(&::ChangeServiceConfigW) ChangeServiceConfigW = ::ChangeServiceConfigW;
-    decltype(&::CloseServiceHandle) CloseServiceHandle = ::CloseServiceHandle;
-    decltype(&::LocalAlloc) LocalAlloc = ::LocalAlloc;
-    decltype(&::LocalFree) LocalFree = ::LocalFree;
-};
+#include "system/CallTable.h"
 
-inline ServiceCalls serviceCalls;
+/// The Win32 calls of the service operations.
+#define TEMZ_SERVICE_CALLS(CALL) \
+    CALL(OpenSCManagerW)         \
+    CALL(OpenServiceW)           \
+    CALL(QueryServiceStatus)     \
+    CALL(StartServiceW)          \
+    CALL(ControlService)         \
+    CALL(DeleteService)          \
+    CALL(QueryServiceConfigW)    \
+    CALL(LockServiceDatabase)    \
+    CALL(UnlockServiceDatabase)  \
+    CALL(ChangeServiceConfigW)   \
+    CALL(CloseServiceHandle)     \
+    CALL(LocalAlloc)             \
+    CALL(LocalFree)
+TEMZ_CALL_TABLE(ServiceCalls, serviceCalls, "service", TEMZ_SERVICE_CALLS, TEMZ_WIN32_CALL)

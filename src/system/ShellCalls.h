@@ -5,15 +5,14 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
-/// The Win32 calls of the shell operations and of what they need of COM; see FileCalls for the use
-/// of such a table.
-struct ShellCalls {
-    decltype(&::SHGetSpecialFolderPathW) SHGetSpecialFolderPathW = ::SHGetSpecialFolderPathW;
-    decltype(&::SHChangeNotify) SHChangeNotify = ::SHChangeNotify;
-    decltype(&::ShellExecuteExW) ShellExecuteExW = ::ShellExecuteExW;
-    decltype(&::CoInitialize) CoInitialize = ::CoInitialize;
-    decltype(&::CoUninitialize) CoUninitialize = ::CoUninitialize;
-    decltype(&::CoCreateInstance) CoCreateInstance = ::CoCreateInstance;
-};
+#include "system/CallTable.h"
 
-inline ShellCalls shellCalls;
+/// The Win32 calls of the shell operations and of what they need of COM.
+#define TEMZ_SHELL_CALLS(CALL)    \
+    CALL(SHGetSpecialFolderPathW) \
+    CALL(SHChangeNotify)          \
+    CALL(ShellExecuteExW)         \
+    CALL(CoInitialize)            \
+    CALL(CoUninitialize)          \
+    CALL(CoCreateInstance)
+TEMZ_CALL_TABLE(ShellCalls, shellCalls, "shell", TEMZ_SHELL_CALLS, TEMZ_WIN32_CALL)

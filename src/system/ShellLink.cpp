@@ -4,6 +4,7 @@
 #include <string>
 
 #include "system/FileOperations.h"
+#include "system/LinkCalls.h"
 #include "system/PathText.h"
 #include "system/ShellCalls.h"
 #include "system/TextFields.h"
@@ -54,12 +55,12 @@ bool writeLink(const wchar_t* linkPath, const wchar_t* target, const wchar_t* wo
                                            IID_IShellLinkW, &created)))
         return false;
     ComPtr<IShellLinkW> link(static_cast<IShellLinkW*>(created));
-    link->SetPath(target);
+    linkCalls.SetPath(link.get(), target);
     const std::wstring icon = isGiven(iconFile) ? copyOfIcon(iconFile) : target;
-    link->SetIconLocation(icon.c_str(), 0);
+    linkCalls.SetIconLocation(link.get(), icon.c_str(), 0);
     const std::wstring directory =
         isGiven(workingDirectory) ? workingDirectory : directoryOf(target);
-    link->SetWorkingDirectory(directory.c_str());
+    linkCalls.SetWorkingDirectory(link.get(), directory.c_str());
 
     void* queried = nullptr;
     if (FAILED(link->QueryInterface(IID_IPersistFile, &queried))) {
@@ -70,7 +71,7 @@ bool writeLink(const wchar_t* linkPath, const wchar_t* target, const wchar_t* wo
     const ComPtr<IPersistFile> file(static_cast<IPersistFile*>(queried));
     wchar_t path[pathBufferLength];
     copyBounded(path, linkPath);
-    file->Save(path, TRUE);
+    linkCalls.Save(file.get(), path, TRUE);
     return true;
 }
 

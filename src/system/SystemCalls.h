@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
-/// The Win32 calls that tell facts of the system; see FileCalls for the use of such a table.
-struct SystemCalls {
-    decltype(&::GetModuleHandleW) GetModuleHandleW = ::GetModuleHandleW;
-    decltype(&::GetProcAddress) GetProcAddress = ::GetProcAddress;
-    decltype(&::GetVersionExW) GetVersionExW = ::GetVersionExW;
-};
+#include "system/CallTable.h"
 
-inline SystemCalls systemCalls;
+/// The Win32 calls that tell facts of the system.
+#define TEMZ_SYSTEM_CALLS(CALL) \
+    CALL(GetModuleHandleW)      \
+    CALL(GetProcAddress)        \
+    CALL(GetVersionExW)
+TEMZ_CALL_TABLE(SystemCalls, systemCalls, "system", TEMZ_SYSTEM_CALLS, TEMZ_WIN32_CALL)

@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
-/// The Win32 calls of the text conversions; see FileCalls for the use of such a table.
-struct TextCalls {
-    decltype(&::MultiByteToWideChar) MultiByteToWideChar = ::MultiByteToWideChar;
-    decltype(&::WideCharToMultiByte) WideCharToMultiByte = ::WideCharToMultiByte;
-};
+#include "system/CallTable.h"
 
-inline TextCalls textCalls;
+/// The Win32 calls of the text conversions.
+#define TEMZ_TEXT_CALLS(CALL) \
+    CALL(MultiByteToWideChar) \
+    CALL(WideCharToMultiByte)
+TEMZ_CALL_TABLE(TextCalls, textCalls, "text", TEMZ_TEXT_CALLS, TEMZ_WIN32_CALL)
