@@ -1,0 +1,208 @@
+#include "capi/Session.h"
+
+#include <utility>
+#include <vector>
+
+#include "logging/IterfaceObserver.h"
+#include "system/TextFields.h"
+#include "trace/Tracer.h"
+
+#define SAME_NUMBER(theirs, ours) \
+    static_assert(static_cast<int>(theirs) == static_cast<int>(ours), "numbers of the interface")
+SAME_NUMBER(TEMZ_INSTALL, RUNMODE_INSTALL);
+SAME_NUMBER(TEMZ_UNINSTALL, RUNMODE_UNINSTALL);
+SAME_NUMBER(TEMZ_UPGRADE, RUNMODE_UPGRADE);
+SAME_NUMBER(TEMZ_RETRY, ANSWER_RETRY);
+SAME_NUMBER(TEMZ_ABORT, ANSWER_ABORT);
+SAME_NUMBER(TEMZ_IGNORE, ANSWER_IGNORE);
+SAME_NUMBER(TEMZ_ERROR_MESSAGE, ERROR_CODE_MESSAGE);
+SAME_NUMBER(TEMZ_ERROR_REMOVE_SHORTCUT, ERROR_CODE_REMOVE_SHORTCUT);
+#undef SAME_NUMBER
+
+namespace {
+
+/// Leaves the engine through the walk, which takes its elements down, when the host stops a run.
+struct RunStopped {};
+
+/// Hands the engine's notifications on to the host's functions.
+class ObserverBridge final : public IterfaceObserver {
+public:
+    ObserverBridge(const Session& session, const temz_observer& observer)
+        : session(session), observer(observer) {}
+
+    void update(IterfaceProduct*) override {
+        if (observer.update == nullptr)
+            return;
+        const temz_outcome now = session.outcome();
+        if (observer.update(observer.user, &now) != TEMZ_CONTINUE)
+            throw RunStopped();
+    }
+
+    ObserverAnswer askOnError(ErrorInfo*) override {
+        if (observer.ask == nullptr)
+            return ANSWER_ABORT;
+        const temz_outcome now = session.outcome();
+        switch (observer.ask(observer.user, &now)) {
+            case TEMZ_RETRY:
+                return ANSWER_RETRY;
+            case TEMZ_IGNORE:
+                return ANSWER_IGNORE;
+            default:
+                return ANSWER_ABORT;
+        }
+    }
+
+private:
+    const Session& session;
+    const temz_observer observer;  // a copy: the host may set another one meanwhile
+};
+
+/// Hands the engine's calls on to the host's function.
+class TracerBridge final : public CallListener {
+public:
+    explicit TracerBridge(const temz_tracer& tracer) : tracer(tracer) {}
+
+    void heard(const TracedCall& traced) override {
+        std::vector<const temz_char*> arguments;
+        for (const std::wstring& argument : traced.arguments)
+            arguments.push_back(argument.c_str());
+        temz_call call{};
+        call.size = sizeof call;
+        call.failed = traced.failed ? 1 : 0;
+        call.system_error = traced.systemError;
+        call.argument_count = static_cast<uint32_t>(arguments.size());
+        call.group = traced.group.c_str();
+        call.name = traced.name.c_str();
+        call.arguments = arguments.data();
+        call.result = traced.result.c_str();
+        call.duration = static_cast<uint64_t>(traced.duration.count());
+        tracer.call(tracer.user, &call);
+    }
+
+private:
+    const temz_tracer tracer;
+};
+
+/// The product's observer for the length of a run.
+class ObserverScope {
+public:
+    ObserverScope(IterfaceProduct& product, IterfaceObserver* observer) : product(product) {
+        product.observer = observer;
+    }
+    ObserverScope(const ObserverScope&) = delete;
+    ObserverScope& operator=(const ObserverScope&) = delete;
+    ~ObserverScope() { product.observer = nullptr; }
+
+private:
+    IterfaceProduct& product;
+};
+
+}  // namespace
+
+std::unique_ptr<Session> Session::make() {
+    IterfaceContext* context = CreateContextObject();
+    if (context == nullptr)
+        return nullptr;
+    std::unique_ptr<Session> session(new (std::nothrow) Session(context));
+    if (!session)
+        FreeContextObject(context);
+    return session;
+}
+
+Session::~Session() {
+    unload();
+    FreeContextObject(context);
+}
+
+temz_status Session::load(const temz_char* path) {
+    lastFailure.clear();
+    context->lastError.clear();
+    try {
+        if (context->load(path))
+            return TEMZ_OK;
+    } catch (...) {
+        context->unload();
+        throw;
+    }
+    lastFailure = context->lastError;
+    return TEMZ_LOAD_FAILED;
+}
+
+void Session::unload() {
+    context->unload();
+    result = 0;
+}
+
+temz_status Session::run(temz_mode mode) {
+    IterfaceProduct& product = *context->getProduct();
+    context->runMode = mode;
+    product.observerData = reinterpret_cast<void*>(static_cast<uintptr_t>(actionValue));
+    std::optional<ObserverBridge> bridge;
+    if (observer)
+        bridge.emplace(*this, *observer);
+    const ObserverScope observed(product, bridge ? &*bridge : nullptr);
+    if (!tracer)
+        return runProduct(product);
+    TracerBridge listener(*tracer);
+    Tracer traced(listener);
+    const CallWrapper<Tracer> wrapper(traced);
+    return runProduct(product);
+}
+
+temz_status Session::runProduct(IterfaceProduct& product) {
+    result = 0;
+    try {
+        result = product.run(context);
+        return result == 0 ? TEMZ_OK : TEMZ_RUN_FAILED;
+    } catch (const RunStopped&) {
+        return TEMZ_STOPPED;
+    } catch (const std::wstring& message) {
+        // Some actions let a message through, such as that a variable's number is none.
+        result = -1;
+        product.errorInfo = {};
+        product.errorInfo.code = ERROR_CODE_MESSAGE;
+        copyCut(product.errorInfo.message, message.c_str());
+        return TEMZ_RUN_FAILED;
+    } catch (...) {
+        result = -1;
+        throw;
+    }
+}
+
+temz_outcome Session::outcome() const {
+    const IterfaceProduct& product = *context->getProduct();
+    temz_outcome outcome{};
+    outcome.size = sizeof outcome;
+    outcome.result = result;
+    outcome.restart = product.rebootRequired ? 1 : 0;
+    outcome.progress = product.progress;
+    outcome.action.code = product.actionInfo.code;
+    copyCut(outcome.action.text1, product.actionInfo.text1);
+    copyCut(outcome.action.text2, product.actionInfo.text2);
+    outcome.error.code = product.errorInfo.code;
+    outcome.error.system_error = product.errorInfo.systemError;
+    copyCut(outcome.error.text1, product.errorInfo.text1);
+    copyCut(outcome.error.text2, product.errorInfo.text2);
+    copyCut(outcome.error.message, product.errorInfo.message);
+    return outcome;
+}
+
+temz_status Session::findVariable(const temz_char* name, std::wstring& text) {
+    lastFailure.clear();
+    if (context->getVariable(text, name))
+        return TEMZ_OK;
+    lastFailure = context->lastError;
+    return TEMZ_NOT_FOUND;
+}
+
+temz_status Session::findDirectory(const temz_char* id, std::wstring& text) {
+    lastFailure.clear();
+    IterfaceProduct& product = *context->getProduct();
+    // A question leaves the record of the run as it is.
+    const ErrorInfo ofRun = product.errorInfo;
+    const bool found = product.getDirectory(text, id, context);
+    if (!found)
+        lastFailure = product.errorInfo.message;
+    product.errorInfo = ofRun;
+    return found ? TEMZ_OK : TEMZ_NOT_FOUND;
+}

@@ -1,0 +1,90 @@
+#include "trace/CallText.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "elements/Vocabulary.h"
+#include "system/HexText.h"
+#include "system/TextConversion.h"
+
+namespace {
+
+constexpr wchar_t absent[] = L"null";
+
+std::wstring numbered(const wchar_t* text, DWORD number) {
+    return std::wstring(text) + L" " + std::to_wstring(number);
+}
+
+}  // namespace
+
+std::wstring HandleNames::find(const void* handle) const {
+    if (handle == nullptr)
+        return absent;
+    if (handle == INVALID_HANDLE_VALUE)
+        return L"-1";
+    if (const auto found = names.find(handle); found != names.end())
+        return found->second;
+    const auto number = reinterpret_cast<uintptr_t>(handle);
+    for (const RegistryKeyword& root : registryRootKeywords())
+        if (static_cast<uintptr_t>(static_cast<intptr_t>(static_cast<int32_t>(root.number))) ==
+            number)
+            return root.word;
+    return L"(object)";
+}
+
+std::wstring textOf(const wchar_t* text) {
+    return text ? text : absent;
+}
+
+std::wstring textOf(const char* text) {
+    const WideText wide = toWideText(text);
+    return wide ? wide.get() : absent;
+}
+
+std::wstring textOf(const WIN32_FIND_DATAW& found) {
+    return found.cFileName;
+}
+
+std::wstring textOf(const PROCESSENTRY32W& process) {
+    return numbered(process.szExeFile, process.th32ProcessID);
+}
+
+std::wstring textOf(const MODULEENTRY32W& module) {
+    return module.szExePath;
+}
+
+std::wstring textOf(const SHELLEXECUTEINFOW& start) {
+    return textOf(start.lpVerb) + L" " + textOf(start.lpFile) + L" " + textOf(start.lpParameters);
+}
+
+std::wstring textOf(const SERVICE_STATUS& status) {
+    return numbered(L"state", status.dwCurrentState);
+}
+
+std::wstring textOf(const QUERY_SERVICE_CONFIGW& config) {
+    return numbered(L"start", config.dwStartType);
+}
+
+std::wstring textOf(const OSVERSIONINFOW& version) {
+    return std::to_wstring(version.dwMajorVersion) + L"." + std::to_wstring(version.dwMinorVersion);
+}
+
+std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size) {
+    if (data == nullptr)
+        return absent;
+    if (type == REG_DWORD && size == sizeof(DWORD)) {
+        DWORD number = 0;
+        std::copy_n(data, sizeof number, reinterpret_cast<BYTE*>(&number));
+        return std::to_wstring(number);
+    }
+    if (type == REG_SZ || type == REG_MULTI_SZ) {
+        std::wstring text(size / sizeof(wchar_t), L'\0');
+        std::copy_n(data, text.size() * sizeof(wchar_t), reinterpret_cast<BYTE*>(text.data()));
+        return text.substr(0, text.find(L'\0'));
+    }
+    return textOf(bytesToHexText(data, size).get());
+}
+
+std::wstring filledText(const wchar_t* buffer, size_t capacity) {
+    return buffer ? std::wstring(buffer, wcsnlen(buffer, capacity)) : absent;
+}

@@ -1,0 +1,182 @@
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "trace/CallFailure.h"
+#include "trace/CallText.h"
+
+/// One call by which the engine has changed or asked the machine, or a line that goes to its log.
+struct TracedCall {
+    std::wstring group;  ///< of the call table
+    std::wstring name;   ///< of the call; of a line its level
+    std::vector<std::wstring> arguments;
+    std::wstring result;
+    bool failed = false;
+    uint32_t systemError = 0;  ///< of a call that failed
+    std::chrono::nanoseconds duration{};
+};
+
+class CallListener {
+public:
+    virtual void heard(const TracedCall& call) = 0;
+
+protected:
+    ~CallListener() = default;
+};
+
+/// Tells a listener of every call of the engine as it returns. For a CallWrapper. Calls, their
+/// results and the thread's last error are the same as without it; a call that can't be told for
+/// lack of memory is left out.
+class Tracer {
+public:
+    explicit Tracer(CallListener& listener) : listener(listener) {}
+
+    template <auto& table, auto member, class Result, class... Arguments>
+    Result around(const char* name, Result (*real)(Arguments...),
+                  std::type_identity_t<Arguments>... arguments) {
+        using Table = std::remove_reference_t<decltype(table)>;
+        if constexpr (std::is_same_v<Table, LogCalls>) {
+            tellLine(arguments...);
+            return real(arguments...);
+        } else if constexpr (std::is_same_v<Table, ClockCalls> ||
+                             std::is_same_v<Table, TextCalls>) {
+            // Reading the clock and converting text ask nothing of the machine.
+            return real(arguments...);
+        } else if constexpr (std::is_void_v<Result>) {
+            const Moment start = now();
+            real(arguments...);
+            tell<table, member>(name, start, NoResult(), arguments...);
+        } else {
+            const Moment start = now();
+            const Result result = real(arguments...);
+            tell<table, member>(name, start, result, arguments...);
+            return result;
+        }
+    }
+
+private:
+    using Moment = std::chrono::steady_clock::time_point;
+
+    /// Keeps the thread's last error over the tracer's own work.
+    class LastErrorScope {
+    public:
+        LastErrorScope() = default;
+        LastErrorScope(const LastErrorScope&) = delete;
+        LastErrorScope& operator=(const LastErrorScope&) = delete;
+        ~LastErrorScope() { SetLastError(error); }
+
+        const DWORD error = GetLastError();
+    };
+
+    static Moment now() {
+        const LastErrorScope scope;
+        return std::chrono::steady_clock::now();
+    }
+
+    void tellLine(const CLogLine& line);
+
+    template <auto& table, auto member, class Result, class... Arguments>
+    void tell(const char* name, Moment start, Result result, Arguments... arguments) {
+        const LastErrorScope scope;
+        const auto duration = std::chrono::steady_clock::now() - start;
+        try {
+            constexpr Failure rule = failureOf<table, member, Result>();
+            const bool failed = saysFailure<rule>(result);
+            TracedCall call;
+            call.group = textOf(table.group);
+            call.name = textOf(name);
+            if (!failed)
+                nameHandle<member>(call.name, result, arguments...);
+            call.arguments = argumentsOf<member>(!failed, arguments...);
+            if constexpr (!std::is_same_v<Result, NoResult>)
+                call.result = textOfArgument(handles, !failed, result);
+            call.failed = failed;
+            call.systemError = failed ? errorOfFailure<rule>(result, scope.error) : 0;
+            call.duration = duration;
+            listener.heard(call);
+        } catch (const std::exception&) {
+            // Left out.
+        }
+    }
+
+    /// Remembers what a handle stands for that a call has given.
+    template <auto member, class Result, class... Arguments>
+    void nameHandle(const std::wstring& name, Result result, Arguments... arguments) {
+        if constexpr (std::is_same_v<std::remove_cv_t<decltype(member)>,
+                                     decltype(&RegistryCalls::RegOpenKeyExW)> ||
+                      std::is_same_v<std::remove_cv_t<decltype(member)>,
+                                     decltype(&RegistryCalls::RegCreateKeyExW)>) {
+            nameKey(arguments...);
+        } else if constexpr (std::is_pointer_v<Result>) {
+            std::wstring meaning = nameOf(arguments...);
+            handles.remember(reinterpret_cast<const void*>(result),
+                             meaning.empty() ? name : meaning);
+        }
+    }
+
+    /// The first two arguments of both calls that open a key are its parent and its path, and one
+    /// of the later ones takes the key.
+    template <class... Arguments>
+    void nameKey(HKEY parent, const wchar_t* path, Arguments... arguments) {
+        const auto remember = [&](auto argument) {
+            if constexpr (std::is_same_v<decltype(argument), PHKEY>)
+                handles.remember(*argument, handles.find(parent) + L"\\" + textOf(path));
+        };
+        (remember(arguments), ...);
+    }
+
+    /// The texts that a call was given, or else its last number: a service, a file, a process.
+    template <class... Arguments>
+    std::wstring nameOf(Arguments... arguments) const {
+        std::wstring meaning;
+        const auto add = [&](auto argument) {
+            using Argument = decltype(argument);
+            if constexpr (std::is_same_v<Argument, const wchar_t*> ||
+                          std::is_same_v<Argument, const char*>) {
+                if (argument)
+                    meaning = textOf(argument);
+            } else if constexpr (std::is_same_v<Argument, HMODULE>) {
+                meaning = handles.find(argument);
+            }
+        };
+        (add(arguments), ...);
+        return meaning;
+    }
+
+    template <auto member, class... Arguments>
+    std::vector<std::wstring> argumentsOf(bool filled, Arguments... arguments) const {
+        if constexpr (isCall<member>(&RegistryCalls::RegSetValueExW))
+            return valueArguments(arguments...);
+        else if constexpr (isCall<member>(&ProcessCalls::FormatMessageW) ||
+                           isCall<member>(&ProcessCalls::FormatMessageA))
+            return messageArguments(arguments...);
+        else if constexpr (isCall<member>(&ActionCalls::CallEntry))
+            return entryArguments(arguments...);
+        else
+            return {textOfArgument(handles, filled, arguments)...};
+    }
+
+    // Calls with arguments whose meaning their types don't tell.
+    std::vector<std::wstring> valueArguments(HKEY key, const wchar_t* name, DWORD reserved,
+                                             DWORD type, const BYTE* data, DWORD size) const;
+    template <class Buffer>
+    static std::vector<std::wstring> messageArguments(DWORD flags, const void* /*source*/,
+                                                      DWORD code, DWORD language,
+                                                      Buffer /*allocated*/, DWORD /*size*/,
+                                                      va_list* /*inserts*/) {
+        return {std::to_wstring(flags), std::to_wstring(code), std::to_wstring(language)};
+    }
+    std::vector<std::wstring> entryArguments(CustomActionEntry entry,
+                                             const CustomActionParams* params,
+                                             const wchar_t* message, uint32_t capacity) const;
+
+    CallListener& listener;
+    HandleNames handles;
+};
