@@ -9,7 +9,7 @@ void Tracer::tellLine(const CLogLine& line) {
         call.group = textOf(logCalls.group);
         call.name = textOf(levelName(line.openedAt()));
         call.arguments = {textOf(line.composed().c_str())};
-        listener.heard(call);
+        tellListener(call);
     } catch (const std::exception&) {
         // Left out.
     }

@@ -33,7 +33,7 @@ protected:
 
 /// Tells a listener of every call of the engine as it returns. For a CallWrapper. Calls, their
 /// results and the thread's last error are the same as without it; a call that can't be told for
-/// lack of memory is left out.
+/// lack of memory is left out, and so is what the listener itself has the engine call.
 class Tracer {
 public:
     explicit Tracer(CallListener& listener) : listener(listener) {}
@@ -75,6 +75,25 @@ private:
         const DWORD error = GetLastError();
     };
 
+    class ListeningScope {
+    public:
+        explicit ListeningScope(bool& listening) : listening(listening) { listening = true; }
+        ListeningScope(const ListeningScope&) = delete;
+        ListeningScope& operator=(const ListeningScope&) = delete;
+        ~ListeningScope() { listening = false; }
+
+    private:
+        bool& listening;
+    };
+
+    /// Hands a call to the listener, unless that is listening already.
+    void tellListener(const TracedCall& call) {
+        if (listening)
+            return;
+        const ListeningScope scope(listening);
+        listener.heard(call);
+    }
+
     static Moment now() {
         const LastErrorScope scope;
         return std::chrono::steady_clock::now();
@@ -100,7 +119,7 @@ private:
             call.failed = failed;
             call.systemError = failed ? errorOfFailure<rule>(result, scope.error) : 0;
             call.duration = duration;
-            listener.heard(call);
+            tellListener(call);
         } catch (const std::exception&) {
             // Left out.
         }
@@ -178,5 +197,6 @@ private:
                                              const wchar_t* message, uint32_t capacity) const;
 
     CallListener& listener;
+    bool listening = false;
     HandleNames handles;
 };

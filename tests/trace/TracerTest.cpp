@@ -170,6 +170,26 @@ TEST_F(TracerTest, TellsOfALogLineByItsLevel) {
     EXPECT_THAT(line.arguments[0], testing::EndsWith(L"Mind the gap."));
 }
 
+TEST_F(TracerTest, LeavesOutWhatItsListenerCalls) {
+    class Asking final : public CallListener {
+        void heard(const TracedCall&) override {
+            ++count;
+            fileCalls.GetFileAttributesW(L"C:\\");
+            writeLog(INFO, "asked");
+        }
+
+    public:
+        int count = 0;
+    } asking;
+    Tracer tracer(asking);
+    const CallWrapper<Tracer> wrapper(tracer);
+
+    fileCalls.GetFileAttributesW(L"C:\\");
+    fileCalls.GetFileAttributesW(L"C:\\");
+
+    EXPECT_EQ(asking.count, 2);
+}
+
 TEST_F(TracerTest, PutsEachCallBackWhenItEnds) {
     const FileCalls files = fileCalls;
     const RegistryCalls registry = registryCalls;
