@@ -18,9 +18,17 @@ public:
     /// The status of `body`, when the call is due. No exception leaves a body.
     template <class Body>
     temz_status pass(Use use, Body body) {
-        const Lock lock(section);
-        const temz_status status = due(use);
-        return status == TEMZ_OK ? withoutExceptions(body) : status;
+        {
+            const Lock lock(section);
+            const temz_status status = due(use);
+            if (status != TEMZ_OK)
+                return status;
+            if (runner == nobody)
+                return withoutExceptions(body);
+        }
+        // Inside a run nobody else gets this far. What the body does may be traced, and the tracer
+        // comes here in its turn: the lock must be free then.
+        return withoutExceptions(body);
     }
 
     /// The same in two steps for a run, during which the gate stands open for its callbacks:

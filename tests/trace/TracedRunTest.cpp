@@ -99,6 +99,33 @@ TEST_F(TracedRunTest, FailsForTheSameReason) {
     EXPECT_EQ(run(TEMZ_UPGRADE), untraced);
 }
 
+// The tracer is called within the observer's question here, and asks itself.
+TEST_F(TracedRunTest, TracerMayAskWhileAnObserverAsks) {
+    struct Questions {
+        temz_context* context;
+        std::vector<temz_status> answers;
+    } questions{context, {}};
+    const temz_observer observer = {sizeof observer, &questions,
+                                    [](void* user, const temz_outcome*) -> temz_answer {
+                                        temz_get_directory(static_cast<Questions*>(user)->context,
+                                                           L"System32Folder", nullptr, 0, nullptr);
+                                        return TEMZ_CONTINUE;
+                                    },
+                                    nullptr};
+    const temz_tracer tracer = {
+        sizeof tracer, &questions, [](void* user, const temz_call*) {
+            auto& self = *static_cast<Questions*>(user);
+            self.answers.push_back(temz_last_failure(self.context, nullptr, 0, nullptr));
+        }};
+    EXPECT_EQ(temz_set_observer(context, &observer), TEMZ_OK);
+    EXPECT_EQ(temz_set_tracer(context, &tracer), TEMZ_OK);
+
+    EXPECT_EQ(temz_run(context, TEMZ_INSTALL, nullptr), TEMZ_OK);
+
+    EXPECT_THAT(questions.answers, testing::AllOf(testing::SizeIs(testing::Gt(1u)),
+                                                  testing::Each(temz_status{TEMZ_OK})));
+}
+
 /// An observer that looks whether a call of the engine goes straight to the system.
 class StraightCallTest : public TracedRunTest {
 protected:
