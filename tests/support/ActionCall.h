@@ -2,7 +2,6 @@
 
 #include <stddef.h>
 #include <stdint.h>
-#include <wchar.h>
 
 /* What a test and its action library tell each other: observerData points at it. Also for C. */
 typedef struct ActionCall {

@@ -22,10 +22,10 @@ std::vector<std::wstring> onlyIn(const Inventory& one, const Inventory& other) {
     return lines;
 }
 
-/// The places stay for the next test, and what a test holds there that ends its process. A program
-/// that has just ended holds its file for a moment longer.
+/// The places stay for the next test, and what a test holds there that ends its process. Wine's
+/// desktop inherits the files of the first program that wants one, and outlives it by some seconds.
 void clearCommonPlaces() {
-    constexpr int patience = 500;
+    constexpr int patience = 3000;
     std::error_code failure;
     for (int looks = 0; looks < patience; ++looks) {
         std::filesystem::remove_all(commonFolder, failure);
