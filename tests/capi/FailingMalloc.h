@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// For the life of the object, the `failing` allocations of TEMZC.dll after the next `succeeding`
+/// ones fail. It stands in the import table of the loaded library, so that the test itself and the
+/// system go on as ever.
+class FailingMalloc {
+public:
+    explicit FailingMalloc(size_t succeeding, size_t failing = 1);
+    FailingMalloc(const FailingMalloc&) = delete;
+    FailingMalloc& operator=(const FailingMalloc&) = delete;
+    ~FailingMalloc();
+
+    /// Whether an allocation has failed yet.
+    bool hasFailed() const;
+};
