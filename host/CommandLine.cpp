@@ -1,91 +1,271 @@
 #include "CommandLine.h"
 
 #include <algorithm>
+#include <array>
 #include <cwchar>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
-const wchar_t usage[] =
-    L"Usage: temz install|uninstall|upgrade SCRIPT [--on-error=abort|ignore|retry:N]\n"
-    L"\n"
-    L"  --on-error   what to do when a vital action fails, in place of asking: end the run, go on\n"
-    L"               without the action, or try it again up to N times before the run ends\n"
-    L"  -h, --help   show this text\n"
-    L"\n"
-    L"Exit codes: 0 done, 3010 done and a restart is needed, 1602 ended by the user, 1603 failed,\n"
-    L"1619 script can't be opened, 1620 script can't be loaded, 1639 wrong command line.\n";
-
 namespace {
 
-std::optional<RunMode> readMode(std::wstring_view word) {
-    if (word == L"install")
-        return RUNMODE_INSTALL;
-    if (word == L"uninstall")
-        return RUNMODE_UNINSTALL;
-    if (word == L"upgrade")
-        return RUNMODE_UPGRADE;
-    return std::nullopt;
+struct Command {
+    const wchar_t* word;
+    const wchar_t* operand;  // what must follow; null for nothing
+    const wchar_t* meaning;
+    void (*take)(CommandLine& line, const std::wstring& operand);
+};
+
+template <temz_mode mode>
+void takeRun(CommandLine& line, const std::wstring& operand) {
+    line.verb = Verb::run;
+    line.mode = mode;
+    line.script = operand;
 }
 
-/// A number from 1 on, of no more digits than surely fit.
-std::optional<unsigned> readCount(std::wstring_view word) {
+constexpr Command commands[] = {
+    {L"install", L"SCRIPT", L"put the product of an install script on the machine",
+     takeRun<TEMZ_INSTALL>},
+    {L"upgrade", L"SCRIPT", L"bring an installed product up to the script's version",
+     takeRun<TEMZ_UPGRADE>},
+    {L"uninstall", L"SCRIPT", L"remove it", takeRun<TEMZ_UNINSTALL>},
+    {L"explain", L"CODE|TEXT", L"tell the cause of a code or a message, and what to do about it",
+     [](CommandLine& line, const std::wstring& operand) {
+         line.verb = Verb::explain;
+         line.subject = operand;
+     }},
+    {L"help", L"[codes]", L"show this text, or the exit codes",
+     [](CommandLine& line, const std::wstring& operand) {
+         line.verb = operand == L"codes" ? Verb::helpCodes : Verb::help;
+     }},
+};
+
+/// A number of no more digits than surely fit.
+std::optional<unsigned> readNumber(std::wstring_view word) {
     constexpr size_t maxDigits = 9;
-    if (word.size() > maxDigits || word.find_first_not_of(L"0123456789") != std::wstring_view::npos)
+    if (word.empty() || word.size() > maxDigits ||
+        word.find_first_not_of(L"0123456789") != std::wstring_view::npos)
         return std::nullopt;
-    const auto number = std::wcstoul(std::wstring(word).c_str(), nullptr, 10);
-    return number > 0 ? std::optional<unsigned>(number) : std::nullopt;
+    return static_cast<unsigned>(std::wcstoul(std::wstring(word).c_str(), nullptr, 10));
 }
 
-std::optional<ErrorPolicy> readPolicy(std::wstring_view word) {
+/// "retry:N" or "retry:N,SECONDS", with an N from 1 on.
+std::optional<ErrorPolicy> readRetry(std::wstring_view word) {
     constexpr std::wstring_view retry = L"retry:";
-    if (word == L"abort")
-        return ErrorPolicy{ANSWER_ABORT};
-    if (word == L"ignore")
-        return ErrorPolicy{ANSWER_IGNORE};
     if (!word.starts_with(retry))
         return std::nullopt;
-    const std::optional<unsigned> count = readCount(word.substr(retry.size()));
-    return count ? std::optional(ErrorPolicy{ANSWER_RETRY, *count}) : std::nullopt;
+    word.remove_prefix(retry.size());
+    const size_t comma = word.find(L',');
+    const std::optional<unsigned> count = readNumber(word.substr(0, comma));
+    if (!count || *count == 0)
+        return std::nullopt;
+    ErrorPolicy policy{TEMZ_RETRY, *count, std::nullopt};
+    if (comma != std::wstring_view::npos && !(policy.pause = readNumber(word.substr(comma + 1))))
+        return std::nullopt;
+    return policy;
+}
+
+bool takePolicy(CommandLine& line, const std::wstring& value) {
+    if (value == L"abort")
+        line.onError = ErrorPolicy{TEMZ_ABORT, 0, std::nullopt};
+    else if (value == L"ignore")
+        line.onError = ErrorPolicy{TEMZ_IGNORE, 0, std::nullopt};
+    else
+        line.onError = readRetry(value);
+    return line.onError.has_value();
+}
+
+bool takeWait(CommandLine& line, const std::wstring& value) {
+    const std::optional<unsigned> seconds = readNumber(value);
+    line.waitSeconds = seconds.value_or(0);
+    return seconds.has_value();
+}
+
+bool takeLog(CommandLine& line, const std::wstring& value) {
+    line.log = value;
+    return !value.empty();
+}
+
+template <bool CommandLine::*flag>
+bool takeFlag(CommandLine& line, const std::wstring& /*value*/) {
+    return line.*flag = true;
+}
+
+template <Verb verb>
+bool takeVerb(CommandLine& line, const std::wstring& /*value*/) {
+    line.verb = verb;
+    return true;
+}
+
+struct Option {
+    std::array<const wchar_t*, 3> spellings;  // the first is the one that is told
+    const wchar_t* value;                     // what it may be; null when the option has none
+    const wchar_t* meaning;
+    bool (*take)(CommandLine& line, const std::wstring& value);
+};
+
+constexpr Option options[] = {
+    {{L"--on-error"},
+     L"abort|ignore|retry:N[,SECONDS]",
+     L"what to do when a vital action fails, in place of asking: end the run, go on without the\n"
+     L"action, or try it again up to N times, each after a pause",
+     takePolicy},
+    {{L"--accept-ignored"},
+     nullptr,
+     L"end with success although vital actions were ignored",
+     takeFlag<&CommandLine::acceptIgnored>},
+    {{L"--quiet", L"/quiet", L"/S"},
+     nullptr,
+     L"ask nothing, and show failures only",
+     takeFlag<&CommandLine::quiet>},
+    {{L"--passive", L"/passive"},
+     nullptr,
+     L"ask nothing, and show the progress",
+     takeFlag<&CommandLine::passive>},
+    {{L"--log", L"/log"}, L"FILE", L"append all that is done to a file", takeLog},
+    {{L"--verbose"},
+     nullptr,
+     L"with every call to the system in the log",
+     takeFlag<&CommandLine::verbose>},
+    {{L"--json"}, nullptr, L"show the run as one JSON object a line", takeFlag<&CommandLine::json>},
+    {{L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
+    {{L"--drop-pending"},
+     nullptr,
+     L"at uninstall, take back what still waits for a restart",
+     takeFlag<&CommandLine::dropPending>},
+    {{L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
+    {{L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
+};
+
+bool equalIgnoringCase(std::wstring_view a, std::wstring_view b) {
+    return a.size() == b.size() && _wcsnicmp(a.data(), b.data(), a.size()) == 0;
+}
+
+/// Switches with a slash may be written in any case, as is the custom.
+const Option* findOption(std::wstring_view word) {
+    const bool isSlash = word.starts_with(L'/');
+    for (const Option& option : options)
+        for (const wchar_t* spelling : option.spellings)
+            if (spelling && (isSlash ? equalIgnoringCase(word, spelling) : word == spelling))
+                return &option;
+    return nullptr;
+}
+
+const Command* findCommand(const std::wstring& word) {
+    const auto* found =
+        std::find_if(std::begin(commands), std::end(commands),
+                     [&word](const Command& command) { return word == command.word; });
+    return found == std::end(commands) ? nullptr : found;
+}
+
+/// Goes through the arguments once. A failed step has its reason in `problem`.
+class Reader {
+public:
+    Reader(int count, const wchar_t* const* arguments, std::wstring& problem)
+        : rest(arguments + std::min(count, 1), arguments + count), problem(problem) {}
+
+    std::optional<CommandLine> read() {
+        while (next < rest.size())
+            if (!readArgument(rest[next++]))
+                return std::nullopt;
+        if (line.verb == Verb::version || wantsHelp)
+            return line;
+        return readCommand() ? std::optional(line) : std::nullopt;
+    }
+
+private:
+    bool refuse(const std::wstring& reason) {
+        problem = reason;
+        return false;
+    }
+
+    bool readArgument(const std::wstring& argument) {
+        const size_t equals = argument.find(L'=');
+        const std::wstring name = argument.substr(0, equals);
+        const Option* option = findOption(name);
+        if (option == nullptr) {
+            if (argument.starts_with(L'-'))
+                return refuse(argument + L" is no option.");
+            words.push_back(argument);
+            return true;
+        }
+        if (std::find(seen.begin(), seen.end(), option) != seen.end())
+            return refuse(std::wstring(option->spellings[0]) + L" stands twice.");
+        seen.push_back(option);
+        std::wstring value;
+        if (option->value == nullptr) {
+            if (equals != std::wstring::npos)
+                return refuse(name + L" takes no value.");
+        } else if (equals != std::wstring::npos) {
+            value = argument.substr(equals + 1);
+        } else if (next < rest.size()) {
+            value = rest[next++];
+        } else {
+            return refuse(name + L" needs a value: " + option->value + L".");
+        }
+        wantsHelp = wantsHelp || option->take == &takeVerb<Verb::help>;
+        return option->take(line, value) ||
+               refuse(name + L" can't be \"" + value + L"\", only " + option->value + L".");
+    }
+
+    bool readCommand() {
+        if (words.empty())
+            return refuse(L"The command is missing.");
+        const Command* command = findCommand(words[0]);
+        if (command == nullptr)
+            return refuse(words[0] + L" is no command.");
+        const bool optional = *command->operand == L'[';
+        if (!optional && (words.size() == 1 || words[1].empty()))
+            return refuse(std::wstring(L"The ") + command->operand + L" is missing.");
+        if (words.size() > 2)
+            return refuse(words[2] + L" is one argument too many.");
+        command->take(line, words.size() > 1 ? words[1] : L"");
+        return true;
+    }
+
+    const std::vector<std::wstring> rest;
+    std::wstring& problem;
+    size_t next = 0;
+    CommandLine line;
+    std::vector<std::wstring> words;
+    std::vector<const Option*> seen;
+    bool wantsHelp = false;
+};
+
+constexpr size_t meaningColumn = 24;
+
+/// One entry of the usage, whose meaning may have several lines.
+std::wstring entry(const std::wstring& name, const std::wstring& meaning) {
+    std::wstring text = L"  " + name;
+    text += text.size() < meaningColumn ? std::wstring(meaningColumn - text.size(), L' ')
+                                        : L"\n" + std::wstring(meaningColumn, L' ');
+    for (const wchar_t character : meaning) {
+        text += character;
+        if (character == L'\n')
+            text.append(meaningColumn, L' ');
+    }
+    return text + L"\n";
 }
 
 }  // namespace
 
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
                                            std::wstring& problem) {
-    const auto refuse = [&problem](const std::wstring& reason) {
-        problem = reason;
-        return std::nullopt;
-    };
-    constexpr std::wstring_view onError = L"--on-error=";
-    CommandLine command;
-    std::vector<std::wstring> words;
-    for (int i = 1; i < count; ++i) {
-        const std::wstring argument = arguments[i];
-        if (!argument.starts_with(L'-'))
-            words.push_back(argument);
-        else if (!argument.starts_with(onError))
-            return refuse(argument + L" is no option.");
-        else if (command.onError)
-            return refuse(L"--on-error stands twice.");
-        else if (!(command.onError = readPolicy(argument.substr(onError.size()))))
-            return refuse(argument + L" is none of abort, ignore and retry:N.");
-    }
-    if (words.empty())
-        return refuse(L"The mode is missing.");
-    const std::optional<RunMode> mode = readMode(words[0]);
-    if (!mode)
-        return refuse(words[0] + L" is no mode.");
-    if (words.size() == 1 || words[1].empty())
-        return refuse(L"The script is missing.");
-    if (words.size() > 2)
-        return refuse(words[2] + L" is one argument too many.");
-    command.mode = *mode;
-    command.script = words[1];
-    return command;
+    return Reader(count, arguments, problem).read();
 }
 
-bool asksForHelp(int count, const wchar_t* const* arguments) {
-    return std::any_of(arguments, arguments + count, [](const std::wstring_view argument) {
-        return argument == L"-h" || argument == L"--help";
-    });
+std::wstring usage() {
+    std::wstring text = L"Usage: temz COMMAND [OPTION]...\n\n";
+    for (const Command& command : commands)
+        text += entry(command.word + std::wstring(L" ") + command.operand, command.meaning);
+    text += L"\n";
+    for (const Option& option : options) {
+        std::wstring name = option.spellings[0];
+        if (option.value)
+            name += std::wstring(L" ") + option.value;
+        for (size_t i = 1; i < option.spellings.size() && option.spellings[i]; ++i)
+            name += std::wstring(L", ") + option.spellings[i];
+        text += entry(name, option.meaning);
+    }
+    return text + L"\ntemz help codes shows the exit codes.\n";
 }

@@ -1,30 +1,34 @@
 #pragma once
 
-#include <temz/IterfaceContext.h>
-#include <temz/IterfaceObserver.h>
-
 #include <optional>
 #include <string>
 
-/// What is done about a vital failure when nobody is asked.
-struct ErrorPolicy {
-    ObserverAnswer answer = ANSWER_ABORT;
-    unsigned retries = 0;  ///< with ANSWER_RETRY: attempts after the first, then the run is aborted
-};
+#include "RunWatch.h"
+
+/// What the program is asked to do.
+enum class Verb { run, explain, help, helpCodes, version };
 
 struct CommandLine {
-    RunMode mode = RUNMODE_INSTALL;
-    std::wstring script;
-    std::optional<ErrorPolicy>
-        onError;  ///< nothing: ask the user, or abort where nobody can answer
+    Verb verb = Verb::help;
+    temz_mode mode = TEMZ_INSTALL;
+    std::wstring script;   ///< of a run
+    std::wstring subject;  ///< of Verb::explain
+
+    std::optional<ErrorPolicy> onError;  ///< nothing: ask the user, or abort where nobody answers
+    bool quiet = false;                  ///< asks nothing and tells failures only
+    bool passive = false;                ///< asks nothing
+    bool json = false;
+    std::wstring log;  ///< empty for none
+    bool verbose = false;
+    bool acceptIgnored = false;
+    bool dropPending = false;
+    unsigned waitSeconds = 0;  ///< for the end of another run
 };
 
-/// Reads `install|uninstall|upgrade SCRIPT [--on-error=abort|ignore|retry:N]`, where the option may
-/// stand anywhere. Nothing when the arguments are no such command; `problem` then tells why.
+/// Reads the arguments behind the program's name. Nothing when they are no command; `problem` then
+/// tells why.
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
                                            std::wstring& problem);
 
-/// Whether the user just wants to know how the program is called.
-bool asksForHelp(int count, const wchar_t* const* arguments);
-
-extern const wchar_t usage[];
+/// How the program is called: all commands and options with what they mean.
+std::wstring usage();

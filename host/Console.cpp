@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "ConsoleWindow.h"
+#include "Utf8.h"
 
 namespace {
 
@@ -15,14 +16,16 @@ bool isConsole(HANDLE handle) {
     return GetConsoleMode(handle, &mode) != 0;
 }
 
-std::string toUtf8(const std::wstring& text) {
-    const int units = static_cast<int>(text.size());
-    const int size =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), size, nullptr, nullptr);
-    return utf8;
+/// A program that reads lines from a file or a pipe expects the line ends of Windows there.
+std::wstring withWindowsLineEnds(const std::wstring& text) {
+    std::wstring lines;
+    for (const wchar_t character : text)
+        lines += character == L'\n' ? std::wstring(L"\r\n") : std::wstring(1, character);
+    return lines;
 }
+
+/// The bytes that a user types for the end of the input.
+constexpr wchar_t endOfInput = 0x1A;
 
 }  // namespace
 
@@ -42,7 +45,7 @@ void write(Stream stream, const std::wstring& text) {
         WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
         return;
     }
-    const std::string utf8 = toUtf8(text);
+    const std::string utf8 = toUtf8(withWindowsLineEnds(text));
     WriteFile(handle, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr);
 }
 
@@ -54,10 +57,40 @@ bool readLine(std::wstring& line) {
     while (ReadConsoleW(input, &character, 1, &read, nullptr) && read == 1) {
         if (character == L'\n')
             return true;
+        if (character == endOfInput)
+            return false;
         if (character != L'\r')
             line += character;
     }
     return !line.empty();
+}
+
+void dropTypedAhead() {
+    FlushConsoleInputBuffer(GetStdHandle(STD_INPUT_HANDLE));
+}
+
+void waitForKeyIfAlone() {
+    DWORD processes[2];
+    if (GetConsoleProcessList(processes, 2) != 1 || !canAsk())
+        return;
+    write(Stream::error, L"Press Enter to close this window.\n");
+    dropTypedAhead();
+    std::wstring line;
+    readLine(line);
+}
+
+QuickEditOff::QuickEditOff() {
+    constexpr DWORD quickEdit = 0x40;  // ENABLE_QUICK_EDIT_MODE
+    constexpr DWORD extended =
+        0x80;  // ENABLE_EXTENDED_FLAGS, without which the other isn't looked at
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    if (GetConsoleMode(input, &before))
+        changed = SetConsoleMode(input, (before & ~quickEdit) | extended);
+}
+
+QuickEditOff::~QuickEditOff() {
+    if (changed)
+        SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), before);
 }
 
 size_t terminalWidth() {

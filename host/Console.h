@@ -11,11 +11,31 @@ bool isTerminal(Stream stream);
 /// to one that somebody sees.
 bool canAsk();
 
-/// Writes a text: to a terminal as it is, to anything else as UTF-8.
+/// Writes a text: to a terminal as it is, to anything else as UTF-8 with the line ends of Windows.
 void write(Stream stream, const std::wstring& text);
 
-/// Reads one line from the terminal. False when there is none any more.
+/// Reads one line from the terminal. False when there is none any more, or Ctrl+Z in it.
 bool readLine(std::wstring& line);
 
 /// Columns of the terminal that the output goes to.
 size_t terminalWidth();
+
+/// Forgets what has been typed so far, lest it answer a question that comes later.
+void dropTypedAhead();
+
+/// A window that was made for this program alone, by a double click, would be gone with the last
+/// line before anybody has read it.
+void waitForKeyIfAlone();
+
+/// For its life, a click into the console's window marks no text, which would halt whoever writes.
+class QuickEditOff {
+public:
+    QuickEditOff();
+    QuickEditOff(const QuickEditOff&) = delete;
+    QuickEditOff& operator=(const QuickEditOff&) = delete;
+    ~QuickEditOff();
+
+private:
+    unsigned long before = 0;
+    bool changed = false;
+};

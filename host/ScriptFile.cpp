@@ -8,7 +8,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "Messages.h"
+#include "Diagnosis.h"
+#include "Handles.h"
 
 namespace {
 
@@ -44,16 +45,35 @@ bool isUtf8(const std::string& text) {
                                static_cast<int>(text.size()), nullptr, 0) != 0;
 }
 
+/// The 8.3 name, which is ASCII; empty where the disk keeps none.
+std::wstring shortPath(const std::wstring& path) {
+    std::wstring text(MAX_PATH, L'\0');
+    const DWORD length = GetShortPathNameW(path.c_str(), text.data(), MAX_PATH);
+    text.resize(length < MAX_PATH ? length : 0);
+    return text;
+}
+
 }  // namespace
 
 std::wstring findOpenProblem(const std::wstring& script) {
-    const HANDLE file =
-        CreateFileW(script.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return describeSystemError(GetLastError());
-    CloseHandle(file);
-    return fitsCodePage(script) ? L"" : L"Its name isn't in the active code page.";
+    const FilePtr file(CreateFileW(script.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                   nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const DWORD error = GetLastError();
+    if (!file)
+        return systemText(error) + L" [error " + std::to_wstring(error) + L"]";
+    return L"";
+}
+
+std::wstring findLoadablePath(const std::wstring& script) {
+    if (fitsCodePage(script))
+        return script;
+    const size_t separator = script.find_last_of(L"\\/:");
+    const std::wstring name = script.substr(separator + 1);
+    if (separator != std::wstring::npos && fitsCodePage(name) &&
+        SetCurrentDirectoryW(script.substr(0, separator + 1).c_str()))
+        return name;
+    const std::wstring path = shortPath(script);
+    return fitsCodePage(path) ? path : L"";
 }
 
 std::wstring findReadingProblem(const std::wstring& script) {

@@ -33,7 +33,7 @@ run_setup() {
     local version=$1 mode=$2 setup=$stage/v$1 status=0
     rm -rf "$setup"
     mkdir -p "$setup"
-    cp "$build/src/TEMZ.dll" "$build/host/temz.exe" "$root/examples/product/install.xml" "$setup"
+    cp "$build/capi/TEMZC.dll" "$build/host/temz.exe" "$root/examples/product/install.xml" "$setup"
     cp -r "$root/examples/product/payload" "$root/examples/product/v$version/payload" "$setup"
     cp "$build/examples/greeter-action.dll" "$build/examples/greeter-service.exe" "$setup/payload"
     title "temz $mode install.xml (version $version)"

@@ -40,3 +40,11 @@ bool readLine(std::wstring& line) {
 size_t terminalWidth() {
     return console->width;
 }
+
+void dropTypedAhead() {}
+
+void waitForKeyIfAlone() {}
+
+QuickEditOff::QuickEditOff() = default;
+
+QuickEditOff::~QuickEditOff() = default;

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <functional>
-
 #include "HostProgram.h"
 #include "SetupTest.h"
 #include "support/Requirements.h"
@@ -12,19 +10,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr DWORD patience = 30'000;  // milliseconds
-constexpr DWORD pollInterval = 5;
-
-bool waitUntil(const std::function<bool()>& holds) {
-    const ULONGLONG start = GetTickCount64();
-    while (!holds()) {
-        if (GetTickCount64() - start > patience)
-            return false;
-        Sleep(pollInterval);
-    }
-    return true;
-}
 
 std::wstring beside(const std::wstring& name) {
     return testProgramDirectory() + L"\\" + name;
@@ -196,7 +181,7 @@ protected:
     }
 
     void expectNothingLeft() const {
-        EXPECT_FALSE(keyExists(entry));
+        EXPECT_TRUE(waitUntil([this] { return !keyExists(entry); }));
         EXPECT_TRUE(waitUntil([this] { return !exists(installed(L"Listed")); }));
     }
 

@@ -8,7 +8,6 @@
 #include "support/Text.h"
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Pair;
 
 namespace {
@@ -56,16 +55,15 @@ TEST_F(MachineCodePageTest, IsNotWarnedOfWhereItDoesNotMatter) {
 }
 
 TEST_F(MachineCodePageTest, LeadsToNoOtherScriptThanTheOneThatItCannotName) {
+    REQUIRES_WINE("has a short name for each file");
     ship(L"a.txt", "a");
+    ship(L"b.txt", "b");
     writeScript(file("a.txt"), L"A.xml");
-    writeScript(file("a.txt"), L"\u0100.xml");  // which in many code pages becomes an A
+    writeScript(file("b.txt"), L"\u0100.xml");  // which in many code pages becomes an A
 
-    const ProgramRun run = temz(L"install \u0100.xml");
+    EXPECT_EQ(temz(L"install \u0100.xml").exitCode, 0u);
 
-    EXPECT_EQ(run.exitCode, 1619u);
-    EXPECT_EQ(run.error,
-              "temz: \u0100.xml can't be opened: Its name isn't in the active code page.\n");
-    EXPECT_THAT(installedFiles(), IsEmpty());
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"b.txt", "b")));
 }
 
 }  // namespace

@@ -8,8 +8,11 @@
 namespace fs = std::filesystem;
 
 SetupTest::SetupTest() {
+    // The first program that asks for it has Wine start one that shows it, which inherits the
+    // streams and so would keep their files.
+    GetDesktopWindow();
     folder.makeDirectory(L"setup");
-    for (const wchar_t* program : {L"temz.exe", L"TEMZ.dll"})
+    for (const wchar_t* program : {L"temz.exe", L"TEMZC.dll"})
         fs::copy_file(fs::path(testProgramDirectory()) / program, setup(program));
 }
 
@@ -25,7 +28,11 @@ ProgramRun SetupTest::temz(const std::wstring& arguments) const {
                                                {input.get(), output.get(), error.get()});
         exitCode = waitForProgram(process.get());
     }
-    return {exitCode, readFile(outputPath), readFile(errorPath)};
+    return {exitCode, withoutReturns(readFile(outputPath)), withoutReturns(readFile(errorPath))};
+}
+
+HandlePtr SetupTest::startTemz(const std::wstring& arguments, DWORD flags) const {
+    return startProgram(temzCommand(arguments), folder.path(L"setup"), {}, flags);
 }
 
 ProgramRun SetupTest::temzAtTerminal(const std::wstring& arguments,
@@ -83,6 +90,62 @@ std::map<std::wstring, std::string> SetupTest::installedFiles() const {
     return files;
 }
 
+void SetupTest::writeSequence(const std::string& elements) const {
+    ship(L"install.xml", "<Script><Product><InstallExecuteSequence><Fragment>" + elements +
+                             "</Fragment></InstallExecuteSequence></Product></Script>");
+}
+
+std::string SetupTest::actionScript(const std::string& function,
+                                    const std::string& elements) const {
+    return "<Script><Product><Directory Id='APPLICATIONROOTDIRECTORY' Path='" +
+           utf8(folder.path(L"setup")) + "'/><Directory Path='" + utf8(folder.path(L"app")) +
+           "'><Component Id='All'>" + elements +
+           "</Component></Directory><InstallExecuteSequence><Fragment><CustomAction DllFile='" +
+           utf8(testProgramDirectory()) + "\\temz_start_probe.dll' DllEntry='" + function +
+           "' Return='check'/></Fragment><Feature><ComponentRef Id='All'/></Feature>"
+           "</InstallExecuteSequence></Product></Script>";
+}
+
+std::string SetupTest::places(const std::string& name) const {
+    return "      from " + utf8(setup(wide(name))) + " to " + utf8(app(wide(name))) + "\n";
+}
+
+std::string SetupTest::copyFailed(const std::string& name, const std::string& why,
+                                  unsigned long error, const std::string& advice) const {
+    return "temz: Copying " + name + " failed: " + why + ". [error " + std::to_string(error) +
+           "]\n" + places(name) + "      " + advice + "\n";
+}
+
+std::string SetupTest::missing(const std::string& name) const {
+    return copyFailed(
+        name, "the file to copy isn't there", ERROR_FILE_NOT_FOUND,
+        "Put it where the script's Source says, counted from the folder of temz.exe.");
+}
+
+bool waitUntil(const std::function<bool()>& holds) {
+    constexpr DWORD patience = 30'000;  // milliseconds
+    constexpr DWORD pollInterval = 5;
+    const ULONGLONG start = GetTickCount64();
+    while (!holds()) {
+        if (GetTickCount64() - start > patience)
+            return false;
+        Sleep(pollInterval);
+    }
+    return true;
+}
+
+std::string withoutReturns(const std::string& text) {
+    std::string lines;
+    for (const char character : text) {
+        const bool afterReturn = lines.ends_with('\r');
+        EXPECT_EQ(character == '\n', afterReturn) << text;
+        if (afterReturn)
+            lines.pop_back();
+        lines += character;
+    }
+    return lines;
+}
+
 std::string file(const std::string& name, const std::string& attributes) {
     return "<File Name='" + name + "' Source='" + name + "' " + attributes + "/>";
 }
@@ -96,7 +159,11 @@ std::wstring systemMessage(unsigned long code) {
 }
 
 std::string systemError(unsigned long code) {
-    return utf8(systemMessage(code)) + " (error " + std::to_string(code) + ")";
+    return utf8(systemMessage(code)) + " [error " + std::to_string(code) + "]";
+}
+
+std::wstring wide(const std::string& text) {
+    return fs::path(std::u8string(text.begin(), text.end())).wstring();
 }
 
 std::string utf8(const std::wstring& text) {

@@ -26,6 +26,9 @@ protected:
     /// Runs temz.exe in the setup's folder, with its streams in files and an empty input.
     ProgramRun temz(const std::wstring& arguments) const;
 
+    /// Starts temz.exe in the setup's folder, without streams.
+    HandlePtr startTemz(const std::wstring& arguments, DWORD flags = 0) const;
+
     /// Runs temz.exe at a terminal of 80 columns on which these lines are typed. What is on the
     /// screen in the end is the output. A shell may be put in place of the program.
     ProgramRun temzAtTerminal(const std::wstring& arguments, const std::wstring& typed = {}) const;
@@ -36,6 +39,21 @@ protected:
 
     /// Writes install.xml with one component, which holds the elements and installs into app().
     void writeScript(const std::string& elements, const std::wstring& name = L"install.xml") const;
+
+    /// Writes install.xml with these elements as all that it does.
+    void writeSequence(const std::string& elements) const;
+
+    /// A script that calls a function of the start probe, with the setup's folder as the
+    /// application's, and then has the elements.
+    std::string actionScript(const std::string& function, const std::string& elements) const;
+
+    /// The line that tells from where to where a file goes.
+    std::string places(const std::string& name) const;
+
+    /// What temz.exe tells about a file that it couldn't copy, and about one that isn't there.
+    std::string copyFailed(const std::string& name, const std::string& why, unsigned long error,
+                           const std::string& advice) const;
+    std::string missing(const std::string& name) const;
 
     /// Something in the folder of the setup, or in the directory into which the scripts install.
     std::wstring setup(const std::wstring& name) const { return folder.path(L"setup\\" + name); }
@@ -64,7 +82,14 @@ std::string file(const std::string& name, const std::string& attributes = {});
 /// The system's message for an error code, without a line end.
 std::wstring systemMessage(unsigned long code);
 
-/// The message and the code as temz.exe tells them: "Access denied. (error 5)".
+/// Waits for what other programs bring about; not for ever, and false then.
+bool waitUntil(const std::function<bool()>& holds);
+
+/// What is written to a file or a pipe, whose lines end as those of Windows, with plain line ends.
+std::string withoutReturns(const std::string& text);
+
+/// The message and the code as temz.exe tells them: "Access denied. [error 5]".
 std::string systemError(unsigned long code);
 
+std::wstring wide(const std::string& text);
 std::string utf8(const std::wstring& text);

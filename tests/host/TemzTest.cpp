@@ -4,9 +4,13 @@
 #include <windows.h>
 
 #include <memory>
+#include <sstream>
+#include <vector>
 
 #include "HostProgram.h"
 #include "SetupTest.h"
+#include "host/CommandLine.h"
+#include "host/Version.h"
 #include "support/LockedFile.h"
 #include "support/ReportedWindows.h"
 #include "support/Requirements.h"
@@ -27,6 +31,12 @@ protected:
         writeScript(file("a.txt") + file("lacking.txt") + file("a.txt"));
     }
 
+    /// The last line's list of a.txt, which has been left to the restart.
+    std::string waiting() const {
+        return " Until the machine is restarted (Restart, not Shut down) these wait: " +
+               utf8(app(L"a.txt")) + ".";
+    }
+
     /// A product that has a function of this library tell about the host.
     void writeAction(const std::wstring& library) const {
         ship(L"install.xml",
@@ -37,18 +47,25 @@ protected:
     }
 };
 
-const std::string usage =
-    "Usage: temz install|uninstall|upgrade SCRIPT [--on-error=abort|ignore|retry:N]\n"
-    "\n"
-    "  --on-error   what to do when a vital action fails, in place of asking: end the run, go on\n"
-    "               without the action, or try it again up to N times before the run ends\n"
-    "  -h, --help   show this text\n"
-    "\n"
-    "Exit codes: 0 done, 3010 done and a restart is needed, 1602 ended by the user, 1603 failed,\n"
-    "1619 script can't be opened, 1620 script can't be loaded, 1639 wrong command line.\n";
+constexpr size_t codeEnd = 4;  // of a line of `temz help codes`
 
-std::string copyFailed(const std::string& name, DWORD code) {
-    return "temz: Copying " + name + " failed: " + systemError(code) + "\n";
+const std::string closeIt =
+    "      Close the program, or give the file KillProcess or SupportDelayInstall in the script.\n";
+
+std::string held(const std::string& action) {
+    return "temz: " + action + " failed: the file is in use by another program. [error 32]\n";
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string failedAfter(const std::string& actions, const std::string& rest = {}) {
+    return "Failed after " + actions + ". What was done before stays." + rest + "\n";
 }
 
 TEST_F(TemzTest, InstallsUpgradesAndRemovesAProduct) {
@@ -58,7 +75,7 @@ TEST_F(TemzTest, InstallsUpgradesAndRemovesAProduct) {
 
     const ProgramRun install = temz(L"install install.xml");
     EXPECT_EQ(install.exitCode, 0u);
-    EXPECT_EQ(install.output, "Copying a.txt\nCopying b.txt\n");
+    EXPECT_EQ(install.output, "Copying a.txt\nCopying b.txt\nDone: 2 actions.\n");
     EXPECT_EQ(install.error, "");
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a1"), Pair(L"b.txt", "b1")));
 
@@ -70,7 +87,7 @@ TEST_F(TemzTest, InstallsUpgradesAndRemovesAProduct) {
 
     const ProgramRun uninstall = temz(L"uninstall install.xml");
     EXPECT_EQ(uninstall.exitCode, 0u);
-    EXPECT_EQ(uninstall.output, "Deleting a.txt\nDeleting b.txt\n");
+    EXPECT_EQ(uninstall.output, "Deleting a.txt\nDeleting b.txt\nDone: 2 actions.\n");
     EXPECT_EQ(uninstall.error, "");
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
@@ -90,7 +107,8 @@ TEST_F(TemzTest, HasMadeItselfSafeBeforeTheScriptRuns) {
     writeAction(testProgramDirectory() + L"\\temz_start_probe.dll");
 
     EXPECT_EQ(temz(L"install install.xml").error,
-              "temz: Custom action tellStart failed: error mode 32771, an apartment (error 1)\n");
+              "temz: Custom action tellStart failed: error mode 32771, an apartment. [error 1]\n" +
+                  failedAfter("0 actions (1603)"));
 }
 
 TEST_F(TemzTest, LooksForLibrariesWithoutAPathInTheSystemDirectoryOnly) {
@@ -98,8 +116,12 @@ TEST_F(TemzTest, LooksForLibrariesWithoutAPathInTheSystemDirectoryOnly) {
     std::filesystem::copy_file(testProgramDirectory() + L"\\" + name, setup(name));
     writeAction(name);
 
-    EXPECT_EQ(temz(L"install install.xml").error,
-              "temz: Failed to load library(temz_start_probe.dll).\n");
+    EXPECT_EQ(
+        temz(L"install install.xml").error,
+        "temz: Failed to load library(temz_start_probe.dll): the library, or one that it needs, "
+        "isn't there. [error 126]\n"
+        "      Give its whole path in the script, and link what it needs statically.\n" +
+            failedAfter("0 actions (1603)"));
 }
 
 TEST_F(TemzTest, TellsThatARestartIsNeeded) {
@@ -115,7 +137,7 @@ TEST_F(TemzTest, TellsThatARestartIsNeeded) {
     }
 
     EXPECT_EQ(run.exitCode, 3010u);
-    EXPECT_EQ(run.output, "Copying a.txt\nRestart the machine to finish.\n");
+    EXPECT_EQ(run.output, "Copying a.txt\nDone: 1 action." + waiting() + "\n");
     EXPECT_EQ(run.error, "");
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "old"), Pair(L"a.txt!@#$%", "new")));
 }
@@ -130,9 +152,9 @@ TEST_F(TemzTest, FailsEvenIfARestartIsNeeded) {
 
     const ProgramRun run = temz(L"install install.xml");
 
-    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.exitCode, 3017u);
     EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\n");
-    EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(run.error, missing("lacking.txt") + failedAfter("1 action (3017)", waiting()));
 }
 
 TEST_F(TemzTest, NeedsARestartEvenIfAFailureIsIgnored) {
@@ -143,7 +165,8 @@ TEST_F(TemzTest, NeedsARestartEvenIfAFailureIsIgnored) {
     folder.write(L"app\\a.txt", "old");
     const LockedFile inUse(app(L"a.txt"));
 
-    EXPECT_EQ(temz(L"install install.xml --on-error=ignore").exitCode, 3010u);
+    EXPECT_EQ(temz(L"install install.xml --on-error=ignore").exitCode, 3017u);
+    EXPECT_EQ(temz(L"install install.xml --on-error=ignore --accept-ignored").exitCode, 3010u);
 }
 
 TEST_F(TemzTest, EndsAtTheFirstFailureWhereNobodyCanBeAsked) {
@@ -153,31 +176,36 @@ TEST_F(TemzTest, EndsAtTheFirstFailureWhereNobodyCanBeAsked) {
 
         EXPECT_EQ(run.exitCode, 1603u);
         EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\n");
-        EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND));
+        EXPECT_EQ(run.error, missing("lacking.txt") + failedAfter("1 action (1603)"));
         EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
     }
 }
 
-TEST_F(TemzTest, GoesOnWhenToldToIgnoreFailures) {
+TEST_F(TemzTest, GoesOnWhenToldToIgnoreFailuresAndTellsWhatIsLeftOut) {
     shipHalf();
+    const std::string copied = "Copying a.txt\nCopying lacking.txt\nCopying a.txt\n";
+    const std::string leftOut = " Left out: Copying lacking.txt (the file to copy isn't there).";
 
-    const ProgramRun run = temz(L"install install.xml --on-error=ignore");
+    const ProgramRun failed = temz(L"install install.xml --on-error ignore");
+    EXPECT_EQ(failed.exitCode, 1603u);
+    EXPECT_EQ(failed.output, copied);
+    EXPECT_EQ(failed.error, missing("lacking.txt") + failedAfter("2 actions (1603)", leftOut));
 
-    EXPECT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\nCopying a.txt\n");
-    EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND));
+    const ProgramRun accepted = temz(L"install install.xml --on-error=ignore --accept-ignored");
+    EXPECT_EQ(accepted.exitCode, 0u);
+    EXPECT_EQ(accepted.output, copied + "Done: 2 actions." + leftOut + "\n");
+    EXPECT_EQ(accepted.error, missing("lacking.txt"));
 }
 
 TEST_F(TemzTest, TriesAsOftenAgainAsItIsTold) {
     writeScript(file("lacking.txt") + file("other.txt"));
 
-    const ProgramRun run = temz(L"--on-error=retry:2 install install.xml");
+    const ProgramRun run = temz(L"--on-error=retry:2,0 install install.xml");
 
-    const std::string copying = "Copying lacking.txt\n";
-    const std::string failed = copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND);
+    const std::string failed = missing("lacking.txt");
     EXPECT_EQ(run.exitCode, 1603u);
-    EXPECT_EQ(run.output, copying + copying + copying);
-    EXPECT_EQ(run.error, failed + failed + failed);
+    EXPECT_EQ(run.output, "Copying lacking.txt\n");
+    EXPECT_EQ(run.error, failed + failed + failed + failedAfter("0 actions (1603)"));
 }
 
 TEST_F(TemzTest, GoesOnWhenARetrySucceeds) {
@@ -188,7 +216,7 @@ TEST_F(TemzTest, GoesOnWhenARetrySucceeds) {
     auto inUse = std::make_unique<LockedFile>(app(L"a.txt"));
     Pipe errors;
     const HandlePtr process = startProgram(
-        L"\"" + setup(L"temz.exe") + L"\" install install.xml --on-error=retry:999999999",
+        L"\"" + setup(L"temz.exe") + L"\" install install.xml --on-error=retry:999999999,0",
         folder.path(L"setup"), {nullptr, nullptr, errors.writer.get()});
     errors.writer.reset();
 
@@ -197,7 +225,7 @@ TEST_F(TemzTest, GoesOnWhenARetrySucceeds) {
     DWORD size = 0;
     ASSERT_TRUE(ReadFile(errors.reader.get(), text, sizeof text, &size, nullptr));
     inUse.reset();
-    EXPECT_THAT(std::string(text, size), StartsWith(copyFailed("a.txt", ERROR_SHARING_VIOLATION)));
+    EXPECT_THAT(withoutReturns({text, size}), StartsWith(held("Copying a.txt") + places("a.txt")));
     while (ReadFile(errors.reader.get(), text, sizeof text, &size, nullptr)) {
     }
 
@@ -214,17 +242,20 @@ TEST_F(TemzTest, TellsWhichFileCouldNotBeDeleted) {
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "Deleting a.txt\n");
-    EXPECT_EQ(run.error, "temz: Deleting a.txt failed\n");
+    EXPECT_EQ(run.error, held("Deleting a.txt") + "      at " + utf8(app(L"a.txt")) + "\n" +
+                             closeIt + failedAfter("0 actions (1603)"));
 }
 
-TEST_F(TemzTest, SurvivesTheFailureOfWhatIsNotVital) {
+TEST_F(TemzTest, SurvivesTheFailureOfWhatIsNotVitalButTellsOfIt) {
     writeScript(file("lacking.txt", "Vital='no'"));
 
     const ProgramRun run = temz(L"install install.xml");
 
     EXPECT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.output, "Copying lacking.txt\n");
-    EXPECT_EQ(run.error, "");
+    EXPECT_EQ(run.output,
+              "Copying lacking.txt\nDone: 0 actions. Left out: Copying lacking.txt (the file to "
+              "copy isn't there).\n");
+    EXPECT_EQ(run.error, missing("lacking.txt"));
 }
 
 TEST_F(TemzTest, FailsWhateverItIsToldWhenTheScriptIsWrong) {
@@ -235,8 +266,11 @@ TEST_F(TemzTest, FailsWhateverItIsToldWhenTheScriptIsWrong) {
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "Copying lacking.txt\nCopying a.txt\n");
-    EXPECT_EQ(run.error, copyFailed("lacking.txt", ERROR_FILE_NOT_FOUND) +
-                             "temz: (Component,All) has a illegal child element(Feature)\n");
+    EXPECT_EQ(run.error,
+              missing("lacking.txt") +
+                  "temz: (Component,All) has a illegal child element(Feature).\n" +
+                  failedAfter("1 action (1603)",
+                              " Left out: Copying lacking.txt (the file to copy isn't there)."));
 }
 
 TEST_F(TemzTest, FailsWithoutAnInstallSequence) {
@@ -246,7 +280,8 @@ TEST_F(TemzTest, FailsWithoutAnInstallSequence) {
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "");
-    EXPECT_EQ(run.error, "temz: Failed to create install element.\n");
+    EXPECT_EQ(run.error,
+              "temz: Failed to create install element.\n" + failedAfter("0 actions (1603)"));
 }
 
 TEST_F(TemzTest, DoesNothingWithoutComplaintWhenThereIsNothingToDo) {
@@ -255,7 +290,7 @@ TEST_F(TemzTest, DoesNothingWithoutComplaintWhenThereIsNothingToDo) {
     const ProgramRun run = temz(L"install install.xml");
 
     EXPECT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.output, "Done: 0 actions.\n");
     EXPECT_EQ(run.error, "");
 }
 
@@ -264,8 +299,10 @@ TEST_F(TemzTest, WritesTheCautionsOfTheMode) {
         "<Caution Title='Welcome' On='install'/><Caution Title='Farewell' On='uninstall'/>"
         "<Caution Title='Read me'/>");
 
-    EXPECT_EQ(temz(L"install install.xml").output, "Caution: Welcome\nCaution: Read me\n");
-    EXPECT_EQ(temz(L"uninstall install.xml").output, "Caution: Farewell\nCaution: Read me\n");
+    EXPECT_EQ(temz(L"install install.xml").output,
+              "Caution: Welcome\nCaution: Read me\nDone: 2 actions.\n");
+    EXPECT_EQ(temz(L"uninstall install.xml").output,
+              "Caution: Farewell\nCaution: Read me\nDone: 2 actions.\n");
 }
 
 TEST_F(TemzTest, FindsFilesBesideItselfWhereverTheScriptIs) {
@@ -298,7 +335,7 @@ TEST_F(TemzTest, WritesUtf8) {
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "Caution: Caf\u00E9\nCopying Pr\u00E9nom.txt\n");
-    EXPECT_EQ(run.error, copyFailed("Pr\u00E9nom.txt", ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(run.error, missing("Pr\u00E9nom.txt") + failedAfter("1 action (1603)"));
 }
 
 TEST_F(TemzTest, ReadsUtf8) {
@@ -365,7 +402,8 @@ TEST_F(TemzTest, TellsWhyAScriptCannotBeOpened) {
 
         EXPECT_EQ(run.exitCode, 1619u);
         EXPECT_EQ(run.output, "");
-        EXPECT_EQ(run.error, "temz: " + utf8(script) + " can't be opened: " + reason + "\n");
+        EXPECT_EQ(run.error, "temz: " + utf8(script) + " can't be opened: " + reason +
+                                 "\nNothing was done (1619).\n");
     }
 }
 
@@ -396,49 +434,32 @@ TEST_F(TemzTest, TellsWhyAScriptCannotBeLoaded) {
 
         EXPECT_EQ(run.exitCode, 1620u) << content;
         EXPECT_EQ(run.output, "");
-        EXPECT_EQ(run.error, "temz: install.xml can't be loaded: " + reason + "\n");
+        EXPECT_EQ(run.error,
+                  "temz: install.xml can't be loaded: " + reason + "\nNothing was done (1620).\n");
     }
 }
 
 TEST_F(TemzTest, RefusesAWrongCommandLine) {
     ship(L"a.txt", "a");
     writeScript(file("a.txt"));
-    const std::string noPolicy = " is none of abort, ignore and retry:N.";
     const struct {
         std::wstring arguments;
         std::string problem;
     } commandLines[] = {
-        {L"", "The mode is missing."},
-        {L"--on-error=abort", "The mode is missing."},
-        {L"remove install.xml", "remove is no mode."},
-        {L"Install install.xml", "Install is no mode."},
-        {L"install", "The script is missing."},
-        {L"install \"\"", "The script is missing."},
+        {L"", "The command is missing."},
+        {L"remove install.xml", "remove is no command."},
+        {L"install", "The SCRIPT is missing."},
         {L"install install.xml more", "more is one argument too many."},
         {L"install install.xml --force", "--force is no option."},
-        {L"install install.xml -f", "-f is no option."},
-        {L"install install.xml --on-error", "--on-error is no option."},
-        {L"install install.xml --on-error abort", "--on-error is no option."},
-        {L"install install.xml --on-error=", "--on-error=" + noPolicy},
-        {L"install install.xml --on-error=Abort", "--on-error=Abort" + noPolicy},
-        {L"install install.xml --on-error=retry", "--on-error=retry" + noPolicy},
-        {L"install install.xml --on-error=retry:", "--on-error=retry:" + noPolicy},
-        {L"install install.xml --on-error=retry:0", "--on-error=retry:0" + noPolicy},
-        {L"install install.xml --on-error=retry:x", "--on-error=retry:x" + noPolicy},
-        {L"install install.xml --on-error=retry:-1", "--on-error=retry:-1" + noPolicy},
-        {L"install install.xml --on-error=retry:2x", "--on-error=retry:2x" + noPolicy},
-        {L"install install.xml --on-error=retry:1000000000",
-         "--on-error=retry:1000000000" + noPolicy},
-        {L"install install.xml --on-error=retry:99999999999",
-         "--on-error=retry:99999999999" + noPolicy},
-        {L"install install.xml --on-error=abort --on-error=abort", "--on-error stands twice."},
+        {L"install install.xml --on-error=Abort",
+         "--on-error can't be \"Abort\", only abort|ignore|retry:N[,SECONDS]."},
     };
     for (const auto& [arguments, problem] : commandLines) {
         const ProgramRun run = temz(arguments);
 
         EXPECT_EQ(run.exitCode, 1639u) << problem;
         EXPECT_EQ(run.output, "");
-        EXPECT_EQ(run.error, "temz: " + problem + "\n" + usage);
+        EXPECT_EQ(run.error, "temz: " + problem + "\n\n" + utf8(usage()));
     }
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
@@ -446,14 +467,54 @@ TEST_F(TemzTest, RefusesAWrongCommandLine) {
 TEST_F(TemzTest, ExplainsItselfWhenAsked) {
     ship(L"a.txt", "a");
     writeScript(file("a.txt"));
-    for (const wchar_t* arguments : {L"-h", L"--help", L"install install.xml --help"}) {
+    for (const wchar_t* arguments :
+         {L"-h", L"--help", L"/?", L"help", L"install install.xml --help"}) {
         const ProgramRun run = temz(arguments);
 
         EXPECT_EQ(run.exitCode, 0u);
-        EXPECT_EQ(run.output, usage);
+        EXPECT_EQ(run.output, utf8(usage()));
         EXPECT_EQ(run.error, "");
     }
     EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(TemzTest, TellsItsVersion) {
+    EXPECT_EQ(temz(L"--version").output, utf8(L"temz " + programVersion() + L"\n"));
+}
+
+TEST_F(TemzTest, ExplainsCodesAndMessages) {
+    const struct {
+        const wchar_t* arguments;
+        std::string answer;
+    } questions[] = {
+        {L"explain 1618",
+         "Another run goes on on this machine. Nothing was done.\n"
+         "Run the command again when that has ended, or let --wait=SECONDS wait for it.\n"},
+        {L"explain 5", "Windows: " + utf8(systemMessage(ERROR_ACCESS_DENIED)) +
+                           "\nRun it from an administrator's prompt.\n"},
+        {L"explain \"temz: There is no root element.\"",
+         "The file holds no element.\nName an install script.\n"},
+    };
+    for (const auto& [arguments, answer] : questions) {
+        const ProgramRun run = temz(arguments);
+        EXPECT_EQ(run.exitCode, 0u);
+        EXPECT_EQ(run.output, answer);
+    }
+    EXPECT_EQ(temz(L"explain nonsense").exitCode, 1639u);
+}
+
+// The README's rows are those of `temz help codes`, each with the meaning that stands there.
+TEST_F(TemzTest, EndsWithTheCodesThatTheReadmeLists) {
+    const std::string output = temz(L"help codes").output;
+    const std::string readme = readFile(testProgramDirectory() + L"\\README.md");
+    std::string rows;
+    for (const std::string& line : linesOf(output))
+        if (line.find_first_not_of(' ') < codeEnd)
+            rows +=
+                "| " +
+                line.substr(line.find_first_not_of(' '), codeEnd - line.find_first_not_of(' ')) +
+                " | " + line.substr(codeEnd + 2) + " |\n";
+    EXPECT_NE(readme.find("| Code | Meaning |\n|---|---|\n" + rows), std::string::npos) << rows;
 }
 
 }  // namespace

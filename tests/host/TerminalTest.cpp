@@ -12,9 +12,36 @@ using testing::Pair;
 
 namespace {
 
+/// A text as a screen of 80 columns shows it.
+std::string wrapped(const std::string& text) {
+    constexpr size_t columns = 80;
+    std::string screen;
+    size_t column = 0;
+    for (const char character : text) {
+        if (character != '\n' && column == columns) {
+            screen.erase(screen.find_last_not_of(' ') + 1);
+            screen += '\n';
+            column = 0;
+        }
+        column = character == '\n' ? 0 : column + 1;
+        screen += character;
+    }
+    return screen;
+}
+
+std::string failedAfter(const std::string& actions, const std::string& rest = {}) {
+    return wrapped("Failed after " + actions + ". What was done before stays." + rest + "\n");
+}
+
+std::string endedAfter(const std::string& actions) {
+    return "Ended by the user after " + actions + " (1602). What was done before stays.\n";
+}
+
 class TerminalTest : public SetupTest {
 protected:
     void SetUp() override { REQUIRES_WINE("a console may be smaller than its window"); }
+
+    std::string missing(const std::string& name) const { return wrapped(SetupTest::missing(name)); }
 };
 
 const std::string question = "Retry, abort or ignore? [r/a/i] ";
@@ -23,9 +50,8 @@ std::string bar(int hashes, const std::string& text) {
     return "[" + std::string(hashes, '#') + std::string(30 - hashes, '.') + "] " + text + "\n";
 }
 
-/// What is told about a file that the setup lacks.
-std::string missing(const std::string& name) {
-    return "temz: Copying " + name + " failed: " + systemError(ERROR_FILE_NOT_FOUND) + "\n";
+std::string done(const std::string& actions) {
+    return bar(30, "100% Done") + "Done: " + actions + ".\n";
 }
 
 TEST_F(TerminalTest, ShowsOneBarToTheEnd) {
@@ -36,7 +62,7 @@ TEST_F(TerminalTest, ShowsOneBarToTheEnd) {
     const ProgramRun run = temzAtTerminal(L"install install.xml");
 
     EXPECT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.output, bar(30, "100% Done"));
+    EXPECT_EQ(run.output, done("2 actions"));
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a"), Pair(L"b.txt", "b")));
 }
 
@@ -44,11 +70,15 @@ TEST_F(TerminalTest, AsksAndGoesOnWithoutTheAction) {
     ship(L"b.txt", "b");
     writeScript(file("a.txt") + file("b.txt"));
 
-    const ProgramRun run = temzAtTerminal(L"install install.xml", L"maybe,ignore,");
+    const ProgramRun run =
+        temzAtTerminal(L"install install.xml --accept-ignored", L"maybe,ignore,");
 
     EXPECT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") + question + "maybe\n" +
-                              question + "ignore\n" + bar(30, "100% Done"));
+    EXPECT_EQ(run.output,
+              bar(0, "  0% Copying a.txt") + missing("a.txt") + question + "maybe\n" + question +
+                  "ignore\n" + bar(30, "100% Done") +
+                  wrapped("Done: 1 action. Left out: Copying a.txt (the file to copy isn't "
+                          "there).\n"));
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"b.txt", "b")));
 }
 
@@ -58,22 +88,43 @@ TEST_F(TerminalTest, AsksAfterEachRetryUntilTheUserAborts) {
     const ProgramRun run = temzAtTerminal(L"install install.xml", L"r,r,a,");
 
     EXPECT_EQ(run.exitCode, 1602u);
-    const std::string attempt = bar(0, "  0% Copying a.txt") + missing("a.txt") + question;
-    EXPECT_EQ(run.output, attempt + "r\n" + attempt + "r\n" + attempt + "a\n");
+    const std::string failed = missing("a.txt") + question;
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + failed + "r\n" + failed + "r\n" + failed +
+                              "a\n" + endedAfter("0 actions"));
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
+TEST_F(TerminalTest, IsAbortedByTheEndOfTheInput) {
+    writeScript(file("a.txt"));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml", L"Z,");
+
+    EXPECT_EQ(run.exitCode, 1602u);
+    EXPECT_TRUE(run.output.ends_with("\n" + endedAfter("0 actions"))) << run.output;
+}
+
+TEST_F(TerminalTest, TakesNoAnswerThatWasTypedBeforeTheQuestion) {
+    writeScript(file("a.txt"));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml", L"i,i,|a,");
+
+    EXPECT_EQ(run.exitCode, 1602u);
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") + question + "a\n" +
+                              endedAfter("0 actions"));
+}
+
 TEST_F(TerminalTest, ShowsHowFarTheRunHasComeAtEachFailure) {
-    writeScript(file("a.txt") + file("b.txt") + file("c.txt") + file("d.txt"));
+    writeScript(file("a.txt") + file("b.txt") + file("c.txt"));
 
-    const ProgramRun run = temzAtTerminal(L"install install.xml", L"i,i,i,i,");
+    const ProgramRun run = temzAtTerminal(L"install install.xml", L"i,i,a,");
 
-    EXPECT_EQ(run.exitCode, 0u);
     EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") + question + "i\n" +
-                              bar(7, " 25% Copying b.txt") + missing("b.txt") + question + "i\n" +
-                              bar(15, " 50% Copying c.txt") + missing("c.txt") + question + "i\n" +
-                              bar(22, " 75% Copying d.txt") + missing("d.txt") + question + "i\n" +
-                              bar(30, "100% Done"));
+                              bar(9, " 33% Copying b.txt") + missing("b.txt") + question + "i\n" +
+                              bar(19, " 66% Copying c.txt") + missing("c.txt") + question + "a\n" +
+                              wrapped("Ended by the user after 0 actions (1602). What was done "
+                                      "before stays. Left out: Copying a.txt (the file to copy "
+                                      "isn't there); Copying b.txt (the file to copy isn't "
+                                      "there).\n"));
 }
 
 TEST_F(TerminalTest, KeepsACautionOnALineOfItsOwn) {
@@ -84,15 +135,14 @@ TEST_F(TerminalTest, KeepsACautionOnALineOfItsOwn) {
     const ProgramRun run = temzAtTerminal(L"install install.xml");
 
     EXPECT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.output,
-              bar(0, "  0% Copying a.txt") + "Caution: Read me\n" + bar(30, "100% Done"));
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + "Caution: Read me\n" + done("3 actions"));
 }
 
 TEST_F(TerminalTest, ShowsTextsOfAnyAlphabet) {
     writeScript("<Caution Title='Caf\u00E9'/>");
 
     EXPECT_EQ(temzAtTerminal(L"install install.xml").output,
-              "Caution: Caf\u00E9\n" + bar(30, "100% Done"));
+              "Caution: Caf\u00E9\n" + done("1 action"));
 }
 
 TEST_F(TerminalTest, NeverWrapsTheBar) {
@@ -109,10 +159,51 @@ TEST_F(TerminalTest, NeverWrapsTheBar) {
 TEST_F(TerminalTest, ObeysThePolicyWithoutAQuestion) {
     writeScript(file("a.txt"));
 
-    const ProgramRun run = temzAtTerminal(L"install install.xml --on-error=ignore", L"a,");
+    const ProgramRun run =
+        temzAtTerminal(L"install install.xml --on-error=ignore --accept-ignored", L"a,");
 
     EXPECT_EQ(run.exitCode, 0u);
-    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") + bar(30, "100% Done"));
+    EXPECT_EQ(run.output,
+              bar(0, "  0% Copying a.txt") + missing("a.txt") + bar(30, "100% Done") +
+                  "Done: 0 actions. Left out: Copying a.txt (the file to copy isn't there).\n");
+}
+
+TEST_F(TerminalTest, AbortsWithoutAQuestionWhenPassive) {
+    writeScript(file("a.txt"));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml /passive", L"i,");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output,
+              bar(0, "  0% Copying a.txt") + missing("a.txt") + failedAfter("0 actions (1603)"));
+}
+
+TEST_F(TerminalTest, ShowsFailuresOnlyAndAsksNothingWhenQuiet) {
+    writeScript("<Caution Title='Read me'/>");
+    EXPECT_EQ(temzAtTerminal(L"install install.xml /quiet").output, "");
+
+    writeScript("<Caution Title='Read me'/>" + file("a.txt"));
+    const ProgramRun run = temzAtTerminal(L"install install.xml --quiet", L"i,");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_EQ(run.output, missing("a.txt") + failedAfter("1 action (1603)"));
+}
+
+TEST_F(TerminalTest, EndsBehindTheActionThatCtrlCInterrupts) {
+    ship(L"a.txt", "a");
+    ship(L"install.xml", actionScript("pressCtrlC", file("a.txt")));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 1602u);
+    EXPECT_EQ(run.output,
+              bar(0, "  0% Custom action pressCtrlC") +
+                  wrapped("temz: The run ends behind this action: Custom action pressCtrlC. Press "
+                          "Ctrl+C once more to end it at once.\n") +
+                  "\n" +
+                  wrapped("Stopped before Copying a.txt, after 1 action (1602). What was done "
+                          "before stays.\n"));
+    EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
 TEST_F(TerminalTest, AbortsWhereTheQuestionWouldNotBeSeen) {
@@ -123,7 +214,9 @@ TEST_F(TerminalTest, AbortsWhereTheQuestionWouldNotBeSeen) {
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt"));
-    EXPECT_EQ(readFile(setup(L"error.txt")), missing("a.txt"));
+    EXPECT_EQ(withoutReturns(readFile(setup(L"error.txt"))),
+              SetupTest::missing("a.txt") +
+                  "Failed after 0 actions (1603). What was done before stays.\n");
 }
 
 TEST_F(TerminalTest, AbortsWhereTheAnswerIsNotTyped) {
@@ -132,7 +225,8 @@ TEST_F(TerminalTest, AbortsWhereTheAnswerIsNotTyped) {
     const ProgramRun run = atTerminal(L"cmd /c \"temz.exe install install.xml <NUL\"", L"i,");
 
     EXPECT_EQ(run.exitCode, 1603u);
-    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt"));
+    EXPECT_EQ(run.output,
+              bar(0, "  0% Copying a.txt") + missing("a.txt") + failedAfter("0 actions (1603)"));
 }
 
 TEST_F(TerminalTest, AbortsWhereTheConsoleHasNoWindow) {
@@ -141,7 +235,8 @@ TEST_F(TerminalTest, AbortsWhereTheConsoleHasNoWindow) {
     const ProgramRun run = temzWithoutWindow(L"install install.xml", L"i,");
 
     EXPECT_EQ(run.exitCode, 1603u);
-    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt"));
+    EXPECT_EQ(run.output,
+              bar(0, "  0% Copying a.txt") + missing("a.txt") + failedAfter("0 actions (1603)"));
 }
 
 TEST_F(TerminalTest, AsksAlsoWhereThePlainLinesGoToAFile) {
@@ -151,8 +246,8 @@ TEST_F(TerminalTest, AsksAlsoWhereThePlainLinesGoToAFile) {
         atTerminal(L"cmd /c \"temz.exe install install.xml >output.txt\"", L"a,");
 
     EXPECT_EQ(run.exitCode, 1602u);
-    EXPECT_EQ(run.output, missing("a.txt") + question + "a\n");
-    EXPECT_EQ(readFile(setup(L"output.txt")), "Copying a.txt\n");
+    EXPECT_EQ(run.output, missing("a.txt") + question + "a\n" + endedAfter("0 actions"));
+    EXPECT_EQ(withoutReturns(readFile(setup(L"output.txt"))), "Copying a.txt\n");
 }
 
 }  // namespace

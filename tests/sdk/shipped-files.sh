@@ -16,7 +16,7 @@ expect() {
 # Windows takes these from its own directory, and others from the program's folder first.
 imports_what_is_safe() {
     ! sed -n 's/.*DLL Name: //p' <<<"$headers" |
-        grep -ivxE '(advapi32|kernel32|msvcrt|ole32|shell32|user32|temz)\.dll'
+        grep -ivxE '(advapi32|kernel32|msvcrt|ole32|shell32|user32|temz|temzc)\.dll'
 }
 
 # The record in which a debugger looks for what names a build.

@@ -1,4 +1,5 @@
-// A library with a custom action that fails, and tells how its host has started.
+// A library with custom actions for tests of the host: one that fails and tells how its host has
+// started, and some that make of the moment of the run what a test wants.
 
 #include <windows.h>
 
@@ -6,6 +7,21 @@
 #include <temz/CustomAction.h>
 
 #include <cwchar>
+#include <string>
+
+namespace {
+
+HANDLE pressHandled = nullptr;  // the thread on which the host's handler takes the press
+HANDLE pressSeen = nullptr;
+
+// Is asked before the host's own handler, on the same thread.
+BOOL WINAPI notePress(DWORD) {
+    pressHandled = OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId());
+    SetEvent(pressSeen);
+    return FALSE;
+}
+
+}  // namespace
 
 extern "C" __declspec(dllexport) uint32_t
     tellStart(CustomActionParams*, wchar_t* message, uint32_t capacity) {
@@ -13,4 +29,30 @@ extern "C" __declspec(dllexport) uint32_t
     std::swprintf(message, capacity, L"error mode %u, %ls", GetErrorMode(),
                   apartment ? L"an apartment" : L"no apartment");
     return 1;
+}
+
+/// Presses Ctrl+C, and returns when the host has taken it.
+extern "C" __declspec(dllexport) uint32_t pressCtrlC(CustomActionParams*, wchar_t*, uint32_t) {
+    pressSeen = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    SetConsoleCtrlHandler(&notePress, TRUE);
+    GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+    WaitForSingleObject(pressSeen, INFINITE);
+    WaitForSingleObject(pressHandled, INFINITE);
+    SetConsoleCtrlHandler(&notePress, FALSE);
+    CloseHandle(pressHandled);
+    CloseHandle(pressSeen);
+    return 0;
+}
+
+/// Writes the file "held" into the application's directory, and returns when somebody has deleted
+/// it.
+extern "C" __declspec(dllexport) uint32_t hold(CustomActionParams* params, wchar_t*, uint32_t) {
+    const std::string file = std::string(params->applicationRootDirectory) + "\\held";
+    CloseHandle(CreateFileA(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+    constexpr DWORD pollInterval = 5;
+    constexpr int patience = 6000;  // half a minute
+    int polls = 0;
+    while (GetFileAttributesA(file.c_str()) != INVALID_FILE_ATTRIBUTES && ++polls < patience)
+        Sleep(pollInterval);
+    return 0;
 }

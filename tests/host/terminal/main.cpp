@@ -3,13 +3,17 @@
 //
 //     temz_terminal SCREEN_FILE TYPED PROGRAM [ARGUMENTS]...
 //
-// TYPED holds a comma for each press of the Enter key. It has to be started with a console.
+// TYPED holds a comma for each press of the Enter key, Z for Ctrl+Z. What stands in front of a bar
+// is typed before the program starts; of the rest one line as soon as each question stands there.
+// It has to be started with a console.
 
 #include <windows.h>
 
 #include <cstdio>
 #include <cwchar>
+#include <iterator>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -21,20 +25,56 @@ HANDLE openConsole(const wchar_t* name) {
                        &inherited, OPEN_EXISTING, 0, nullptr);
 }
 
-void type(HANDLE input, const wchar_t* text) {
-    for (; *text; ++text) {
+void type(HANDLE input, const std::wstring& text) {
+    for (const wchar_t character : text) {
         INPUT_RECORD key{};
         key.EventType = KEY_EVENT;
         key.Event.KeyEvent.bKeyDown = TRUE;
         key.Event.KeyEvent.wRepeatCount = 1;
-        key.Event.KeyEvent.wVirtualKeyCode = *text == L',' ? VK_RETURN : 0;
-        key.Event.KeyEvent.uChar.UnicodeChar = *text == L',' ? L'\r' : *text;
+        key.Event.KeyEvent.wVirtualKeyCode = character == L',' ? VK_RETURN : 0;
+        key.Event.KeyEvent.uChar.UnicodeChar = character == L','   ? L'\r'
+                                               : character == L'Z' ? L'\x1A'
+                                                                   : character;
         DWORD written = 0;
         WriteConsoleInputW(input, &key, 1, &written);
     }
 }
 
-DWORD run(std::wstring command, HANDLE input, HANDLE output) {
+/// Answers each question as soon as the cursor stands behind it.
+class Answers {
+public:
+    Answers(std::wstring lines, HANDLE input, HANDLE output)
+        : lines(std::move(lines)), input(input), output(output) {}
+
+    void giveIfAsked() {
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        GetConsoleScreenBufferInfo(output, &info);
+        const SHORT row = info.dwCursorPosition.Y;
+        if (row <= answeredRow || info.dwCursorPosition.X != std::size(question) - 1)
+            return;
+        wchar_t text[std::size(question)] = {};
+        DWORD read = 0;
+        ReadConsoleOutputCharacterW(output, text, std::size(question) - 1, {0, row}, &read);
+        if (std::wcscmp(text, question) != 0)
+            return;
+        answeredRow = row;
+        const size_t end = lines.find(L',');
+        if (end == std::wstring::npos)
+            return;
+        type(input, lines.substr(0, end + 1));
+        lines.erase(0, end + 1);
+    }
+
+private:
+    static constexpr wchar_t question[] = L"Retry, abort or ignore? [r/a/i] ";
+
+    std::wstring lines;
+    HANDLE input;
+    HANDLE output;
+    SHORT answeredRow = -1;
+};
+
+DWORD run(std::wstring command, HANDLE input, HANDLE output, Answers answers) {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -44,9 +84,14 @@ DWORD run(std::wstring command, HANDLE input, HANDLE output) {
     if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                         &startup, &process))
         return GetLastError();
-    constexpr DWORD patience = 30'000;
-    if (WaitForSingleObject(process.hProcess, patience) != WAIT_OBJECT_0)
-        TerminateProcess(process.hProcess, WAIT_TIMEOUT);
+    constexpr DWORD pollInterval = 5;
+    constexpr ULONGLONG patience = 30'000;
+    const ULONGLONG start = GetTickCount64();
+    while (WaitForSingleObject(process.hProcess, pollInterval) == WAIT_TIMEOUT) {
+        answers.giveIfAsked();
+        if (GetTickCount64() - start > patience)
+            TerminateProcess(process.hProcess, WAIT_TIMEOUT);
+    }
     DWORD exitCode = 0;
     WaitForSingleObject(process.hProcess, INFINITE);
     GetExitCodeProcess(process.hProcess, &exitCode);
@@ -68,6 +113,11 @@ std::wstring readScreen(HANDLE output) {
     }
     screen.pop_back();
     return screen;
+}
+
+/// Ctrl+C is for the program alone.
+BOOL WINAPI outlive(DWORD) {
+    return TRUE;
 }
 
 std::wstring joinCommand(wchar_t** begin, wchar_t** end) {
@@ -97,8 +147,14 @@ int wmain(int count, wchar_t** arguments) {
         return ERROR_INVALID_PARAMETER;
     const HANDLE input = openConsole(L"CONIN$");
     const HANDLE output = openConsole(L"CONOUT$");
-    type(input, arguments[2]);
-    const DWORD exitCode = run(joinCommand(arguments + 3, arguments + count), input, output);
+    SetConsoleCtrlHandler(&outlive, TRUE);
+    const std::wstring typed = arguments[2];
+    const size_t bar = typed.find(L'|');
+    if (bar != std::wstring::npos)
+        type(input, typed.substr(0, bar));
+    const DWORD exitCode =
+        run(joinCommand(arguments + 3, arguments + count), input, output,
+            {typed.substr(bar == std::wstring::npos ? 0 : bar + 1), input, output});
     if (!writeUtf8(arguments[1], readScreen(output)))
         return ERROR_WRITE_FAULT;
     return static_cast<int>(exitCode);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+// The replacements of files that wait for the next restart, of which the engine makes one for a
+// file that it couldn't replace. They stand in the registry; what others have registered there is
+// never touched.
+
+/// Whether a replacement of the engine's own would put a file at `target`.
+bool isReplacementPending(const std::wstring& target);
+
+/// Takes it back, staged file included. True when none is left.
+bool dropReplacement(const std::wstring& target);

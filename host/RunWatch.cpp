@@ -1,0 +1,178 @@
+#include "RunWatch.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "Diagnosis.h"
+
+namespace {
+
+/// How the engine's log tells that a failure doesn't matter to the script.
+constexpr std::wstring_view notVitalLine = L"The last error isn't vital - ignore.";
+
+// The pauses before retries, where the policy names none.
+constexpr std::chrono::milliseconds firstPause{250};
+constexpr std::chrono::milliseconds longestPause{2000};
+
+Call copyOf(const temz_call& call) {
+    Call copy;
+    copy.group = call.group;
+    copy.name = call.name;
+    copy.arguments.assign(call.arguments, call.arguments + call.argument_count);
+    copy.result = call.result;
+    copy.failed = call.failed != 0;
+    copy.systemError = call.system_error;
+    copy.duration = std::chrono::nanoseconds(call.duration);
+    return copy;
+}
+
+}  // namespace
+
+RunWatch::RunWatch(std::vector<Reporter*> reporters, std::optional<ErrorPolicy> policy,
+                   WatchDuties duties)
+    : reporters(std::move(reporters)), policy(policy), duties(std::move(duties)) {}
+
+temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome& outcome) {
+    context = runContext;
+    temz_observer observer{};
+    observer.size = sizeof observer;
+    observer.user = this;
+    observer.update = [](void* watch, const temz_outcome* now) {
+        return static_cast<RunWatch*>(watch)->update(*now);
+    };
+    observer.ask = [](void* watch, const temz_outcome* now) {
+        return static_cast<RunWatch*>(watch)->decide(now->error);
+    };
+    temz_tracer tracer{};
+    tracer.size = sizeof tracer;
+    tracer.user = this;
+    tracer.call = [](void* watch, const temz_call* call) {
+        static_cast<RunWatch*>(watch)->hear(*call);
+    };
+    temz_set_observer(context, &observer);
+    temz_set_tracer(context, &tracer);
+    const temz_status status = temz_run(context, mode, &outcome);
+    temz_set_observer(context, nullptr);
+    temz_set_tracer(context, nullptr);
+
+    // What keeps an action from being made at all, and a condition that fails, end a run unasked.
+    if (status == TEMZ_RUN_FAILED && fate != Fate::failed) {
+        if (outcome.error.code != action.code) {
+            endAction();
+            action = {};
+        }
+        tellFailure(outcome.error);
+        fate = Fate::failed;
+    }
+    endAction();
+    counted.restartNeeded = outcome.restart != 0;
+    return status;
+}
+
+temz_answer RunWatch::update(const temz_outcome& now) {
+    const bool again = std::exchange(retrying, false) && now.action.code == action.code &&
+                       now.action.text1 == action.text1 && now.action.text2 == action.text2;
+    if (again) {
+        action.calls.clear();
+        return TEMZ_CONTINUE;
+    }
+    endAction();
+    Action next;
+    next.number = ++counted.actions;
+    next.percent = std::max(action.percent, std::min<unsigned>(now.progress, 100));
+    next.code = now.action.code;
+    next.text1 = now.action.text1;
+    next.text2 = now.action.text2;
+    action = std::move(next);
+    if (duties.stopWanted()) {
+        fate = Fate::stopped;
+        userEnded = true;
+        counted.stoppedAt = describeAction(action.code, action.text1, action.text2);
+        return TEMZ_STOP;
+    }
+    tell([this](Reporter& reporter) { reporter.began(action); });
+    return TEMZ_CONTINUE;
+}
+
+temz_answer RunWatch::decide(const temz_error& error) {
+    tellFailure(error);
+    const temz_answer answer = policy ? answerByPolicy() : answerByUser();
+    retrying = answer == TEMZ_RETRY;
+    if (answer == TEMZ_IGNORE) {
+        fate = Fate::ignored;
+        ++counted.ignored;
+    } else if (answer == TEMZ_ABORT) {
+        fate = Fate::failed;
+    }
+    return answer;
+}
+
+temz_answer RunWatch::answerByPolicy() {
+    if (policy->answer != TEMZ_RETRY)
+        return policy->answer;
+    if (attempt > policy->retries)
+        return TEMZ_ABORT;
+    duties.wait(pauseBeforeRetry());
+    if (!duties.stopWanted())
+        return TEMZ_RETRY;
+    userEnded = true;
+    return TEMZ_ABORT;
+}
+
+temz_answer RunWatch::answerByUser() {
+    const std::optional<temz_answer> answer = duties.ask();
+    userEnded = answer == TEMZ_ABORT;
+    return answer.value_or(TEMZ_ABORT);
+}
+
+std::chrono::milliseconds RunWatch::pauseBeforeRetry() const {
+    if (policy->pause)
+        return std::chrono::seconds(*policy->pause);
+    std::chrono::milliseconds pause = firstPause;
+    for (unsigned i = 1; i < attempt && pause < longestPause; ++i)
+        pause *= 2;
+    return std::min(pause, longestPause);
+}
+
+void RunWatch::hear(const temz_call& heard) {
+    Call call = copyOf(heard);
+    tell([&call](Reporter& reporter) { reporter.called(call); });
+    if (call.name == L"MoveFileExW" && !call.failed)
+        counted.waiting.push_back(call.arguments[1]);
+    const bool notVital = call.group == L"log" && call.arguments[0].ends_with(notVitalLine);
+    action.calls.push_back(std::move(call));
+    if (!notVital)
+        return;
+    temz_outcome now{};
+    now.size = sizeof now;
+    temz_get_outcome(context, &now);
+    tellFailure(now.error);
+    fate = Fate::nonVital;
+    ++counted.nonVital;
+}
+
+// Some actions fail unannounced, several of them perhaps since the last announcement.
+void RunWatch::tellFailure(const temz_error& error) {
+    Failure failure = duties.diagnose(action, error);
+    attempt = failure.what == lastFailed ? attempt + 1 : 1;
+    lastFailed = failure.what;
+    tell([&](Reporter& reporter) { reporter.failed(action, failure, attempt); });
+    failures.push_back(std::move(failure));
+}
+
+void RunWatch::endAction() {
+    if (fate == Fate::done)
+        failures.clear();  // a retry has taken them back
+    if (!first && !failures.empty())
+        first = failures.front();
+    if (fate == Fate::ignored || fate == Fate::nonVital)
+        for (const Failure& failure : failures)
+            counted.leftOut.push_back(failure.what + L" (" + failure.why + L")");
+    failures.clear();
+    counted.done += fate == Fate::done && action.number > 0;
+    if (action.number > 0)
+        tell([this](Reporter& reporter) { reporter.ended(action, fate); });
+    fate = Fate::done;
+    lastFailed.clear();
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <temz/temz.h>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Report.h"
+
+/// What is done about a vital failure when nobody is asked.
+struct ErrorPolicy {
+    temz_answer answer = TEMZ_ABORT;
+    unsigned retries = 0;  ///< with TEMZ_RETRY: attempts after the first, then the run ends
+    std::optional<unsigned>
+        pause;  ///< seconds before each of them; without it, a pause that doubles
+};
+
+/// What a watch asks of the rest of the program.
+struct WatchDuties {
+    /// Whether the user wants the run to end before its next action.
+    std::function<bool()> stopWanted;
+    /// Why an action has failed.
+    std::function<Failure(const Action&, const temz_error&)> diagnose;
+    /// What to do about a vital failure when no policy says it; nothing when nobody answers.
+    std::function<std::optional<temz_answer>()> ask;
+    /// Waits; ends at once when the user wants the run to end.
+    std::function<void(std::chrono::milliseconds)> wait;
+};
+
+/// Follows a run through the engine's callbacks: tells the reporters, keeps the calls of the action
+/// that is under way, counts, and decides about failures.
+class RunWatch {
+public:
+    RunWatch(std::vector<Reporter*> reporters, std::optional<ErrorPolicy> policy,
+             WatchDuties duties);
+    RunWatch(const RunWatch&) = delete;
+    RunWatch& operator=(const RunWatch&) = delete;
+
+    /// Carries out the script that the context has loaded. The status is temz_run's.
+    temz_status run(temz_context* context, temz_mode mode, temz_outcome& outcome);
+
+    /// What has been counted; the exit code is the caller's to decide.
+    const RunSummary& summary() const { return counted; }
+    /// Whether the run was ended by an answer of the user's.
+    bool endedByUser() const { return userEnded; }
+    /// The first failure of the run that wasn't taken back by a retry.
+    const std::optional<Failure>& firstFailure() const { return first; }
+
+private:
+    temz_answer update(const temz_outcome& now);
+    temz_answer decide(const temz_error& error);
+    void hear(const temz_call& call);
+
+    temz_answer answerByPolicy();
+    temz_answer answerByUser();
+    std::chrono::milliseconds pauseBeforeRetry() const;
+    void tellFailure(const temz_error& error);
+    void endAction();
+
+    template <class Tell>
+    void tell(const Tell& tellOne) {
+        for (Reporter* reporter : reporters)
+            tellOne(*reporter);
+    }
+
+    std::vector<Reporter*> reporters;
+    std::optional<ErrorPolicy> policy;
+    WatchDuties duties;
+
+    temz_context* context = nullptr;
+    Action action;                  // the one that is under way
+    Fate fate = Fate::done;         // as far as it is known
+    std::vector<Failure> failures;  // since its announcement
+    std::wstring lastFailed;
+    unsigned attempt = 0;   // of what failed last
+    bool retrying = false;  // the next announcement may be the same action's
+    RunSummary counted;
+    std::optional<Failure> first;
+    bool userEnded = false;
+};

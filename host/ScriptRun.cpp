@@ -1,0 +1,250 @@
+#include "ScriptRun.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <vector>
+
+#include "Console.h"
+#include "ConsoleReporter.h"
+#include "Diagnosis.h"
+#include "JsonReporter.h"
+#include "LogReporter.h"
+#include "Machine.h"
+#include "PendingFiles.h"
+#include "RunGuard.h"
+#include "RunWatch.h"
+#include "ScriptFile.h"
+#include "StopRequest.h"
+#include "Version.h"
+
+namespace {
+
+constexpr const wchar_t* modeWords[] = {L"install", L"uninstall", L"upgrade"};
+
+struct ContextDeleter {
+    void operator()(temz_context* context) const { temz_free(context); }
+};
+using ContextPtr = std::unique_ptr<temz_context, ContextDeleter>;
+
+ContextPtr makeContext() {
+    temz_context* context = nullptr;
+    temz_create(&context);
+    return ContextPtr(context);
+}
+
+std::wstring lastFailure(temz_context* context) {
+    size_t length = 0;
+    temz_last_failure(context, nullptr, 0, &length);
+    std::wstring text(length, L'\0');
+    temz_last_failure(context, text.data(), text.size(), &length);
+    text.resize(length - 1);
+    return text;
+}
+
+std::optional<temz_answer> askUser() {
+    if (!canAsk())
+        return std::nullopt;
+    dropTypedAhead();
+    std::wstring line;
+    while (true) {
+        write(Stream::error, L"Retry, abort or ignore? [r/a/i] ");
+        if (!readLine(line) || line == L"a" || line == L"abort")
+            return TEMZ_ABORT;
+        if (line == L"r" || line == L"retry")
+            return TEMZ_RETRY;
+        if (line == L"i" || line == L"ignore")
+            return TEMZ_IGNORE;
+    }
+}
+
+/// Sees to files that were replaced with delay and are deleted before the restart came: it would
+/// bring them back.
+class PendingWatch final : public Reporter {
+public:
+    PendingWatch(const std::vector<std::unique_ptr<Reporter>>& others, bool drop)
+        : others(others), drop(drop) {}
+
+    void ended(const Action& action, Fate fate) override {
+        if (action.code != TEMZ_ACTION_DELETE_FILE || fate != Fate::done)
+            return;
+        const std::wstring target = placesOf(action).target;
+        if (!isReplacementPending(target))
+            return;
+        if (!drop)
+            warn(L"The next restart brings " + target +
+                 L" back, which waits for it since it was replaced. --drop-pending takes that "
+                 L"back.");
+        else if (dropReplacement(target))
+            warn(target + L" no longer waits for the next restart.");
+        else
+            warn(L"The next restart brings " + target + L" back: that can't be taken back.");
+    }
+
+private:
+    void warn(const std::wstring& text) const {
+        for (const auto& other : others)
+            other->warned(text);
+    }
+
+    const std::vector<std::unique_ptr<Reporter>>& others;
+    const bool drop;
+};
+
+/// Has the wish to stop know which action it finds under way.
+class ActionWatch final : public Reporter {
+public:
+    explicit ActionWatch(StopRequest& stop) : stop(stop) {}
+
+    void began(const Action& action) override {
+        stop.setAction(describeAction(action.code, action.text1, action.text2));
+    }
+
+private:
+    StopRequest& stop;
+};
+
+/// One command that runs a script.
+class ScriptRun {
+public:
+    explicit ScriptRun(const CommandLine& command) : command(command) {}
+
+    Ending carryOut() {
+        std::wstring problem;
+        if (!openReporters(problem)) {
+            write(Stream::error, L"temz: " + problem + L"\n");
+            return Ending::logNotOpened;
+        }
+        tell([this](Reporter& reporter) { reporter.started(header()); });
+        summary.ending = runLoaded();
+        tell([this](Reporter& reporter) { reporter.finished(summary); });
+        return summary.ending;
+    }
+
+private:
+    bool openReporters(std::wstring& problem) {
+        if (!command.log.empty()) {
+            auto log = LogReporter::open(
+                command.log,
+                command.verbose ? LogReporter::Detail::calls : LogReporter::Detail::actions,
+                problem);
+            if (!log)
+                return false;
+            reporters.push_back(std::move(log));
+        }
+        if (command.json)
+            reporters.push_back(std::make_unique<JsonReporter>(
+                command.verbose ? JsonReporter::Detail::calls : JsonReporter::Detail::actions));
+        else
+            reporters.push_back(std::make_unique<ConsoleReporter>(
+                command.quiet ? ConsoleReporter::Detail::failuresOnly
+                              : ConsoleReporter::Detail::all,
+                command.log.empty() ? L"" : wholePath(command.log)));
+        return true;
+    }
+
+    RunHeader header() const {
+        RunHeader header;
+        header.version = programVersion();
+        header.commandLine = GetCommandLineW();
+        header.windows = windowsVersion();
+        header.user = userName();
+        header.elevated = isElevated();
+        header.mode = modeWords[command.mode];
+        header.script = wholePath(command.script);
+        header.scriptHash = sha256OfFile(header.script);
+        return header;
+    }
+
+    Ending runLoaded() {
+        const std::wstring problem = findOpenProblem(command.script);
+        if (!problem.empty())
+            return refuse(Ending::scriptNotOpened,
+                          command.script + L" can't be opened: " + problem);
+        const std::wstring reading = findReadingProblem(command.script);
+        if (!reading.empty())
+            warn(command.script + L" may be misread: " + reading);
+        const std::wstring path = findLoadablePath(wholePath(command.script));
+        if (path.empty())
+            return refuse(
+                Ending::scriptNotOpened,
+                command.script + L" can't be opened: its name isn't in the active code page.");
+        const RunGuard guard{std::chrono::seconds(command.waitSeconds)};
+        if (!guard)
+            return refuse(Ending::otherRunGoesOn, L"Another run goes on on this machine.");
+        const ContextPtr context = makeContext();
+        const temz_status loaded = temz_load(context.get(), path.c_str());
+        if (loaded != TEMZ_OK)
+            return refuse(loaded == TEMZ_LOAD_FAILED ? Ending::scriptNotLoaded : Ending::failed,
+                          command.script + L" can't be loaded: " + reasonOf(loaded, context.get()));
+        return run(context.get());
+    }
+
+    static std::wstring reasonOf(temz_status status, temz_context* context) {
+        if (status != TEMZ_LOAD_FAILED)
+            return temz_status_text(status);
+        const std::wstring reason = lastFailure(context);
+        return reason.empty() ? L"It is no XML that the engine can read." : reason;
+    }
+
+    Ending refuse(Ending ending, const std::wstring& reason) {
+        warn(reason);
+        return ending;
+    }
+
+    void warn(const std::wstring& text) {
+        tell([&text](Reporter& reporter) { reporter.warned(text); });
+    }
+
+    Ending run(temz_context* context) {
+        const QuickEditOff quickEditOff;
+        StopRequest stop;
+        ActionWatch current(stop);
+        PendingWatch pending(reporters, command.dropPending);
+        std::vector<Reporter*> watchers{&current, &pending};
+        for (const auto& reporter : reporters)
+            watchers.push_back(reporter.get());
+        const bool asks = !command.quiet && !command.passive && !command.json;
+        RunWatch watch(watchers, command.onError,
+                       {[&stop] { return stop.wanted(); },
+                        [](const Action& action, const temz_error& error) {
+                            return diagnose(action, error, realWitnesses);
+                        },
+                        [asks] { return asks ? askUser() : std::nullopt; },
+                        [&stop](std::chrono::milliseconds time) { stop.wait(time); }});
+        temz_outcome outcome{};
+        outcome.size = sizeof outcome;
+        const temz_status status = watch.run(context, command.mode, outcome);
+        summary = watch.summary();
+        return endingOf(status, watch);
+    }
+
+    /// The one place where what a run has come to becomes an ending.
+    Ending endingOf(temz_status status, const RunWatch& watch) const {
+        const bool restart = watch.summary().restartNeeded;
+        if (status == TEMZ_STOPPED || watch.endedByUser())
+            return Ending::stoppedByUser;
+        const bool accepted = watch.summary().ignored == 0 || command.acceptIgnored;
+        if (status == TEMZ_OK && accepted)
+            return restart ? Ending::restartNeeded : Ending::done;
+        if (watch.firstFailure() && watch.firstFailure()->notElevated)
+            return Ending::notElevated;
+        return restart ? Ending::failedWithRestart : Ending::failed;
+    }
+
+    template <class Tell>
+    void tell(const Tell& tellOne) {
+        for (const auto& reporter : reporters)
+            tellOne(*reporter);
+    }
+
+    const CommandLine& command;
+    std::vector<std::unique_ptr<Reporter>> reporters;
+    RunSummary summary;
+};
+
+}  // namespace
+
+Ending runScript(const CommandLine& command) {
+    return ScriptRun(command).carryOut();
+}

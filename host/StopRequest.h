@@ -1,0 +1,35 @@
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <string>
+
+#include "Handles.h"
+
+/// The user's wish to end a run: Ctrl+C, Ctrl+Break, the closing of the console's window, logging
+/// off, shutting down. The first one lets the action that is under way end; a second Ctrl+C ends
+/// the process at once. There is one object of this class at a time.
+class StopRequest {
+public:
+    StopRequest();
+    StopRequest(const StopRequest&) = delete;
+    StopRequest& operator=(const StopRequest&) = delete;
+    ~StopRequest();
+
+    bool wanted() const;
+
+    /// Waits, at most until the wish.
+    void wait(std::chrono::milliseconds time) const;
+
+    /// What is being done, to be told when the wish comes.
+    void setAction(const std::wstring& action);
+
+private:
+    static BOOL WINAPI handle(DWORD event);
+    BOOL take(DWORD event);
+
+    HandlePtr requested;  // an event
+    SRWLOCK lock = SRWLOCK_INIT;
+    std::wstring action;
+};

@@ -1,0 +1,12 @@
+#include "Utf8.h"
+
+#include <windows.h>
+
+std::string toUtf8(const std::wstring& text) {
+    const int units = static_cast<int>(text.size());
+    const int size =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    std::string utf8(static_cast<size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), size, nullptr, nullptr);
+    return utf8;
+}

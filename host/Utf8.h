@@ -1,0 +1,5 @@
+#pragma once
+
+#include <string>
+
+std::string toUtf8(const std::wstring& text);
