@@ -41,12 +41,16 @@ constexpr Command commands[] = {
 };
 
 /// A number of no more digits than surely fit.
-std::optional<unsigned> readNumber(std::wstring_view word) {
-    constexpr size_t maxDigits = 9;
+std::optional<unsigned> readNumber(std::wstring_view word, size_t maxDigits = 9) {
     if (word.empty() || word.size() > maxDigits ||
         word.find_first_not_of(L"0123456789") != std::wstring_view::npos)
         return std::nullopt;
     return static_cast<unsigned>(std::wcstoul(std::wstring(word).c_str(), nullptr, 10));
+}
+
+/// The system waits for less than 2^32 milliseconds.
+std::optional<unsigned> readSeconds(std::wstring_view word) {
+    return readNumber(word, 6);
 }
 
 /// "retry:N" or "retry:N,SECONDS", with an N from 1 on.
@@ -60,7 +64,7 @@ std::optional<ErrorPolicy> readRetry(std::wstring_view word) {
     if (!count || *count == 0)
         return std::nullopt;
     ErrorPolicy policy{TEMZ_RETRY, *count, std::nullopt};
-    if (comma != std::wstring_view::npos && !(policy.pause = readNumber(word.substr(comma + 1))))
+    if (comma != std::wstring_view::npos && !(policy.pause = readSeconds(word.substr(comma + 1))))
         return std::nullopt;
     return policy;
 }
@@ -76,7 +80,7 @@ bool takePolicy(CommandLine& line, const std::wstring& value) {
 }
 
 bool takeWait(CommandLine& line, const std::wstring& value) {
-    const std::optional<unsigned> seconds = readNumber(value);
+    const std::optional<unsigned> seconds = readSeconds(value);
     line.waitSeconds = seconds.value_or(0);
     return seconds.has_value();
 }
@@ -219,6 +223,8 @@ private:
             return refuse(std::wstring(L"The ") + command->operand + L" is missing.");
         if (words.size() > 2)
             return refuse(words[2] + L" is one argument too many.");
+        if (optional && words.size() == 2 && L"[" + words[1] + L"]" != command->operand)
+            return refuse(words[1] + L" is no topic of " + command->word + L".");
         command->take(line, words.size() > 1 ? words[1] : L"");
         return true;
     }

@@ -171,8 +171,7 @@ public:
     void explain(const Call& call) {
         failure.systemError = call.systemError;
         failure.call = callText(call);
-        const std::wstring& object =
-            failure.target.empty() && !call.arguments.empty() ? call.arguments[0] : failure.target;
+        const std::wstring object = objectOf(call);
         if (isSharing(call.systemError) || isInUse(call))
             explainHolders(object);
         else if (call.systemError == ERROR_ACCESS_DENIED)
@@ -184,6 +183,19 @@ public:
     }
 
 private:
+    /// What the call was refused. That of a directory's removal or making is a file or directory of
+    /// its own, and where there is nothing to tell but one place, it is the one.
+    std::wstring objectOf(const Call& call) const {
+        constexpr std::array<const wchar_t*, 5> ofOnePath = {
+            L"DeleteFileW", L"SetFileAttributesW", L"RemoveDirectoryW", L"CreateDirectoryW"};
+        if (isOneOf(ofOnePath, call.name)) {
+            if (failure.source.empty())
+                failure.target = call.arguments[0];
+            return call.arguments[0];
+        }
+        return failure.target.empty() ? action.text1 : failure.target;
+    }
+
     /// A program or library that is in use can't be deleted, which isn't told as such.
     bool isInUse(const Call& call) const {
         return call.systemError == ERROR_ACCESS_DENIED && call.name == L"DeleteFileW" &&
@@ -268,6 +280,13 @@ std::wstring lastState(const Action& action) {
     return number < std::size(states) ? states[number] : L"";
 }
 
+/// Of the failures with nothing but a message these alone come from a call. The others may follow
+/// an action that made such calls, too.
+bool isAboutLibrary(const std::wstring& message) {
+    return message.starts_with(L"Failed to load library(") ||
+           message.starts_with(L"Failed to get Address(");
+}
+
 std::wstring withoutLineEnd(std::wstring text) {
     text.erase(text.find_last_not_of(L"\r\n ") + 1);
     return text;
@@ -320,7 +339,9 @@ Failure diagnose(const Action& action, const temz_error& error, const Witnesses&
     failure.code = error.code;
     const std::wstring message = withoutLineEnd(error.message);
     const bool isMessage = error.code == TEMZ_ERROR_MESSAGE;
-    failure.what = isMessage ? message : describeAction(error.code, error.text1, error.text2);
+    failure.what = !isMessage        ? describeAction(error.code, error.text1, error.text2)
+                   : message.empty() ? L"The engine doesn't tell what has failed."
+                                     : message;
     if (!isMessage) {  // which tells everything, and may be of no action
         const Places places = placesOf(action);
         failure.source = places.source;
@@ -328,7 +349,8 @@ Failure diagnose(const Action& action, const temz_error& error, const Witnesses&
     }
 
     const ActionRow* row = findRow(error.code);
-    const Call* call = row ? decisiveCall(action, *row) : nullptr;
+    const bool callsMatter = row && (!isMessage || isAboutLibrary(message));
+    const Call* call = callsMatter ? decisiveCall(action, *row) : nullptr;
     if (call) {
         Investigation(action, witnesses, failure).explain(*call);
         return failure;

@@ -58,11 +58,13 @@ public:
             UINT count = static_cast<UINT>(list.size());
             DWORD reasons = 0;
             const DWORD answer = getList(session, &needed, &count, list.data(), &reasons);
-            list.resize(answer == ERROR_MORE_DATA ? needed : answer == ERROR_SUCCESS ? count : 0);
-            if (answer != ERROR_MORE_DATA)
-                break;
+            if (answer != ERROR_MORE_DATA) {
+                list.resize(answer == ERROR_SUCCESS ? count : 0);
+                return list;
+            }
+            list.resize(needed);
         }
-        return list;
+        return {};
     }
 
 private:

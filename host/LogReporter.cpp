@@ -56,7 +56,8 @@ void LogReporter::called(const Call& call) {
 }
 
 void LogReporter::failed(const Action&, const Failure& failure, unsigned attempt) {
-    line(L"    attempt " + std::to_wstring(attempt) + L": " + failure.what + L": " + failure.why +
+    line(L"    attempt " + std::to_wstring(attempt) + L": " + failure.what +
+         (failure.why.empty() ? L"" : L": " + failure.why) +
          (failure.systemError ? L" [error " + std::to_wstring(failure.systemError) + L"]" : L""));
     if (!failure.call.empty())
         line(L"    the call that failed: " + failure.call +

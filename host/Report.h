@@ -82,7 +82,8 @@ struct RunSummary {
 };
 
 /// Somebody who reports a run. Called on the thread of the run, in this order: `started` once; then
-/// for each action `began`, its `called`s, any `failure`s, and `ended`; `finished` once.
+/// for each action `began`, its `called`s, any `failed`s, and `ended`; `finished` once. An action
+/// before which the user has stopped has no `began`.
 class Reporter {
 public:
     Reporter() = default;

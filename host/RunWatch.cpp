@@ -62,8 +62,9 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
             endAction();
             action = {};
         }
-        tellFailure(outcome.error);
-        fate = Fate::failed;
+        settle(tellFailure(outcome.error), Fate::failed);
+    } else if (status != TEMZ_OK && status != TEMZ_RUN_FAILED && status != TEMZ_STOPPED) {
+        tell([status](Reporter& reporter) { reporter.warned(temz_status_text(status)); });
     }
     endAction();
     counted.restartNeeded = outcome.restart != 0;
@@ -96,15 +97,11 @@ temz_answer RunWatch::update(const temz_outcome& now) {
 }
 
 temz_answer RunWatch::decide(const temz_error& error) {
-    tellFailure(error);
+    Failure failure = tellFailure(error);
     const temz_answer answer = policy ? answerByPolicy() : answerByUser();
     retrying = answer == TEMZ_RETRY;
-    if (answer == TEMZ_IGNORE) {
-        fate = Fate::ignored;
-        ++counted.ignored;
-    } else if (answer == TEMZ_ABORT) {
-        fate = Fate::failed;
-    }
+    if (!retrying)
+        settle(std::move(failure), answer == TEMZ_IGNORE ? Fate::ignored : Fate::failed);
     return answer;
 }
 
@@ -147,29 +144,31 @@ void RunWatch::hear(const temz_call& heard) {
     temz_outcome now{};
     now.size = sizeof now;
     temz_get_outcome(context, &now);
-    tellFailure(now.error);
-    fate = Fate::nonVital;
-    ++counted.nonVital;
+    settle(tellFailure(now.error), Fate::nonVital);
 }
 
-// Some actions fail unannounced, several of them perhaps since the last announcement.
-void RunWatch::tellFailure(const temz_error& error) {
+Failure RunWatch::tellFailure(const temz_error& error) {
     Failure failure = duties.diagnose(action, error);
     attempt = failure.what == lastFailed ? attempt + 1 : 1;
     lastFailed = failure.what;
     tell([&](Reporter& reporter) { reporter.failed(action, failure, attempt); });
-    failures.push_back(std::move(failure));
+    return failure;
+}
+
+// Some actions fail unannounced, several of them perhaps since the last announcement.
+void RunWatch::settle(Failure failure, Fate itsFate) {
+    fate = itsFate;
+    lastFailed.clear();
+    counted.ignored += fate == Fate::ignored;
+    counted.nonVital += fate == Fate::nonVital;
+    if (fate != Fate::failed)
+        counted.leftOut.push_back(failure.why.empty() ? failure.what
+                                                      : failure.what + L" (" + failure.why + L")");
+    if (!first)
+        first = std::move(failure);
 }
 
 void RunWatch::endAction() {
-    if (fate == Fate::done)
-        failures.clear();  // a retry has taken them back
-    if (!first && !failures.empty())
-        first = failures.front();
-    if (fate == Fate::ignored || fate == Fate::nonVital)
-        for (const Failure& failure : failures)
-            counted.leftOut.push_back(failure.what + L" (" + failure.why + L")");
-    failures.clear();
     counted.done += fate == Fate::done && action.number > 0;
     if (action.number > 0)
         tell([this](Reporter& reporter) { reporter.ended(action, fate); });

@@ -57,7 +57,9 @@ private:
     temz_answer answerByPolicy();
     temz_answer answerByUser();
     std::chrono::milliseconds pauseBeforeRetry() const;
-    void tellFailure(const temz_error& error);
+    Failure tellFailure(const temz_error& error);
+    /// Takes a failure for final.
+    void settle(Failure failure, Fate itsFate);
     void endAction();
 
     template <class Tell>
@@ -71,9 +73,8 @@ private:
     WatchDuties duties;
 
     temz_context* context = nullptr;
-    Action action;                  // the one that is under way
-    Fate fate = Fate::done;         // as far as it is known
-    std::vector<Failure> failures;  // since its announcement
+    Action action;           // the one that is under way
+    Fate fate = Fate::done;  // as far as it is known
     std::wstring lastFailed;
     unsigned attempt = 0;   // of what failed last
     bool retrying = false;  // the next announcement may be the same action's

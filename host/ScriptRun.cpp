@@ -12,6 +12,7 @@
 #include "LogReporter.h"
 #include "Machine.h"
 #include "PendingFiles.h"
+#include "RunEnd.h"
 #include "RunGuard.h"
 #include "RunWatch.h"
 #include "ScriptFile.h"
@@ -216,20 +217,9 @@ private:
         outcome.size = sizeof outcome;
         const temz_status status = watch.run(context, command.mode, outcome);
         summary = watch.summary();
-        return endingOf(status, watch);
-    }
-
-    /// The one place where what a run has come to becomes an ending.
-    Ending endingOf(temz_status status, const RunWatch& watch) const {
-        const bool restart = watch.summary().restartNeeded;
-        if (status == TEMZ_STOPPED || watch.endedByUser())
-            return Ending::stoppedByUser;
-        const bool accepted = watch.summary().ignored == 0 || command.acceptIgnored;
-        if (status == TEMZ_OK && accepted)
-            return restart ? Ending::restartNeeded : Ending::done;
-        if (watch.firstFailure() && watch.firstFailure()->notElevated)
-            return Ending::notElevated;
-        return restart ? Ending::failedWithRestart : Ending::failed;
+        const std::optional<Failure>& first = watch.firstFailure();
+        return endingOf({status, watch.endedByUser(), summary.ignored > 0 && !command.acceptIgnored,
+                         summary.restartNeeded, first && first->notElevated});
     }
 
     template <class Tell>

@@ -2,13 +2,9 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
 
-struct HandleCloser {
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using HandlePtr = std::unique_ptr<void, HandleCloser>;
+#include "host/Handles.h"
 
 /// What the standard streams of a program are; null for none.
 struct Streams {

@@ -1,0 +1,185 @@
+#include "host/Explain.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include "host/Diagnosis.h"
+#include "host/ExitCodes.h"
+
+namespace {
+
+/// The part by which a message is recognised; empty for one that isn't.
+std::wstring partFor(const std::wstring& message) {
+    const std::wstring text = explain(message);
+    for (const MessageRow& row : explainedMessages())
+        if (!text.empty() && text.starts_with(row.cause) &&
+            message.find(row.part) != std::wstring::npos)
+            return row.part;
+    return L"";
+}
+
+TEST(ExplainTest, KnowsEachMessageOfTheEngine) {
+    const struct {
+        const wchar_t* message;
+        const wchar_t* part;
+    } messages[] = {
+        // References in texts.
+        {L"(File,x)[X] mismatch.", L" mismatch."},
+        {L"(File,x)] can't be the first", L"] can't be the first"},
+        // The making of elements.
+        {L"Create Element error:Elements refer to each other without end.",
+         L"refer to each other without end"},
+        {L"Create Motion Element error:The name or id is NULL in createRefMotionElement.",
+         L"The name or id is NULL"},
+        {L"Create Motion Element error:(File,x) element can't create(get the node is null).",
+         L"element can't create(get the node is null)"},
+        {L"Create Motion Element error:Fil element name is undefined.(Component,c) cann't create "
+         L"child element(Fil)",
+         L"element name is undefined"},
+        {L"Create Motion Element error:FilRef element undefined.", L"element undefined"},
+        {L"(File,x) has a illegal child element(File)", L"has a illegal child element"},
+        {L"(File,x) can't get child element name.", L"can't get child element name"},
+        {L"(Component,c) cann't create child element(File)", L"cann't create child element"},
+        {L"(File,x) cant get the require explicit Name attribute.",
+         L"cant get the require explicit"},
+        {L"(File,x) can't get Path attribute from  parent element.",
+         L"attribute from  parent element"},
+        {L"(File,x) can't get parent node when get the Path attribute.", L"can't get parent node"},
+        {L"Create Element error:x(File,x) can't create parent element when get the Path attribute.",
+         L"can't create parent element"},
+        {L"(File,x) getAttributesText params error.", L"getAttributesText params error"},
+        {L"(File,x) can't get Source attribute.", L" attribute."},
+        {L"Can't obtain the name of the element", L"Can't obtain the name of the element"},
+        {L"Create Element error:The parameter node is NULL.", L"The parameter node is NULL"},
+        {L"Create Element error:Fail to get element name.", L"Fail to get element name"},
+        {L"Failed to create install element.", L"Failed to create install element"},
+        {L"Failed to create element (File,x)", L"Failed to create element"},
+        {L"Failed to create element(File) in Feature", L"Failed to create element"},
+        {L"Create element error:File element is not InstallExecuteSequence",
+         L"Create element error"},
+        {L"Create Element error:", L"Create Element error"},
+        {L"Create Motion Element error:", L"Create Motion Element error"},
+        // Directories and variables.
+        {L"can't get the X directory", L"can't get the "},
+        {L"Get directory error:can't get the X directory", L"can't get the "},
+        {L"Get directory error:", L"Get directory error"},
+        {L"(Directory,x) element can't get Path attribute.", L"element can't get"},
+        {L"(Condition,x) element can't get the Expression", L"element can't get"},
+        {L"(Variable,x) can't get value attribute.", L"can't get value attribute"},
+        {L"X variable is no exist.", L"variable is no exist"},
+        {L"(Variable,x) is not int variable.", L"is not int variable"},
+        // Loading.
+        {L"It have already loaded.", L"It have already loaded"},
+        {L"Can't get OS Version.", L"Can't get OS Version"},
+        {L"There is no root element.", L"There is no root element"},
+        {L"There is no Product element.", L"There is no Product element"},
+        {L"Insufficient memory.", L"Insufficient memory"},
+        // Expressions.
+        {L"\"( 1\" expression error: '(' didn't math ')'.", L"'(' didn't math ')'"},
+        {L"\"1 )\" expression error: '(' didn't math ')' int precede.", L"'(' didn't math ')'"},
+        {L"\"x\" expression error:It can't new x operation", L"It can't new "},
+        {L"\"x\" expression error:Operations stack is empty!", L"Operations stack is empty"},
+        {L"\"x\" expression error:x can't be in front of '('.", L"can't be in front of"},
+        {L"\"x\" expression error:x can't be in front of ')'.", L"can't be in front of"},
+        {L"\"x\" expression error:x can't be in front of binary operation.",
+         L"can't be in front of"},
+        {L"\"x\" expression error:x can't be in front of unary operation.",
+         L"can't be in front of"},
+        {L"\"x\" expression error:x can't be in front of operand.", L"can't be in front of"},
+        {L"\"x\" expression error:x can't be in front of end.", L"can't be in front of"},
+        {L"\"x\" expression error:x operand naming is legal.", L"operand naming is legal"},
+        {L"\"x\" expression error:Reference undefined variable:x", L"Reference undefined variable"},
+        {L"\"x\" expression error:Didn't recognize x variable type", L"variable type"},
+        {L"It can't compare between different type variables.", L"different type"},
+        {L"It can't assign value between different type operands.", L"different type"},
+        {L"It can't assign value between operands with different type.", L"different type"},
+        {L"It can't assign value to a const variable.", L"const variable"},
+        {L"It can't be assignment in const operand.", L"const operand"},
+        {L"It doesn't support 'Equal' comparison.", L"It doesn't support"},
+        {L"It doesn't support 'LessThan' comparison.", L"It doesn't support"},
+        {L"It doesn't support 'getBoolean' method.", L"It doesn't support"},
+        {L"It doesn't support getInt method.", L"It doesn't support"},
+        {L"It doesn't support getString method.", L"It doesn't support"},
+        {L"variable obj is NULL in CIntOperand.", L"variable obj is NULL"},
+        {L"variable obj is NULL in CStringOperand.", L"variable obj is NULL"},
+        {L"failed to update attribute when assignment.", L"failed to update attribute"},
+        // Actions.
+        {L"HKLM is unknown Registry KEY in the (RegistryKey,x)", L"is unknown Registry KEY"},
+        {L"REG_X is unknown Registry TYPE in the (RegistryValue,x)", L"is unknown Registry TYPE"},
+        {L"make is unknown Action in the (RegistryKey,x)", L"is unknown Action"},
+        {L"x isn't DWORD text in the (RegistryValue,x)", L"isn't DWORD text"},
+        {L"Failed to load library(x.dll).", L"Failed to load library"},
+        {L"Failed to get Address(run).", L"Failed to get Address"},
+        {L"Can't get application directory.", L"Can't get application directory"},
+    };
+    std::set<std::wstring> used;
+    for (const auto& [message, part] : messages) {
+        EXPECT_EQ(partFor(message), part) << message;
+        used.insert(part);
+    }
+    // And no part stands there that no message has.
+    const std::set<std::wstring> ofProgram = {L"It is no XML", L"isn't in the active code page",
+                                              L"may be misread", L"Another run goes on",
+                                              L"back, which waits for it"};
+    for (const MessageRow& row : explainedMessages())
+        EXPECT_NE(used.contains(row.part), ofProgram.contains(row.part)) << row.part;
+}
+
+TEST(ExplainTest, KnowsTheMessagesOfTheProgram) {
+    const struct {
+        const wchar_t* message;
+        const wchar_t* part;
+    } messages[] = {
+        {L"temz: a.xml can't be loaded: It is no XML that the engine can read.", L"It is no XML"},
+        {L"a.xml can't be opened: its name isn't in the active code page.",
+         L"isn't in the active code page"},
+        {L"a.xml may be misread: It isn't UTF-8, which is the active code page.",
+         L"may be misread"},
+        {L"Another run goes on on this machine.", L"Another run goes on"},
+        {L"The next restart brings C:\\a back, which waits for it since it was replaced. "
+         L"--drop-pending takes that back.",
+         L"back, which waits for it"},
+    };
+    for (const auto& [message, part] : messages)
+        EXPECT_EQ(partFor(message), part) << message;
+}
+
+TEST(ExplainTest, TellsCauseAndNextStepOnALineEach) {
+    EXPECT_EQ(explain(L"(File,x) is not int variable."),
+              L"The Value of an int variable is no number.\n"
+              L"Write decimal digits, with or without a minus sign.\n");
+}
+
+TEST(ExplainTest, KnowsEachExitCode) {
+    for (const ExitCode& row : exitCodes()) {
+        const std::wstring next = *row.nextStep ? row.nextStep + std::wstring(L"\n") : L"";
+        EXPECT_EQ(explain(std::to_wstring(row.code)), row.meaning + (L"\n" + next));
+    }
+}
+
+TEST(ExplainTest, KnowsTheSystemsCodesInDecimalAndHexadecimal) {
+    const std::wstring sharing =
+        L"Windows: " + systemText(32) + L"\n" + std::wstring(adviceOn(32)) + L"\n";
+    EXPECT_EQ(explain(L"32"), sharing);
+    EXPECT_EQ(explain(L"0x20"), sharing);
+    EXPECT_EQ(explain(L"1450"), L"Windows: " + systemText(1450) + L"\n");
+}
+
+TEST(ExplainTest, SaysNothingOfWhatItDoesNotKnow) {
+    for (const wchar_t* subject : {L"", L" ", L"123456", L"x", L"99999999999999999999", L"16x"})
+        EXPECT_EQ(explain(subject), L"") << subject;
+}
+
+TEST(ExitCodeTableTest, HasEachCodeWithItsMeaningAndNextStep) {
+    const std::wstring table = exitCodeTable();
+
+    EXPECT_TRUE(table.starts_with(L"   0  All was done.\n3010  All was done, and"));
+    for (const ExitCode& row : exitCodes()) {
+        const std::wstring line = std::to_wstring(row.code) + L"  " + row.meaning + L"\n";
+        EXPECT_NE(table.find(line), std::wstring::npos) << row.code;
+        EXPECT_NE(table.find(row.nextStep), std::wstring::npos) << row.code;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+#!/usr/bin/env python3
+"""Checks what temz --json wrote: json-lines.py SCHEMA FILE EVENT...
+
+Every line is valid by the schema, the first is the start and the last the end, every action that
+began has ended, and each EVENT, such as action-end:failed or end:1603, stands there.
+"""
+import json
+import sys
+
+import jsonschema
+
+
+def main(schema_path, path, *wanted):
+    with open(schema_path, encoding="utf-8") as file:
+        schema = json.load(file)
+    jsonschema.Draft7Validator.check_schema(schema)
+    validator = jsonschema.Draft7Validator(schema)
+    with open(path, encoding="utf-8", errors="strict", newline="\n") as file:
+        lines = [json.loads(line) for line in file]
+    for number, line in enumerate(lines, 1):
+        for error in validator.iter_errors(line):
+            sys.exit(f"Line {number}: {line}: {error.message}")
+
+    events = [line["event"] for line in lines]
+    if events.count("start") != 1 or events[0] != "start":
+        sys.exit("The first line, and no other, must be the start.")
+    if events.count("end") != 1 or events[-1] != "end":
+        sys.exit("The last line, and no other, must be the end.")
+    numbers = {event: [line["number"] for line in lines if line["event"] == event]
+               for event in ("action", "action-end")}
+    if numbers["action"] != numbers["action-end"]:
+        sys.exit(f"Actions that began and ended: {numbers}")
+
+    details = {"action-end": "fate", "end": "exitCode", "call": "group", "failure": "systemError"}
+    seen = set(events) | {f"{line['event']}:{line[details[line['event']]]}"
+                          for line in lines if line["event"] in details}
+    missing = set(wanted) - seen
+    if missing:
+        sys.exit(f"Missing: {sorted(missing)} among {sorted(seen)}")
+
+
+main(*sys.argv[1:])
