@@ -131,8 +131,7 @@ TEST_F(RunUnderWayTest, KeepsAnotherOneFromBeginning) {
 }
 
 TEST_F(RunUnderWayTest, IsWaitedForOnRequest) {
-    // So many seconds are more than the system can count.
-    const HandlePtr second = startTemz(L"install install.xml --wait 999999999 --log second.log");
+    const HandlePtr second = startTemz(L"install install.xml --wait 999999 --log second.log");
     constexpr DWORD longEnoughToEnd = 500;  // for one that doesn't wait
     EXPECT_EQ(WaitForSingleObject(second.get(), longEnoughToEnd), WAIT_TIMEOUT);
 
