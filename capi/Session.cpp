@@ -136,6 +136,8 @@ void Session::unload() {
 temz_status Session::run(temz_mode mode) {
     IterfaceProduct& product = *context->getProduct();
     context->runMode = mode;
+    // The engine never looks at it, and hands it on as the number that it is.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     product.observerData = reinterpret_cast<void*>(static_cast<uintptr_t>(actionValue));
     std::optional<ObserverBridge> bridge;
     if (observer)

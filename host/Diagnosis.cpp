@@ -276,7 +276,7 @@ std::wstring lastState(const Action& action) {
     if (last == action.calls.rend())
         return {};
     const std::wstring& state = last->arguments.back();
-    const size_t number = static_cast<size_t>(state.back() - L'0');
+    const auto number = static_cast<size_t>(state.back() - L'0');
     return number < std::size(states) ? states[number] : L"";
 }
 

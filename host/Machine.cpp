@@ -37,7 +37,7 @@ public:
     }
 
     bool feed(HANDLE file) {
-        std::vector<BYTE> buffer(64 * 1024);
+        std::vector<BYTE> buffer(size_t{64} * 1024);
         DWORD read = 0;
         while (open &&
                ReadFile(file, buffer.data(), static_cast<DWORD>(buffer.size()), &read, nullptr)) {
@@ -48,7 +48,7 @@ public:
         return false;
     }
 
-    bool finish(std::array<BYTE, 32>& digest) {
+    bool finish(std::array<BYTE, 32>& digest) const {
         DWORD size = digest.size();
         return CryptGetHashParam(hash, HP_HASHVAL, digest.data(), &size, 0);
     }

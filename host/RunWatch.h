@@ -52,7 +52,7 @@ public:
 private:
     temz_answer update(const temz_outcome& now);
     temz_answer decide(const temz_error& error);
-    void hear(const temz_call& call);
+    void hear(const temz_call& heard);
 
     temz_answer answerByPolicy();
     temz_answer answerByUser();

@@ -68,11 +68,11 @@ std::wstring findLoadablePath(const std::wstring& script) {
     if (fitsCodePage(script))
         return script;
     const size_t separator = script.find_last_of(L"\\/:");
-    const std::wstring name = script.substr(separator + 1);
+    std::wstring name = script.substr(separator + 1);
     if (separator != std::wstring::npos && fitsCodePage(name) &&
         SetCurrentDirectoryW(script.substr(0, separator + 1).c_str()))
         return name;
-    const std::wstring path = shortPath(script);
+    std::wstring path = shortPath(script);
     return fitsCodePage(path) ? path : L"";
 }
 

@@ -23,7 +23,7 @@ public:
     void wait(std::chrono::milliseconds time) const;
 
     /// What is being done, to be told when the wish comes.
-    void setAction(const std::wstring& action);
+    void setAction(const std::wstring& text);
 
 private:
     static BOOL WINAPI handle(DWORD event);

@@ -6,7 +6,7 @@ void Tracer::tellLine(const CLogLine& line) {
     const LastErrorScope scope;
     try {
         TracedCall call;
-        call.group = textOf(logCalls.group);
+        call.group = textOf(LogCalls::group);
         call.name = textOf(levelName(line.openedAt()));
         call.arguments = {textOf(line.composed().c_str())};
         tellListener(call);

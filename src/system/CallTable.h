@@ -29,9 +29,13 @@
     };                                                            \
     inline Table variable;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a name in parentheses declares nothing.
+
 /// The member for a call of Win32, and for one that the engine words itself, in the namespace
 /// `own`.
 #define TEMZ_WIN32_CALL(name) decltype(&::name) name = ::name;
 #define TEMZ_OWN_CALL(name) decltype(&own::name) name = own::name;
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 #define TEMZ_VISIT_CALL(name) visit.template operator()<&Visited::name>(#name);

@@ -9,6 +9,7 @@
 /// folder.
 inline constinit SystemLibrary versionLibrary(L"version.dll");
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name in parentheses declares nothing.
 #define TEMZ_VERSION_CALL(name) decltype(&::name) name = callSystem<versionLibrary, #name>;
 
 /// The Win32 calls of the file version query.
