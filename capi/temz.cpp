@@ -176,7 +176,8 @@ temz_status temz_set_observer(temz_context* context, const temz_observer* observ
 
 temz_status temz_set_tracer(temz_context* context, const temz_tracer* tracer) {
     return passWith(Use::asking, context, [&](Session& session) {
-        if (tracer != nullptr && hasSizeOfRecord(*tracer) && tracer->call == nullptr)
+        if (tracer != nullptr && hasSizeOfRecord(*tracer) && tracer->call == nullptr &&
+            tracer->permit == nullptr)
             return temz_status{TEMZ_NULL_ARGUMENT};
         return takeRecord(session.tracer, tracer);
     });

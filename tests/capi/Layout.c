@@ -42,11 +42,13 @@
     RECORD_FIELD(temz_call, arguments, 32, 8)      \
     RECORD_FIELD(temz_call, result, 40, 8)         \
     RECORD_FIELD(temz_call, duration, 48, 8)       \
-    RECORD(temz_call, 56, 8)                       \
+    RECORD_FIELD(temz_call, changes, 56, 4)        \
+    RECORD(temz_call, 64, 8)                       \
     RECORD_FIELD(temz_tracer, size, 0, 4)          \
     RECORD_FIELD(temz_tracer, user, 8, 8)          \
     RECORD_FIELD(temz_tracer, call, 16, 8)         \
-    RECORD(temz_tracer, 24, 8)
+    RECORD_FIELD(temz_tracer, permit, 24, 8)       \
+    RECORD(temz_tracer, 32, 8)
 
 #define ALIGNED_BEHIND_A_BYTE(record) \
     struct behind_a_byte_##record {   \
