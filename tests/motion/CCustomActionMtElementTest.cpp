@@ -4,7 +4,7 @@
 
 #include "elements/ElementFactory.h"
 #include "support/AllowedChildren.h"
-#include "support/CustomActionTest.h"
+#include "support/CustomActionScriptTest.h"
 #include "support/Declarations.h"
 #include "support/FakeCall.h"
 #include "support/Thrown.h"
@@ -16,7 +16,7 @@ using testing::Pair;
 
 namespace {
 
-using CCustomActionMtElementTest = CustomActionTest;
+using CCustomActionMtElementTest = CustomActionScriptTest;
 
 // What the element asks of the script.
 

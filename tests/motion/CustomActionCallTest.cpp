@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "support/ChildProcess.h"
-#include "support/CustomActionTest.h"
+#include "support/CustomActionScriptTest.h"
 #include "support/FakeCall.h"
 #include "support/Heard.h"
 #include "support/LogFile.h"
@@ -19,7 +19,7 @@ using Notification = RecordingObserver::Notification;
 
 namespace {
 
-using CustomActionCallTest = CustomActionTest;
+using CustomActionCallTest = CustomActionScriptTest;
 
 // How the function is found and called.
 

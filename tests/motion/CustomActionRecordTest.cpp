@@ -6,7 +6,7 @@
 #include <bit>
 
 #include "support/ChildProcess.h"
-#include "support/CustomActionTest.h"
+#include "support/CustomActionScriptTest.h"
 #include "support/FakeCall.h"
 #include "support/LogFile.h"
 #include "system/SystemCalls.h"
@@ -18,7 +18,7 @@ using testing::ElementsAreArray;
 
 namespace {
 
-using CustomActionRecordTest = CustomActionTest;
+using CustomActionRecordTest = CustomActionScriptTest;
 
 TEST_F(CustomActionRecordTest, GivesTheRecordByteByByte) {
     FakeCall<systemCalls, &SystemCalls::GetVersionExW> ask([](OSVERSIONINFOW* version) {

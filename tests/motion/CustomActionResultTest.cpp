@@ -4,14 +4,14 @@
 
 #include <gmock/gmock.h>
 
-#include "support/CustomActionTest.h"
+#include "support/CustomActionScriptTest.h"
 #include "support/LogFile.h"
 
 using testing::IsEmpty;
 
 namespace {
 
-using CustomActionResultTest = CustomActionTest;
+using CustomActionResultTest = CustomActionScriptTest;
 
 TEST_F(CustomActionResultTest, NumberIsTheResultWhenItIsChecked) {
     for (const uint32_t number : {1u, 1234u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {

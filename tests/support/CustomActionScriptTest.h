@@ -11,7 +11,7 @@ inline const std::string rootDirectory =
     "<Directory Id='APPLICATIONROOTDIRECTORY' Path='C:\\app'/>";
 
 /// Runs scripts that call functions of the action library, which reports to `call`.
-class CustomActionTest : public ScriptTest {
+class CustomActionScriptTest : public ScriptTest {
 protected:
     /// A call of a function of the library, with further attributes.
     std::string action(const std::string& entry, const std::string& attributes) const {
