@@ -44,7 +44,7 @@ struct Action {
 
 /// What has failed, why, and what to do about it, in sentences for a person.
 struct Failure {
-    uint32_t code = 0;         ///< as temz_error has it
+    uint32_t code = 0;         ///< TEMZ_ACTION_... or TEMZ_ERROR_...
     uint32_t systemError = 0;  ///< of the call that failed, or the record's; 0 when there is none
     std::wstring what;         ///< "Copying sync.dll"
     std::wstring why;          ///< "the file is in use by sync.exe (4312)"; may be empty
