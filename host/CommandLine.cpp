@@ -260,6 +260,12 @@ std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* argu
     return Reader(count, arguments, problem).read();
 }
 
+bool wantsJson(int count, const wchar_t* const* arguments) {
+    return std::any_of(arguments, arguments + count, [](const wchar_t* argument) {
+        return std::wstring_view(argument) == L"--json";
+    });
+}
+
 std::wstring usage() {
     std::wstring text = L"Usage: temz COMMAND [OPTION]...\n\n";
     for (const Command& command : commands)

@@ -30,5 +30,8 @@ struct CommandLine {
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
                                            std::wstring& problem);
 
+/// Whether arguments that are no command ask at least for JSON.
+bool wantsJson(int count, const wchar_t* const* arguments);
+
 /// How the program is called: all commands and options with what they mean.
 std::wstring usage();

@@ -62,7 +62,7 @@ struct RunHeader {
     std::wstring windows;  ///< "10.0.19045"
     std::wstring user;     ///< with its domain
     bool elevated = false;
-    std::wstring mode;        ///< "install"
+    std::wstring mode;        ///< "install"; this and what follows are empty without a command
     std::wstring script;      ///< whole path
     std::wstring scriptHash;  ///< SHA-256, in lower-case hexadecimal digits
 };
@@ -79,6 +79,7 @@ struct RunSummary {
     bool restartNeeded = false;
     std::vector<std::wstring> waiting;  ///< files that wait for the restart
     std::wstring stoppedAt;             ///< the action before which the user stopped, or empty
+    std::wstring reason;                ///< why there was no run; empty when there was one
 };
 
 /// Somebody who reports a run. Called on the thread of the run, in this order: `started` once; then

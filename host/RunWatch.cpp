@@ -60,7 +60,8 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
     if (status == TEMZ_RUN_FAILED && fate != Fate::failed) {
         settle(tellFailure(outcome.error), Fate::failed);
     } else if (status != TEMZ_OK && status != TEMZ_RUN_FAILED && status != TEMZ_STOPPED) {
-        tell([status](Reporter& reporter) { reporter.warned(temz_status_text(status)); });
+        counted.reason = temz_status_text(status);
+        tell([this](Reporter& reporter) { reporter.warned(counted.reason); });
     }
     endAction();
     counted.restartNeeded = outcome.restart != 0;

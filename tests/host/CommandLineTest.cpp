@@ -36,6 +36,13 @@ CommandLine install(const Arguments& options) {
     return accepted(arguments);
 }
 
+TEST(CommandLineTest, TellsWhetherAWrongOneWantsJson) {
+    const wchar_t* arguments[] = {L"temz.exe", L"instal", L"a.xml", L"--json"};
+    EXPECT_TRUE(wantsJson(4, arguments));
+    EXPECT_FALSE(wantsJson(3, arguments));
+    EXPECT_FALSE(wantsJson(0, arguments));
+}
+
 TEST(CommandLineTest, NamesTheModeAndTheScript) {
     const struct {
         const wchar_t* word;

@@ -90,7 +90,7 @@ TEST_F(LogTest, MustBeOpenedBeforeAnythingIsDone) {
     EXPECT_EQ(run.exitCode, 1622u);
     EXPECT_EQ(run.output, "");
     EXPECT_EQ(run.error, "temz: lacking\\run.log can't be opened: " +
-                             systemError(ERROR_PATH_NOT_FOUND) + "\n");
+                             systemError(ERROR_PATH_NOT_FOUND) + "\nNothing was done (1622).\n");
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 

@@ -335,7 +335,7 @@ TEST_F(RunWatchTest, LeavesAnActionDoneWhateverFailsBehindItUnannounced) {
     }
 }
 
-TEST_F(RunWatchTest, NeverTellsLessProgressThanBefore) {
+TEST_F(RunWatchTest, GoesOnCountingBehindWhatFailsUnannounced) {
     load(there(L"a") + there(L"b") + unannounced() + there(L"c"));
 
     EXPECT_EQ(run(ignoring), TEMZ_OK);
