@@ -67,6 +67,14 @@ constexpr MessageRow messages[] = {
      L"Put the script into a folder with a plain name."},
     {L"may be misread", L"The script isn't in the code page in which it is read.",
      L"Keep to ASCII, or save it as UTF-8 and run it on Windows 10 1903 or later."},
+    {L"is marked as downloaded",
+     L"The program and the files beside it were unpacked from an archive with the mark of a "
+     L"download, and an installed file that bears it is asked about when it is started.",
+     L"Unblock the archive in its properties, and unpack it anew."},
+    {L"The engine's log is written to",
+     L"Whoever has made the folder decides where the log goes, also that of an administrator's "
+     L"run.",
+     L"Take it away, and make it from an administrator's prompt, for administrators alone."},
     {L"Another run goes on", L"One run at a time is allowed on a machine.",
      L"Wait for it, or give --wait=SECONDS."},
     {L"back, which waits for it",

@@ -82,6 +82,8 @@ void LogReporter::warned(const std::wstring& text) {
 }
 
 void LogReporter::finished(const RunSummary& summary) {
+    if (!summary.reason.empty())
+        line(summary.reason);
     line(summaryText(summary, {}));
     line(L"Exit code " + std::to_wstring(exitCodeOf(summary.ending)));
 }

@@ -79,7 +79,7 @@ struct RunSummary {
     bool restartNeeded = false;
     std::vector<std::wstring> waiting;  ///< files that wait for the restart
     std::wstring stoppedAt;             ///< the action before which the user stopped, or empty
-    std::wstring reason;                ///< why there was no run; empty when there was one
+    std::wstring reason;                ///< why the run could not begin; empty when it did
 };
 
 /// Somebody who reports a run. Called on the thread of the run, in this order: `started` once; then

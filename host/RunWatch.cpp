@@ -61,7 +61,6 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
         settle(tellFailure(outcome.error), Fate::failed);
     } else if (status != TEMZ_OK && status != TEMZ_RUN_FAILED && status != TEMZ_STOPPED) {
         counted.reason = temz_status_text(status);
-        tell([this](Reporter& reporter) { reporter.warned(counted.reason); });
     }
     endAction();
     counted.restartNeeded = outcome.restart != 0;

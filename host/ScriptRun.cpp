@@ -14,6 +14,7 @@
 #include "PendingFiles.h"
 #include "RunEnd.h"
 #include "RunGuard.h"
+#include "RunWarnings.h"
 #include "RunWatch.h"
 #include "ScriptFile.h"
 #include "StopRequest.h"
@@ -123,6 +124,8 @@ public:
     Ending carryOut() {
         const std::wstring logProblem = openReporters();
         tell([this](Reporter& reporter) { reporter.started(header()); });
+        for (const std::wstring& text : runWarnings(realRunWitnesses))
+            warn(text);
         summary.ending =
             logProblem.empty() ? runLoaded() : refuse(Ending::logNotOpened, logProblem);
         tell([this](Reporter& reporter) { reporter.finished(summary); });
@@ -196,7 +199,6 @@ private:
 
     Ending refuse(Ending ending, const std::wstring& reason) {
         summary.reason = reason;
-        warn(reason);
         return ending;
     }
 
@@ -252,6 +254,5 @@ void tellNoCommand(const std::wstring& problem) {
     summary.ending = Ending::badCommandLine;
     summary.reason = problem;
     reporter.started(headerWithoutCommand());
-    reporter.warned(problem);
     reporter.finished(summary);
 }

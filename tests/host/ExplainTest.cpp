@@ -119,9 +119,13 @@ TEST(ExplainTest, KnowsEachMessageOfTheEngine) {
         used.insert(part);
     }
     // And no part stands there that no message has.
-    const std::set<std::wstring> ofProgram = {L"It is no XML", L"isn't in the active code page",
-                                              L"may be misread", L"Another run goes on",
-                                              L"back, which waits for it"};
+    const std::set<std::wstring> ofProgram = {L"It is no XML",
+                                              L"isn't in the active code page",
+                                              L"may be misread",
+                                              L"Another run goes on",
+                                              L"back, which waits for it",
+                                              L"is marked as downloaded",
+                                              L"The engine's log is written to"};
     for (const MessageRow& row : explainedMessages())
         EXPECT_NE(used.contains(row.part), ofProgram.contains(row.part)) << row.part;
 }
@@ -140,6 +144,9 @@ TEST(ExplainTest, KnowsTheMessagesOfTheProgram) {
         {L"The next restart brings C:\\a back, which waits for it since it was replaced. "
          L"--drop-pending takes that back.",
          L"back, which waits for it"},
+        {L"This program is marked as downloaded, and files", L"is marked as downloaded"},
+        {L"The engine's log is written to C:\\InstallLog, which is a link",
+         L"The engine's log is written to"},
     };
     for (const auto& [message, part] : messages)
         EXPECT_EQ(partFor(message), part) << message;
