@@ -52,7 +52,7 @@ TEST(TrustInTest, DoesNotTrustALink) {
 TEST(TrustInTest, DoesNotTrustWhatBelongsToAnotherUser) {
     REQUIRES_WINE("asks who owns what belongs to the system below");
     REQUIRES_ORDINARY_USER();
-    EXPECT_EQ(trustIn(L"Z:\\proc"), FolderTrust::isForeign);
+    EXPECT_EQ(trustIn(L"Z:\\etc"), FolderTrust::isForeign);
 }
 
 /// Wine has no streams, but keeps a file of that name beside the other.
