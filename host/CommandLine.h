@@ -23,6 +23,8 @@ struct CommandLine {
     bool acceptIgnored = false;
     bool dropPending = false;
     unsigned waitSeconds = 0;  ///< for the end of another run
+
+    bool mayAsk() const { return !quiet && !passive && !json; }
 };
 
 /// Reads the arguments behind the program's name. Nothing when they are no command; `problem` then

@@ -214,7 +214,7 @@ private:
         std::vector<Reporter*> watchers{&current, &pending};
         for (const auto& reporter : reporters)
             watchers.push_back(reporter.get());
-        const bool asks = !command.quiet && !command.passive && !command.json;
+        const bool asks = command.mayAsk();
         RunWatch watch(watchers, command.onError,
                        {[&stop] { return stop.wanted(); },
                         [](const Action& action, const temz_error& error) {

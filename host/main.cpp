@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "ConsoleWindow.h"
 #include "ExitCodes.h"
 #include "Explain.h"
 #include "SafeStart.h"
@@ -53,6 +54,7 @@ int wmain(int count, wchar_t** arguments) {
     const auto command = readCommandLine(count, arguments, problem);
     const Ending ending =
         command ? carryOut(*command) : refuse(problem, wantsJson(count, arguments));
-    waitForKeyIfAlone();
+    if (command ? command->mayAsk() : count < 2)
+        waitForKeyIfAlone();
     return exitCodeOf(ending);
 }
