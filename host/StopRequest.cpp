@@ -11,11 +11,11 @@ StopRequest* current = nullptr;
 
 StopRequest::StopRequest() : requested(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
     current = this;
-    SetConsoleCtrlHandler(&handle, TRUE);
+    stopCalls.SetConsoleCtrlHandler(&handle, TRUE);
 }
 
 StopRequest::~StopRequest() {
-    SetConsoleCtrlHandler(&handle, FALSE);
+    stopCalls.SetConsoleCtrlHandler(&handle, FALSE);
     current = nullptr;
 }
 
@@ -53,12 +53,12 @@ BOOL StopRequest::take(DWORD event) {
         tell(L"Ended in the middle of this action: ", L" (" + std::to_wstring(code) + L").");
         restoreConsole();
         // The run's own thread is in the middle of something, so nothing can be tidied up.
-        TerminateProcess(GetCurrentProcess(), code);
+        stopCalls.TerminateProcess(GetCurrentProcess(), code);
     } else if (isKey) {
         tell(L"The run ends behind this action: ", L". Press Ctrl+C once more to end it at once.");
     } else {
         // To return would end the process. The system gives it some seconds to end by itself.
-        Sleep(INFINITE);
+        stopCalls.Sleep(INFINITE);
     }
     return TRUE;
 }

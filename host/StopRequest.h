@@ -7,6 +7,15 @@
 
 #include "Handles.h"
 
+/// The Win32 calls of a stop; tests replace them, since Wine tells a program only of keys.
+struct StopCalls {
+    decltype(&::SetConsoleCtrlHandler) SetConsoleCtrlHandler = ::SetConsoleCtrlHandler;
+    decltype(&::Sleep) Sleep = ::Sleep;
+    decltype(&::TerminateProcess) TerminateProcess = ::TerminateProcess;
+};
+
+inline StopCalls stopCalls;
+
 /// The user's wish to end a run: Ctrl+C, Ctrl+Break, the closing of the console's window, logging
 /// off, shutting down. The first one lets the action that is under way end; a second Ctrl+C ends
 /// the process at once, with the code of a run that the user has stopped. There is one object of
