@@ -136,10 +136,31 @@ std::wstring withNextStep(const std::wstring& cause, const std::wstring& nextSte
     return nextStep.empty() ? cause + L"\n" : cause + L"\n" + nextStep + L"\n";
 }
 
-/// A code is the program's own, or else the system's.
+/// With what the system's own codes don't tell: how a process is ended.
+struct StatusRow {
+    unsigned long status;
+    const wchar_t* meaning;
+    const wchar_t* nextStep;
+};
+constexpr StatusRow statusRows[] = {
+    {0xC0000417,
+     L"A text or a path of the script is longer than the engine takes, which has ended the "
+     L"process. "
+     L"What was done before stays.",
+     L"The script reference tells the lengths. Of a tree to be removed, the paths in it count."},
+    {0xC000013A, L"Ctrl+C has ended the process before the run began. Nothing was done.",
+     L"Run the command again."},
+    {0xC0000005, L"The process has crashed. What was done before stays.",
+     L"Look at the last line of the log: mostly it is the library of a custom action."},
+};
+
+/// A code is the program's own, or the status of a process, or else the system's.
 std::wstring explainCode(unsigned long code) {
     for (const ExitCode& row : exitCodes())
         if (static_cast<unsigned long>(row.code) == code)
+            return withNextStep(row.meaning, row.nextStep);
+    for (const StatusRow& row : statusRows)
+        if (row.status == code)
             return withNextStep(row.meaning, row.nextStep);
     const std::wstring text = systemText(code);
     return text.empty() ? L"" : withNextStep(L"Windows: " + text, adviceOn(code));

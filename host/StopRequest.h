@@ -17,9 +17,9 @@ struct StopCalls {
 inline StopCalls stopCalls;
 
 /// The user's wish to end a run: Ctrl+C, Ctrl+Break, the closing of the console's window, logging
-/// off, shutting down. The first one lets the action that is under way end; a second Ctrl+C ends
-/// the process at once, with the code of a run that the user has stopped. There is one object of
-/// this class at a time.
+/// off, shutting down, though of the latter two Windows may tell services alone. The first one lets
+/// the action that is under way end; a second Ctrl+C ends the process at once, with the code of a
+/// run that the user has stopped. There is one object of this class at a time.
 class StopRequest {
 public:
     StopRequest();

@@ -173,6 +173,15 @@ TEST(ExplainTest, KnowsTheSystemsCodesInDecimalAndHexadecimal) {
     EXPECT_EQ(explain(L"1450"), L"Windows: " + systemText(1450) + L"\n");
 }
 
+TEST(ExplainTest, KnowsHowAProcessIsEndedAsAnyShellShowsIt) {
+    const std::wstring tooLong = explain(L"0xC0000417");
+    EXPECT_TRUE(tooLong.starts_with(L"A text or a path of the script is longer"));
+    EXPECT_EQ(explain(L"-1073740777"), tooLong);
+    EXPECT_EQ(explain(L"3221226519"), tooLong);
+    EXPECT_TRUE(explain(L"0xC000013A").starts_with(L"Ctrl+C has ended"));
+    EXPECT_TRUE(explain(L"-1073741819").starts_with(L"The process has crashed."));
+}
+
 TEST(ExplainTest, SaysNothingOfWhatItDoesNotKnow) {
     for (const wchar_t* subject : {L"", L" ", L"123456", L"x", L"99999999999999999999", L"16x"})
         EXPECT_EQ(explain(subject), L"") << subject;
