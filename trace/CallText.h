@@ -48,7 +48,7 @@ std::wstring textOfArgument(const HandleNames& handles, bool filled, Argument ar
         return std::to_wstring(argument);
     } else if constexpr (std::is_same_v<Argument, wchar_t*>) {
         return filled ? filledText(argument, longestPath) : std::wstring();
-    } else if constexpr (std::is_same_v<Target, wchar_t> || std::is_same_v<Target, char>) {
+    } else if constexpr (requires { textOf(argument); }) {
         return textOf(argument);
     } else if constexpr (std::is_same_v<Target, DWORD> || std::is_same_v<Target, UINT>) {
         return filled && argument ? std::to_wstring(*argument) : std::wstring();
@@ -60,8 +60,6 @@ std::wstring textOfArgument(const HandleNames& handles, bool filled, Argument ar
         return there && argument ? textOf(*argument) : std::wstring();
     } else if constexpr (std::is_pointer_v<Argument>) {
         return handles.find(reinterpret_cast<const void*>(argument));
-    } else if constexpr (requires { textOf(argument); }) {
-        return textOf(argument);
     } else {
         return {};
     }
