@@ -129,7 +129,7 @@ constexpr Option options[] = {
     {{L"--log", L"/log"}, L"FILE", L"append all that is done to a file", takeLog},
     {{L"--verbose"},
      nullptr,
-     L"with every call to the system in the log",
+     L"with every call to the system in the log, or in JSON",
      takeFlag<&CommandLine::verbose>},
     {{L"--json"}, nullptr, L"show the run as one JSON object a line", takeFlag<&CommandLine::json>},
     {{L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
@@ -188,7 +188,8 @@ private:
         const std::wstring name = argument.substr(0, equals);
         const Option* option = findOption(name);
         if (option == nullptr) {
-            if (argument.starts_with(L'-'))
+            // A status of the system's, as the shell shows it, is a number below zero.
+            if (argument.starts_with(L'-') && !readNumber(argument.substr(1), 10))
                 return refuse(argument + L" is no option.");
             words.push_back(argument);
             return true;
@@ -226,6 +227,8 @@ private:
         if (optional && words.size() == 2 && L"[" + words[1] + L"]" != command->operand)
             return refuse(words[1] + L" is no topic of " + command->word + L".");
         command->take(line, words.size() > 1 ? words[1] : L"");
+        if (line.verb == Verb::run && line.verbose && line.log.empty() && !line.json)
+            return refuse(L"--verbose needs --log or --json, where the calls are shown.");
         return true;
     }
 
@@ -258,6 +261,12 @@ std::wstring entry(const std::wstring& name, const std::wstring& meaning) {
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
                                            std::wstring& problem) {
     return Reader(count, arguments, problem).read();
+}
+
+bool wantsJson(int count, const wchar_t* const* arguments) {
+    return std::any_of(arguments, arguments + count, [](const wchar_t* argument) {
+        return std::wstring_view(argument) == L"--json";
+    });
 }
 
 std::wstring usage() {

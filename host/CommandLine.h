@@ -23,12 +23,17 @@ struct CommandLine {
     bool acceptIgnored = false;
     bool dropPending = false;
     unsigned waitSeconds = 0;  ///< for the end of another run
+
+    bool mayAsk() const { return !quiet && !passive && !json; }
 };
 
 /// Reads the arguments behind the program's name. Nothing when they are no command; `problem` then
 /// tells why.
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
                                            std::wstring& problem);
+
+/// Whether arguments that are no command ask at least for JSON.
+bool wantsJson(int count, const wchar_t* const* arguments);
 
 /// How the program is called: all commands and options with what they mean.
 std::wstring usage();

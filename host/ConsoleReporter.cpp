@@ -54,6 +54,8 @@ void ConsoleReporter::failed(const Action&, const Failure& failure, unsigned) {
 }
 
 void ConsoleReporter::warned(const std::wstring& text) {
+    if (detail == Detail::failuresOnly)
+        return;
     leaveBar();
     write(Stream::error, L"temz: " + text + L"\n");
 }
@@ -65,6 +67,8 @@ void ConsoleReporter::finished(const RunSummary& summary) {
     if (success && terminal && detail == Detail::all)
         drawBar(100, L"Done");
     leaveBar();
+    if (!summary.reason.empty())
+        write(Stream::error, L"temz: " + summary.reason + L"\n");
     write(success ? Stream::output : Stream::error, summaryText(summary, log) + L"\n");
 }
 

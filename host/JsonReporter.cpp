@@ -132,5 +132,6 @@ void JsonReporter::finished(const RunSummary& summary) {
         .add(L"leftOut", summary.leftOut)
         .add(L"restartNeeded", summary.restartNeeded)
         .add(L"waiting", summary.waiting)
-        .add(L"stoppedAt", summary.stoppedAt);
+        .add(L"stoppedAt", summary.stoppedAt)
+        .add(L"reason", summary.reason);
 }

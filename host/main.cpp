@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "ConsoleWindow.h"
 #include "ExitCodes.h"
 #include "Explain.h"
 #include "SafeStart.h"
@@ -10,15 +11,18 @@
 
 namespace {
 
-Ending refuse(const std::wstring& problem) {
+Ending refuse(const std::wstring& problem, bool json) {
+    if (json)
+        tellNoCommand(problem);
     write(Stream::error, L"temz: " + problem + L"\n\n" + usage());
     return Ending::badCommandLine;
 }
 
-Ending explainSubject(const std::wstring& subject) {
-    const std::wstring text = explain(subject);
+Ending explainSubject(const CommandLine& command) {
+    const std::wstring text = explain(command.subject);
     if (text.empty())
-        return refuse(subject + L" is nothing that there is an explanation for.");
+        return refuse(command.subject + L" is nothing that there is an explanation for.",
+                      command.json);
     write(Stream::output, text);
     return Ending::done;
 }
@@ -28,7 +32,7 @@ Ending carryOut(const CommandLine& command) {
         case Verb::run:
             return runScript(command);
         case Verb::explain:
-            return explainSubject(command.subject);
+            return explainSubject(command);
         case Verb::helpCodes:
             write(Stream::output, exitCodeTable());
             return Ending::done;
@@ -48,7 +52,9 @@ int wmain(int count, wchar_t** arguments) {
     const SafeStart safeStart;
     std::wstring problem;
     const auto command = readCommandLine(count, arguments, problem);
-    const Ending ending = command ? carryOut(*command) : refuse(problem);
-    waitForKeyIfAlone();
+    const Ending ending =
+        command ? carryOut(*command) : refuse(problem, wantsJson(count, arguments));
+    if (command ? command->mayAsk() : count < 2)
+        waitForKeyIfAlone();
     return exitCodeOf(ending);
 }

@@ -212,6 +212,8 @@ private:
             return messageArguments(arguments...);
         else if constexpr (isCall<member>(&ActionCalls::CallEntry))
             return entryArguments(arguments...);
+        else if constexpr (isCall<member>(&ShellCalls::SHChangeNotify))
+            return changeArguments(arguments...);
         else
             return {textOfArgument(handles, filled, arguments)...};
     }
@@ -225,6 +227,11 @@ private:
                                                       Buffer /*allocated*/, DWORD /*size*/,
                                                       va_list* /*inserts*/) {
         return {std::to_wstring(flags), std::to_wstring(code), std::to_wstring(language)};
+    }
+    static std::vector<std::wstring> changeArguments(LONG event, UINT flags, const void* first,
+                                                     const void* second) {
+        return {std::to_wstring(event), std::to_wstring(flags), textOfChanged(flags, first),
+                textOfChanged(flags, second)};
     }
     std::vector<std::wstring> entryArguments(CustomActionEntry entry,
                                              const CustomActionParams* params,

@@ -36,6 +36,13 @@ CommandLine install(const Arguments& options) {
     return accepted(arguments);
 }
 
+TEST(CommandLineTest, TellsWhetherAWrongOneWantsJson) {
+    const wchar_t* arguments[] = {L"temz.exe", L"instal", L"a.xml", L"--json"};
+    EXPECT_TRUE(wantsJson(4, arguments));
+    EXPECT_FALSE(wantsJson(3, arguments));
+    EXPECT_FALSE(wantsJson(0, arguments));
+}
+
 TEST(CommandLineTest, NamesTheModeAndTheScript) {
     const struct {
         const wchar_t* word;
@@ -109,7 +116,6 @@ TEST(CommandLineTest, HasAllSpellingsOfTheSwitches) {
         {L"/s", &CommandLine::quiet},
         {L"--passive", &CommandLine::passive},
         {L"/passive", &CommandLine::passive},
-        {L"--verbose", &CommandLine::verbose},
         {L"--json", &CommandLine::json},
         {L"--accept-ignored", &CommandLine::acceptIgnored},
         {L"--drop-pending", &CommandLine::dropPending},
@@ -119,6 +125,13 @@ TEST(CommandLineTest, HasAllSpellingsOfTheSwitches) {
         for (const auto& other : switches)
             EXPECT_EQ(install({spelling}).*other.flag, other.flag == flag) << spelling;
     }
+}
+
+TEST(CommandLineTest, ShowsCallsWhereThereIsAPlaceForThem) {
+    EXPECT_TRUE(install({L"--verbose", L"--log", L"a.log"}).verbose);
+    EXPECT_TRUE(install({L"--json", L"--verbose"}).verbose);
+    EXPECT_EQ(refusal({L"install", L"a.xml", L"--verbose"}),
+              L"--verbose needs --log or --json, where the calls are shown.");
 }
 
 TEST(CommandLineTest, DistinguishesCaseBehindDashes) {
@@ -160,6 +173,7 @@ TEST(CommandLineTest, HasCommandsThatRunNothing) {
     EXPECT_EQ(accepted({L"help", L"codes"}).verb, Verb::helpCodes);
     EXPECT_EQ(accepted({L"explain", L"1603"}).verb, Verb::explain);
     EXPECT_EQ(accepted({L"explain", L"1603"}).subject, L"1603");
+    EXPECT_EQ(accepted({L"explain", L"-1073740777"}).subject, L"-1073740777");
 }
 
 TEST(CommandLineTest, ShowsHelpOrVersionWhateverElseIsThere) {

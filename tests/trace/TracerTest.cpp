@@ -377,6 +377,39 @@ TEST_F(TracerTest, KeysAreToldByTheirPaths) {
     EXPECT_THAT(listener.calls[3].arguments, ElementsAre(L"HKEY_LOCAL_MACHINE\\Software"));
 }
 
+TEST_F(TracerTest, ClassesAndInterfacesAreToldByTheirIds) {
+    const FakeCall<shellCalls, &ShellCalls::CoCreateInstance> create(
+        [](auto&&...) { return E_NOINTERFACE; });
+    Tracer tracer(listener);
+    const CallWrapper<Tracer> wrapper(tracer);
+    constexpr GUID made{0x00021401, 0x0002, 0x0AB0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+    constexpr GUID asked{0xFEDCBA98, 0xFFFF, 0, {0, 1, 2, 3, 4, 5, 6, 255}};
+    void* object = nullptr;
+
+    shellCalls.CoCreateInstance(made, nullptr, CLSCTX_INPROC_SERVER, asked, &object);
+
+    EXPECT_THAT(listener.calls[0].arguments,
+                ElementsAre(L"{00021401-0002-0AB0-C000-000000000046}", L"null", L"1",
+                            L"{FEDCBA98-FFFF-0000-0001-0203040506FF}", testing::_));
+}
+
+TEST_F(TracerTest, WhatTheShellIsToldOfIsAPathWhereTheFlagsSaySo) {
+    const FakeCall<shellCalls, &ShellCalls::SHChangeNotify> notify([](auto...) {});
+    Tracer tracer(listener);
+    const CallWrapper<Tracer> wrapper(tracer);
+    const auto told = [&](UINT flags, const void* first, const void* second) {
+        shellCalls.SHChangeNotify(SHCNE_RENAMEITEM, flags, first, second);
+        return listener.calls.back().arguments;
+    };
+
+    EXPECT_THAT(told(SHCNF_PATHW | SHCNF_FLUSH, L"C:\\a.lnk", nullptr),
+                ElementsAre(L"1", L"4101", L"C:\\a.lnk", L"null"));
+    EXPECT_THAT(told(SHCNF_PATHA, "C:\\a.lnk", "C:\\b.lnk"),
+                ElementsAre(L"1", L"1", L"C:\\a.lnk", L"C:\\b.lnk"));
+    EXPECT_THAT(told(SHCNF_IDLIST, &told, nullptr), ElementsAre(L"1", L"0", L"(object)", L"null"));
+    EXPECT_THAT(told(SHCNF_DWORD, &told, nullptr), ElementsAre(L"1", L"3", L"(object)", L"null"));
+}
+
 TEST_F(TracerTest, OtherHandlesAreToldByWhatTheyWereOpenedFor) {
     const auto handle = reinterpret_cast<HANDLE>(16);
     const FakeFind find([&](auto...) { return handle; });
