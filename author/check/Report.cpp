@@ -35,7 +35,7 @@ void Report::handOut(const std::function<void(const Finding&)>& tellFinding) con
     }
 }
 
-std::wstring quoted(std::wstring_view thing) {
+std::wstring inMarks(std::wstring_view thing) {
     std::wstring text = L"`";
     text += thing.substr(0, longestQuote);
     if (thing.size() > longestQuote)

@@ -42,4 +42,4 @@ private:
 };
 
 /// The thing in the marks in which findings name things.
-std::wstring quoted(std::wstring_view thing);
+std::wstring inMarks(std::wstring_view thing);
