@@ -64,31 +64,31 @@ void checkRead(const Checked& checked, const ElementNode& element, const Attribu
         std::wstring help = helpFor(element, attribute);
         if (help.empty())
             help = didYouMean(checked.nearMiss.find(attribute.name, names));
-        checked.report.tell(
+        checked.report.tellOf(
             Fault::attributeNeverRead, attribute.namePlace,
             inMarks(attribute.name) + L" is never read on a " + inMarks(element.name) + L".", help);
         return;
     }
     for (const WithoutEffect& row : withoutEffect)
         if (row.kind == element.kind && attribute.name == row.attribute)
-            checked.report.tell(Fault::attributeWithoutEffect, attribute.namePlace,
-                                inMarks(attribute.name) + L" has no effect on a " +
-                                    inMarks(element.name) + L": " + row.reason);
+            checked.report.tellOf(Fault::attributeWithoutEffect, attribute.namePlace,
+                                  inMarks(attribute.name) + L" has no effect on a " +
+                                      inMarks(element.name) + L": " + row.reason);
 }
 
 void checkReference(const Checked& checked, const ElementNode& element) {
     for (const AttributeNode& attribute : element.attributes)
         if (attribute.name != idAttribute)
-            checked.report.tell(
+            checked.report.tellOf(
                 Fault::attributeNeverRead, attribute.namePlace,
                 inMarks(attribute.name) + L" is never read on a " + inMarks(element.name) + L".",
                 std::wstring(L"put it on the `") + element.reference->target->name +
                     L"` that it refers to.");
     if (element.firstChild != noElement && element.reference != &directoryReference)
-        checked.report.tell(Fault::childrenNeverRead, checked.model[element.firstChild].place,
-                            L"What stands in a " + inMarks(element.name) + L" is never read.",
-                            std::wstring(L"put it into the `") + element.reference->target->name +
-                                L"` that it refers to.");
+        checked.report.tellOf(Fault::childrenNeverRead, checked.model[element.firstChild].place,
+                              L"What stands in a " + inMarks(element.name) + L" is never read.",
+                              std::wstring(L"put it into the `") + element.reference->target->name +
+                                  L"` that it refers to.");
 }
 
 }  // namespace

@@ -25,21 +25,21 @@ private:
 
     void checkFile(const std::wstring& path, const Effects::Thing& thing, Fault stays) {
         if (thing.made == 0) {
-            checked.report.tell(Fault::fileNeverInstalled, placeOf(*thing.visit),
-                                inMarks(thing.name) + L" is removed, but never installed.");
+            checked.report.tellOf(Fault::fileNeverInstalled, placeOf(*thing.visit),
+                                  inMarks(thing.name) + L" is removed, but never installed.");
             return;
         }
         if (thing.removed != 0 || effects.goesWithDirectory(path, uninstalling))
             return;
         if (thing.made == installing && stays == Fault::fileStays)
-            checked.report.tell(
+            checked.report.tellOf(
                 Fault::fileStaysByDesign, placeOf(*thing.visit),
                 inMarks(thing.name) + L" is put in place at install alone, and stays for good.",
                 L"nothing, if it is the user's from then on.");
         else
-            checked.report.tell(stays, placeOf(*thing.visit),
-                                inMarks(thing.name) + L" is never removed.",
-                                L"let its Component take part in uninstall, too.");
+            checked.report.tellOf(stays, placeOf(*thing.visit),
+                                  inMarks(thing.name) + L" is never removed.",
+                                  L"let its Component take part in uninstall, too.");
     }
 
     /// Keys that only lead to others count with these.
@@ -60,17 +60,17 @@ private:
         const bool goes = effects.goesWithKey(key, uninstalling);
         if ((thing.made & installingModes) != 0 && !goes && !effects.holdsRemovedKey(key) &&
             !holdsOnlyKeys(thing.visit->number))
-            checked.report.tell(
+            checked.report.tellOf(
                 Fault::keyStays, placeOf(*thing.visit), inMarks(thing.name) + L" is never removed.",
                 L"add a Component On=\"uninstall\" with a RegistryKey Action=\"remove\".");
         if ((thing.made & uninstalling) != 0 && (thing.made & installingModes) != 0 &&
             !(goes && thing.lastRemoved > thing.lastMade))
-            checked.report.tell(Fault::keyMadeAtUninstall, placeOf(*thing.visit),
-                                inMarks(thing.name) + L" is made at uninstall, too.",
-                                L"limit it by On=\"installupgrade\".");
+            checked.report.tellOf(Fault::keyMadeAtUninstall, placeOf(*thing.visit),
+                                  inMarks(thing.name) + L" is made at uninstall, too.",
+                                  L"limit it by On=\"installupgrade\".");
         if (thing.made == 0 && (thing.removed & uninstalling) != 0 && !isNearMadeKey(key))
-            checked.report.tell(Fault::keyNeverMade, placeOf(*thing.visit),
-                                inMarks(thing.name) + L" is removed, but never made.");
+            checked.report.tellOf(Fault::keyNeverMade, placeOf(*thing.visit),
+                                  inMarks(thing.name) + L" is removed, but never made.");
     }
 
     /// Whether the script makes a key above this one or in it.
@@ -87,10 +87,10 @@ private:
     void checkService(const Effects::Service& service) {
         if ((service.started & installingModes) != 0 &&
             ((service.stopped | service.removed) & uninstalling) == 0)
-            checked.report.tell(Fault::serviceStays, placeOf(*service.visit),
-                                L"The service " + inMarks(service.name) +
-                                    L" is neither stopped nor removed at uninstall.",
-                                L"stop and remove it in a Fragment On=\"uninstall\".");
+            checked.report.tellOf(Fault::serviceStays, placeOf(*service.visit),
+                                  L"The service " + inMarks(service.name) +
+                                      L" is neither stopped nor removed at uninstall.",
+                                  L"stop and remove it in a Fragment On=\"uninstall\".");
     }
 
     const Checked& checked;

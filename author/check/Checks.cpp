@@ -11,8 +11,9 @@ void Action::tellFailure(Fault fault, Span place, const std::wstring& what, std:
         return;
     const KnownText* vital = text(L"Vital");
     if (vital && vital->exact && vital->text != yesKeyword) {
-        checked.report.tell(Fault::hiddenFailure, place,
-                            what + L" This fails each time, and Vital hides it.", std::move(help));
+        checked.report.tellOf(Fault::hiddenFailure, place,
+                              what + L" This fails each time, and Vital hides it.",
+                              std::move(help));
         return;
     }
     checked.report.tell(fault, place, (visit.sure & modes) != 0 && (!vital || vital->exact), what,
@@ -31,6 +32,6 @@ void Action::tellLength(Fault fault, Fault likely, Span place, const KnownText& 
                             L"The text has at least " + std::to_wstring(text.shortest) + room +
                                 L" The process would end.");
     else
-        checked.report.tell(likely, place,
-                            L"The text may have " + std::to_wstring(text.longest) + room);
+        checked.report.tellOf(likely, place,
+                              L"The text may have " + std::to_wstring(text.longest) + room);
 }

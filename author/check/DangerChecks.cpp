@@ -79,8 +79,8 @@ private:
     }
 
     void tell(const Action& action, Fault fault, const wchar_t* attribute, std::wstring text) {
-        checked.report.tell(fault, action.placeOf(attribute), std::move(text),
-                            kindOf(fault).remedy);
+        checked.report.tellOf(fault, action.placeOf(attribute), std::move(text),
+                              kindOf(fault).remedy);
     }
 
     /// Whether the product puts something into it or into one around it.

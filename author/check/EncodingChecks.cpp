@@ -46,17 +46,17 @@ void checkEncoding(const Checked& checked) {
     const bool hasMark = text.bytes().starts_with("\xEF\xBB\xBF");
     const bool declaresUtf8 = encoding == "UTF-8" || encoding == "UTF8" || hasMark;
     if (!declaresUtf8 && !encoding.empty())
-        checked.report.tell(Fault::foreignEncoding, first->valuePlace,
-                            L"The script declares " +
-                                inMarks(std::wstring(encoding.begin(), encoding.end())) +
-                                L", which no host looks at.",
-                            L"save the script as UTF-8 and declare that.");
+        checked.report.tellOf(Fault::foreignEncoding, first->valuePlace,
+                              L"The script declares " +
+                                  inMarks(std::wstring(encoding.begin(), encoding.end())) +
+                                  L", which no host looks at.",
+                              L"save the script as UTF-8 and declare that.");
     if (!text.isUtf8())
-        checked.report.tell(Fault::brokenUtf8, first->valuePlace,
-                            L"This text isn't UTF-8: each machine reads it in its own code page.",
-                            L"save the script as UTF-8.");
+        checked.report.tellOf(Fault::brokenUtf8, first->valuePlace,
+                              L"This text isn't UTF-8: each machine reads it in its own code page.",
+                              L"save the script as UTF-8.");
     else if (!declaresUtf8 && encoding.empty())
-        checked.report.tell(Fault::undeclaredText, first->valuePlace,
-                            L"This text isn't ASCII, and the script declares no encoding.",
-                            L"declare encoding=\"UTF-8\" in the first line.");
+        checked.report.tellOf(Fault::undeclaredText, first->valuePlace,
+                              L"This text isn't ASCII, and the script declares no encoding.",
+                              L"declare encoding=\"UTF-8\" in the first line.");
 }

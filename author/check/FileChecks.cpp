@@ -44,7 +44,7 @@ void checkName(const Action& action, const KnownText& name) {
                                inMarks(name.text) + L" has a character that Windows refuses.",
                                L"take < > | \" * ? out of it.", installingModes);
         else
-            action.checked.report.tell(
+            action.checked.report.tellOf(
                 Fault::nameUnwise, place,
                 inMarks(name.text) + L" has a character that Windows refuses.",
                 L"take < > | \" * ? out of it.");
@@ -54,8 +54,8 @@ void checkName(const Action& action, const KnownText& name) {
         const size_t end = std::min(rest.find_first_of(L"\\/"), rest.size());
         const std::wstring reason = whyUnwise(rest.substr(0, end));
         if (!reason.empty())
-            action.checked.report.tell(Fault::nameUnwise, place,
-                                       inMarks(rest.substr(0, end)) + reason);
+            action.checked.report.tellOf(Fault::nameUnwise, place,
+                                         inMarks(rest.substr(0, end)) + reason);
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
 }
@@ -67,10 +67,11 @@ void tellLongPath(const Action& action, Span place, size_t shortest, size_t long
                L".";
     };
     if (shortest >= pathLimit)
-        action.checked.report.tell(Fault::pathTooLongForWindows, place,
-                                   sentence(L"has at least", shortest));
+        action.checked.report.tellOf(Fault::pathTooLongForWindows, place,
+                                     sentence(L"has at least", shortest));
     else if (longest >= pathLimit)
-        action.checked.report.tell(Fault::pathLikelyTooLong, place, sentence(L"may have", longest));
+        action.checked.report.tellOf(Fault::pathLikelyTooLong, place,
+                                     sentence(L"may have", longest));
 }
 
 void checkSource(const Action& action) {
@@ -181,7 +182,7 @@ private:
         const std::wstring line =
             std::to_wstring(model.text().placeOf(model[earlier.visit->number].place).line);
         const bool same = text == earlier.text;
-        action.checked.report.tell(
+        action.checked.report.tellOf(
             same ? Fault::sameTarget : Fault::sameTargetButCase, action.placeOf(L"Name"),
             inMarks(text) +
                 (same ? L" is installed by line " + line + L", too."

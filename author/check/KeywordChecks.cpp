@@ -33,17 +33,20 @@ void checkSingleWord(const Action& action, const SingleWord& row) {
         return;
     const wchar_t* meant[] = {row.word};
     std::wstring near = action.checked.nearMiss.find(text->text, meant);
+    if (text->text.size() > near.size() && text->text.ends_with(near))
+        near.clear();  // as "async", which is meant as the opposite
     for (const wchar_t* affirmation : affirmations)
         if (row.word == yesKeyword && _wcsicmp(text->text.c_str(), affirmation) == 0)
             near = row.word;
     const std::wstring what = inMarks(text->text) + L" is no word of `" + row.attribute +
                               L"` and counts as `" + noKeyword + L"`.";
     if (near.empty())
-        action.checked.report.tell(
+        action.checked.report.tellOf(
             Fault::keywordUnknown, own->valuePlace, what,
             std::wstring(L"the word with a meaning is `") + row.word + L"`.");
     else
-        action.checked.report.tell(Fault::keywordMisspelt, own->valuePlace, what, didYouMean(near));
+        action.checked.report.tellOf(Fault::keywordMisspelt, own->valuePlace, what,
+                                     didYouMean(near));
 }
 
 template <class Keyword>

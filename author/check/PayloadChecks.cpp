@@ -51,15 +51,15 @@ private:
         used.insert(keyOf(path));
         const Span place = action.placeOf(L"Source");
         if (attributes == INVALID_FILE_ATTRIBUTES)
-            checked.report.tell(Fault::sourceMissing, place,
-                                inMarks(source.text) + L" isn't in the payload.",
-                                L"correct the Source, or add the file.");
+            checked.report.tellOf(Fault::sourceMissing, place,
+                                  inMarks(source.text) + L" isn't in the payload.",
+                                  L"correct the Source, or add the file.");
         else if (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN))
-            checked.report.tell(Fault::sourceReadOnly, place,
-                                inMarks(source.text) +
-                                    L" is read-only or hidden, so an upgrade can't replace its "
-                                    L"copy.",
-                                L"take the attribute off the file.");
+            checked.report.tellOf(Fault::sourceReadOnly, place,
+                                  inMarks(source.text) +
+                                      L" is read-only or hidden, so an upgrade can't replace its "
+                                      L"copy.",
+                                  L"take the attribute off the file.");
     }
 
     bool isOfTheHost(const fs::path& path) const {

@@ -45,7 +45,7 @@ void checkValue(const Action& action) {
                            L"write digits alone, with a minus sign in front if need be.");
     else if ((number == Limits::max() || number == Limits::min()) &&
              value.text != std::to_wstring(number))
-        action.checked.report.tell(
+        action.checked.report.tellOf(
             Fault::dwordOutOfRange, action.placeOf(L"Value"),
             inMarks(value.text) + L" is written as " + std::to_wstring(number) + L".",
             L"beyond 2147483647 write the negative number of the same bits.");
@@ -54,7 +54,7 @@ void checkValue(const Action& action) {
 void checkKey(const Action& action) {
     if (isExactly(action.text(L"Action"), wordOf(ACTION_REMOVE_REGISTRY_KEY)) &&
         action.text(L"Key")->isSurelyEmpty())
-        action.checked.report.tell(
+        action.checked.report.tellOf(
             Fault::emptyKeyRemoved, action.placeOf(L"Key"),
             L"An empty `Key` means all that " + inMarks(action.text(L"Root")->text) + L" holds.",
             L"name the key.");

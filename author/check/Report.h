@@ -17,8 +17,8 @@ public:
 
     /// `surely` tells whether every machine comes there in at least one mode.
     void tell(Fault fault, Span place, bool surely, std::wstring text, std::wstring help = {});
-    /// For what holds wherever it stands.
-    void tell(Fault fault, Span place, std::wstring text, std::wstring help = {}) {
+    /// For what holds whether or not a run comes there.
+    void tellOf(Fault fault, Span place, std::wstring text, std::wstring help = {}) {
         tell(fault, place, true, std::move(text), std::move(help));
     }
     /// For what concerns the file as a whole.

@@ -88,9 +88,9 @@ void ScriptWalk::visitChild(const Frame& frame, ElementNumber child) {
         return;
     const size_t references = frame.references + (byReference ? 1 : 0);
     if (byReference && references == longestChain + 1)
-        report.tell(Fault::longChain, node.place,
-                    L"More than " + std::to_wstring(longestChain) +
-                        L" references follow each other up to this one.");
+        report.tellOf(Fault::longChain, node.place,
+                      L"More than " + std::to_wstring(longestChain) +
+                          L" references follow each other up to this one.");
 
     Visit& visit = visitOf(definition, *frame.visit->made, byReference);
     if (visit.madePossible == 0)
@@ -232,9 +232,9 @@ Modes ScriptWalk::modesOf(const Visit& visit, Modes possible, Modes& sure) {
     const OnKeyword* keyword = findKeyword(onKeywords(), on->text);
     if (keyword == nullptr) {
         const AttributeNode* attribute = model[visit.number].find(L"On");
-        report.tell(Fault::modeUnknown, attribute->valuePlace,
-                    inMarks(on->text) + L" names no mode, so this takes part in none.",
-                    didYouMean(nearMiss.find(on->text, onKeywords())));
+        report.tellOf(Fault::modeUnknown, attribute->valuePlace,
+                      inMarks(on->text) + L" names no mode, so this takes part in none.",
+                      didYouMean(nearMiss.find(on->text, onKeywords())));
         sure = 0;
         return 0;
     }
@@ -253,11 +253,11 @@ bool ScriptWalk::decide(const Visit& visit, Modes possible, Modes& sure, const G
     }
     const bool hasChildren = model[visit.number].firstChild != noElement;
     if (result.value && hasChildren && possible != 0 && (!result.assigns || !*result.value))
-        report.tell(Fault::sameEverywhere, attribute->valuePlace,
-                    *result.value ? L"The condition is true on every machine."
-                                  : L"The condition is false on every machine, so what stands in "
-                                    L"it is never done.",
-                    L"remove it, or ask for something that can differ.");
+        report.tellOf(Fault::sameEverywhere, attribute->valuePlace,
+                      *result.value ? L"The condition is true on every machine."
+                                    : L"The condition is false on every machine, so what stands in "
+                                      L"it is never done.",
+                      L"remove it, or ask for something that can differ.");
     if (result.value)
         return *result.value;
     sure = 0;

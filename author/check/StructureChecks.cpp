@@ -48,9 +48,9 @@ private:
                  child = model[child].nextSibling)
                 names.push_back(model[child].name);
             const std::wstring near = checked.nearMiss.find(installKind.name, names);
-            report.tell(Fault::noSequence, model[model.product()].place,
-                        L"The `Product` has no `InstallExecuteSequence`, so no run can begin.",
-                        near.empty() ? near : L"is " + inMarks(near) + L" meant as it?");
+            report.tellOf(Fault::noSequence, model[model.product()].place,
+                          L"The `Product` has no `InstallExecuteSequence`, so no run can begin.",
+                          near.empty() ? near : L"is " + inMarks(near) + L" meant as it?");
         }
         return true;
     }
@@ -100,15 +100,15 @@ private:
         if (number == model.sequence())
             return element.end;
         if (element.is(installKind)) {
-            report.tell(Fault::furtherSequence, element.place,
-                        L"This `InstallExecuteSequence` is never run.",
-                        L"only the first one directly in the Product is.");
+            report.tellOf(Fault::furtherSequence, element.place,
+                          L"This `InstallExecuteSequence` is never run.",
+                          L"only the first one directly in the Product is.");
             return element.end;
         }
         if (isVariable(element)) {
-            report.tell(Fault::unseenVariable, element.place,
-                        describe(element) + L" isn't seen here.",
-                        L"put it directly into the root element, beside the Product.");
+            report.tellOf(Fault::unseenVariable, element.place,
+                          describe(element) + L" isn't seen here.",
+                          L"put it directly into the root element, beside the Product.");
             return element.end;
         }
         if (isPlace(element))
@@ -116,10 +116,10 @@ private:
         if (isDefinition(element))
             return checkDefinition(number);
         if (element.is(conditionKind) && used[number]) {
-            report.tell(Fault::conditionNotEvaluated, element.place,
-                        L"This `Condition` is never evaluated: what stands in it is reached by "
-                        L"reference.",
-                        L"put it around the reference, or into the definition.");
+            report.tellOf(Fault::conditionNotEvaluated, element.place,
+                          L"This `Condition` is never evaluated: what stands in it is reached by "
+                          L"reference.",
+                          L"put it around the reference, or into the definition.");
             return number + 1;
         }
         tellWithoutMeaning(element);
@@ -133,8 +133,8 @@ private:
         if (isVariable(element))
             return element.end;
         if (element.is(productKind))
-            report.tell(Fault::furtherProduct, element.place,
-                        L"This `Product` never counts: the first one is the product.");
+            report.tellOf(Fault::furtherProduct, element.place,
+                          L"This `Product` never counts: the first one is the product.");
         else
             tellWithoutMeaning(element);
         return element.end;
@@ -146,15 +146,15 @@ private:
         if (element.is(directoryKind) && !isWord) {
             const std::wstring near = checked.nearMiss.find(element.id(), folderWords());
             if (!near.empty())
-                report.tell(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace,
-                            inMarks(element.id()) + L" is no folder of the system.",
-                            didYouMean(near));
+                report.tellOf(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace,
+                              inMarks(element.id()) + L" is no folder of the system.",
+                              didYouMean(near));
         }
         if (used[number] || element.firstChild != noElement)
             return number + 1;
-        report.tell(Fault::unreachedDefinition, element.place,
-                    L"Nothing uses " + describe(element) + L".",
-                    L"remove it, or refer to it as [Id].");
+        report.tellOf(Fault::unreachedDefinition, element.place,
+                      L"Nothing uses " + describe(element) + L".",
+                      L"remove it, or refer to it as [Id].");
         return element.end;
     }
 
@@ -170,8 +170,8 @@ private:
             std::wstring help = L"refer to it by `" + element.name + L"Ref` in the sequence.";
             if (element.id().empty())
                 help = L"give it an Id, and r" + help.substr(1);
-            report.tell(Fault::unreachedDefinition, element.place,
-                        L"Nothing reaches " + describe(element) + L".", help);
+            report.tellOf(Fault::unreachedDefinition, element.place,
+                          L"Nothing reaches " + describe(element) + L".", help);
         }
         return element.end;
     }
@@ -182,10 +182,10 @@ private:
             help = didYouMean(checked.nearMiss.find(element.name, allElementNames()));
         else
             help = L"put it into an element that may hold it.";
-        report.tell(Fault::elementWithoutMeaning, element.place,
-                    inMarks(element.name) + L" means nothing in " +
-                        inMarks(model[element.parent].name) + L" and is passed over.",
-                    help);
+        report.tellOf(Fault::elementWithoutMeaning, element.place,
+                      inMarks(element.name) + L" means nothing in " +
+                          inMarks(model[element.parent].name) + L" and is passed over.",
+                      help);
     }
 
     void checkHiddenIds() {
@@ -198,10 +198,10 @@ private:
             if (first == number)
                 continue;
             const Place place = model.text().placeOf(model[first].place);
-            report.tell(Fault::hiddenId, element.find(idAttribute)->valuePlace,
-                        describe(element) + L" is hidden by the one in line " +
-                            std::to_wstring(place.line) + L".",
-                        L"give it an Id of its own.");
+            report.tellOf(Fault::hiddenId, element.find(idAttribute)->valuePlace,
+                          describe(element) + L" is hidden by the one in line " +
+                              std::to_wstring(place.line) + L".",
+                          L"give it an Id of its own.");
         }
     }
 

@@ -13,7 +13,7 @@ void checkValue(const Checked& checked, const ElementNode& element,
     if (variable.type == VARIABLE_INT && parseIntText(value->value.c_str(), number) &&
         value->value.size() > 9 && (number == INT32_MAX || number == INT32_MIN) &&
         value->value != std::to_wstring(number))
-        checked.report.tell(
+        checked.report.tellOf(
             Fault::integerOutOfRange, value->valuePlace,
             inMarks(value->value) + L" counts as " + std::to_wstring(number) + L".");
     for (const TextPiece& piece : piecesOf(value->value)) {
@@ -23,11 +23,11 @@ void checkValue(const Checked& checked, const ElementNode& element,
         const bool isVariable =
             piece.meaning == TextPiece::variable && checked.variables.find(piece.text);
         if (isDirectory || isVariable)
-            checked.report.tell(Fault::referenceStaysText,
-                                checked.model.spanIn(*value, piece.from, piece.length),
-                                inMarks(value->value.substr(piece.from, piece.length)) +
-                                    L" isn't replaced in the Value of a variable.",
-                                L"write it where the value is used.");
+            checked.report.tellOf(Fault::referenceStaysText,
+                                  checked.model.spanIn(*value, piece.from, piece.length),
+                                  inMarks(value->value.substr(piece.from, piece.length)) +
+                                      L" isn't replaced in the Value of a variable.",
+                                  L"write it where the value is used.");
     }
 }
 
@@ -39,22 +39,22 @@ void checkType(const Checked& checked, const ElementNode& element) {
     if (help.empty())
         for (const VariableTypeKeyword& keyword : variableTypeKeywords())
             help.append(help.empty() ? L"use " : L" or ").append(inMarks(keyword.word));
-    checked.report.tell(Fault::variableTypeUnknown, type->valuePlace,
-                        inMarks(type->value) + L" is no type, so there is no variable " +
-                            inMarks(element.id()) + L".",
-                        help);
+    checked.report.tellOf(Fault::variableTypeUnknown, type->valuePlace,
+                          inMarks(type->value) + L" is no type, so there is no variable " +
+                              inMarks(element.id()) + L".",
+                          help);
 }
 
 void checkName(const Checked& checked, const ElementNode& element, ElementNumber number) {
     const AttributeNode* id = element.find(idAttribute);
     if (id == nullptr || id->value.empty()) {
-        checked.report.tell(Fault::variableHidden, element.place,
-                            L"A variable without an Id can't be reached.", L"give it an Id.");
+        checked.report.tellOf(Fault::variableHidden, element.place,
+                              L"A variable without an Id can't be reached.", L"give it an Id.");
         return;
     }
     const ScriptVariable* found = checked.variables.find(id->value);
     if (found && found->element != number)
-        checked.report.tell(
+        checked.report.tellOf(
             Fault::variableHidden, id->valuePlace,
             found->isBuiltIn
                 ? inMarks(id->value) + L" is a built-in variable, which hides this one."
@@ -79,8 +79,8 @@ void checkVariables(const Checked& checked) {
             continue;
         checkValue(checked, element, *variable);
         if (!variable->read)
-            checked.report.tell(Fault::variableNeverRead, element.place,
-                                L"Nothing reads the variable " + inMarks(element.id()) + L".",
-                                L"remove it.");
+            checked.report.tellOf(Fault::variableNeverRead, element.place,
+                                  L"Nothing reads the variable " + inMarks(element.id()) + L".",
+                                  L"remove it.");
     }
 }

@@ -66,7 +66,7 @@ bool parseScript(const ScriptText& script, TiXmlDocument& document, Report& repo
     const Span place =
         script.spanAt(static_cast<size_t>(document.ErrorRow()),
                       static_cast<size_t>(document.ErrorCol()), countsUtf8(document, text));
-    report.tell(
+    report.tellOf(
         Fault::notXml, place,
         L"The script isn't well-formed XML: the parser says \"" + reasonOf(document) + L"\"",
         helpWith(document.ErrorId()));
