@@ -76,6 +76,7 @@ CheckEnd checkScript(const CheckRequest& request, const std::function<void(const
     CheckEnd end = CheckEnd::done;
     if (parseScript(*text, document, report))
         end = checkParsed(request, *text, document, report);
-    report.handOut(tell);
+    if (end == CheckEnd::done)
+        report.handOut(tell);
     return end;
 }

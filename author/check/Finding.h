@@ -51,7 +51,7 @@ struct CheckRequest {
 
 enum class CheckEnd {
     done,
-    notReadable,  ///< the script, or the previous one, can't be opened
+    notReadable,  ///< the script, or the previous one, can't be read; nothing is told then
 };
 
 /// Reads a script as the engine would and tells all that is wrong with it, in order of place.
