@@ -10,34 +10,55 @@
 namespace {
 
 struct Command {
+    Verb verb;
     const wchar_t* word;
-    const wchar_t* operand;  // what must follow; null for nothing
+    const wchar_t* operand;  // what must follow; in brackets, what may
     const wchar_t* meaning;
     void (*take)(CommandLine& line, const std::wstring& operand);
 };
 
 template <temz_mode mode>
 void takeRun(CommandLine& line, const std::wstring& operand) {
-    line.verb = Verb::run;
     line.mode = mode;
     line.script = operand;
 }
 
+template <std::wstring CommandLine::*text>
+void takeOperand(CommandLine& line, const std::wstring& operand) {
+    line.*text = operand;
+}
+
+struct Topic {
+    const wchar_t* word;
+    Verb verb;
+};
+constexpr Topic topics[] = {{L"codes", Verb::helpCodes}, {L"findings", Verb::helpFindings}};
+
+const Topic* findTopic(const std::wstring& word) {
+    const auto* found = std::find_if(std::begin(topics), std::end(topics),
+                                     [&word](const Topic& topic) { return word == topic.word; });
+    return found == std::end(topics) ? nullptr : found;
+}
+
+void takeTopic(CommandLine& line, const std::wstring& operand) {
+    if (const Topic* topic = findTopic(operand))
+        line.verb = topic->verb;
+}
+
 constexpr Command commands[] = {
-    {L"install", L"SCRIPT", L"put the product of an install script on the machine",
+    {Verb::run, L"install", L"SCRIPT", L"put the product of an install script on the machine",
      takeRun<TEMZ_INSTALL>},
-    {L"upgrade", L"SCRIPT", L"bring an installed product up to the script's version",
+    {Verb::run, L"upgrade", L"SCRIPT", L"bring an installed product up to the script's version",
      takeRun<TEMZ_UPGRADE>},
-    {L"uninstall", L"SCRIPT", L"remove it", takeRun<TEMZ_UNINSTALL>},
-    {L"explain", L"CODE|TEXT", L"tell the cause of a code or a message, and what to do about it",
-     [](CommandLine& line, const std::wstring& operand) {
-         line.verb = Verb::explain;
-         line.subject = operand;
-     }},
-    {L"help", L"[codes]", L"show this text, or the exit codes",
-     [](CommandLine& line, const std::wstring& operand) {
-         line.verb = operand == L"codes" ? Verb::helpCodes : Verb::help;
-     }},
+    {Verb::run, L"uninstall", L"SCRIPT", L"remove it", takeRun<TEMZ_UNINSTALL>},
+    {Verb::check, L"check", L"SCRIPT",
+     L"tell what is wrong with an install script, and run nothing",
+     takeOperand<&CommandLine::script>},
+    {Verb::explain, L"explain", L"CODE|TEXT",
+     L"tell the cause of a code or a message, and what to do about it",
+     takeOperand<&CommandLine::subject>},
+    {Verb::help, L"help", L"[codes|findings]",
+     L"show this text, the exit codes, or what a check can find", takeTopic},
 };
 
 /// A number of no more digits than surely fit.
@@ -85,8 +106,14 @@ bool takeWait(CommandLine& line, const std::wstring& value) {
     return seconds.has_value();
 }
 
-bool takeLog(CommandLine& line, const std::wstring& value) {
-    line.log = value;
+template <std::wstring CommandLine::*text>
+bool takeText(CommandLine& line, const std::wstring& value) {
+    line.*text = value;
+    return !value.empty();
+}
+
+bool takeIgnored(CommandLine& line, const std::wstring& value) {
+    line.ignored.push_back(value);
     return !value.empty();
 }
 
@@ -101,44 +128,99 @@ bool takeVerb(CommandLine& line, const std::wstring& /*value*/) {
     return true;
 }
 
+/// The commands that know an option.
+constexpr unsigned verbBit(Verb verb) {
+    return 1U << static_cast<unsigned>(verb);
+}
+constexpr unsigned runs = verbBit(Verb::run);
+constexpr unsigned checks = verbBit(Verb::check);
+constexpr unsigned anything = ~0U;
+
 struct Option {
+    unsigned verbs;
     std::array<const wchar_t*, 3> spellings;  // the first is the one that is told
     const wchar_t* value;                     // what it may be; null when the option has none
     const wchar_t* meaning;
     bool (*take)(CommandLine& line, const std::wstring& value);
+    bool repeatable = false;
 };
 
 constexpr Option options[] = {
-    {{L"--on-error"},
+    {runs,
+     {L"--on-error"},
      L"abort|ignore|retry:N[,SECONDS]",
      L"what to do when a vital action fails, in place of asking: end the run, go on without the\n"
      L"action, or try it again up to N times, each after a pause",
      takePolicy},
-    {{L"--accept-ignored"},
+    {runs,
+     {L"--accept-ignored"},
      nullptr,
      L"end with success although vital actions were ignored",
      takeFlag<&CommandLine::acceptIgnored>},
-    {{L"--quiet", L"/quiet", L"/S"},
+    {runs,
+     {L"--quiet", L"/quiet", L"/S"},
      nullptr,
      L"ask nothing, and show failures only",
      takeFlag<&CommandLine::quiet>},
-    {{L"--passive", L"/passive"},
+    {runs,
+     {L"--passive", L"/passive"},
      nullptr,
      L"ask nothing, and show the progress",
      takeFlag<&CommandLine::passive>},
-    {{L"--log", L"/log"}, L"FILE", L"append all that is done to a file", takeLog},
-    {{L"--verbose"},
+    {runs,
+     {L"--log", L"/log"},
+     L"FILE",
+     L"append all that is done to a file",
+     takeText<&CommandLine::log>},
+    {runs,
+     {L"--verbose"},
      nullptr,
      L"with every call to the system in the log, or in JSON",
      takeFlag<&CommandLine::verbose>},
-    {{L"--json"}, nullptr, L"show the run as one JSON object a line", takeFlag<&CommandLine::json>},
-    {{L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
-    {{L"--drop-pending"},
+    {runs | checks,
+     {L"--json"},
+     nullptr,
+     L"show everything as one JSON object a line",
+     takeFlag<&CommandLine::json>},
+    {runs, {L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
+    {runs,
+     {L"--drop-pending"},
      nullptr,
      L"at uninstall, take back what still waits for a restart",
      takeFlag<&CommandLine::dropPending>},
-    {{L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
-    {{L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
+    {runs,
+     {L"--no-check"},
+     nullptr,
+     L"start without checking the script first",
+     takeFlag<&CommandLine::noCheck>},
+    {checks,
+     {L"--payload"},
+     L"DIR",
+     L"compare the script with the folder that its sources stand in",
+     takeText<&CommandLine::payload>},
+    {checks,
+     {L"--previous"},
+     L"SCRIPT",
+     L"tell what an upgrade leaves of the version before",
+     takeText<&CommandLine::previous>},
+    {checks,
+     {L"--ignore"},
+     L"CODE",
+     L"leave out a finding; may stand several times",
+     takeIgnored,
+     true},
+    {checks,
+     {L"--warnings-as-errors"},
+     nullptr,
+     L"count warnings as errors",
+     takeFlag<&CommandLine::warningsAsErrors>},
+    {checks,
+     {L"--sarif"},
+     L"FILE",
+     L"write the findings as SARIF 2.1, for code-review systems",
+     takeText<&CommandLine::sarif>},
+    {anything, {L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
+    {anything, {L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
 };
 
 bool equalIgnoringCase(std::wstring_view a, std::wstring_view b) {
@@ -194,7 +276,7 @@ private:
             words.push_back(argument);
             return true;
         }
-        if (std::find(seen.begin(), seen.end(), option) != seen.end())
+        if (!option->repeatable && std::find(seen.begin(), seen.end(), option) != seen.end())
             return refuse(std::wstring(option->spellings[0]) + L" stands twice.");
         seen.push_back(option);
         std::wstring value;
@@ -224,9 +306,14 @@ private:
             return refuse(std::wstring(L"The ") + command->operand + L" is missing.");
         if (words.size() > 2)
             return refuse(words[2] + L" is one argument too many.");
-        if (optional && words.size() == 2 && L"[" + words[1] + L"]" != command->operand)
+        if (optional && words.size() == 2 && findTopic(words[1]) == nullptr)
             return refuse(words[1] + L" is no topic of " + command->word + L".");
+        line.verb = command->verb;
         command->take(line, words.size() > 1 ? words[1] : L"");
+        for (const Option* option : seen)
+            if (!(option->verbs & verbBit(line.verb)))
+                return refuse(std::wstring(option->spellings[0]) + L" is no option of " +
+                              command->word + L".");
         if (line.verb == Verb::run && line.verbose && line.log.empty() && !line.json)
             return refuse(L"--verbose needs --log or --json, where the calls are shown.");
         return true;
@@ -256,6 +343,33 @@ std::wstring entry(const std::wstring& name, const std::wstring& meaning) {
     return text + L"\n";
 }
 
+std::wstring entry(const Option& option) {
+    std::wstring name = option.spellings[0];
+    if (option.value)
+        name += std::wstring(L" ") + option.value;
+    for (size_t i = 1; i < option.spellings.size() && option.spellings[i]; ++i)
+        name += std::wstring(L", ") + option.spellings[i];
+    return entry(name, option.meaning);
+}
+
+/// The words of all commands of a verb, as "install, upgrade".
+std::wstring wordsOf(Verb verb) {
+    std::wstring words;
+    for (const Command& command : commands)
+        if (command.verb == verb)
+            words += (words.empty() ? L"" : L", ") + std::wstring(command.word);
+    return words;
+}
+
+/// The options that a verb knows, under its commands' words; empty when it has none of its own.
+std::wstring optionsOf(Verb verb) {
+    std::wstring text;
+    for (const Option& option : options)
+        if (option.verbs != anything && option.verbs & verbBit(verb))
+            text += entry(option);
+    return text.empty() ? text : L"\n" + wordsOf(verb) + L":\n" + text;
+}
+
 }  // namespace
 
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
@@ -273,14 +387,15 @@ std::wstring usage() {
     std::wstring text = L"Usage: temz COMMAND [OPTION]...\n\n";
     for (const Command& command : commands)
         text += entry(command.word + std::wstring(L" ") + command.operand, command.meaning);
-    text += L"\n";
-    for (const Option& option : options) {
-        std::wstring name = option.spellings[0];
-        if (option.value)
-            name += std::wstring(L" ") + option.value;
-        for (size_t i = 1; i < option.spellings.size() && option.spellings[i]; ++i)
-            name += std::wstring(L", ") + option.spellings[i];
-        text += entry(name, option.meaning);
+    for (const Option& option : options)
+        if (option.verbs == anything)
+            text += entry(option);
+    const Command* before = nullptr;
+    for (const Command& command : commands) {
+        if (before == nullptr || before->verb != command.verb)
+            text += optionsOf(command.verb);
+        before = &command;
     }
-    return text + L"\ntemz help codes shows the exit codes.\n";
+    return text +
+           L"\ntemz help codes shows the exit codes, temz help findings what a check can find.\n";
 }

@@ -2,16 +2,17 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "RunWatch.h"
 
 /// What the program is asked to do.
-enum class Verb { run, explain, help, helpCodes, version };
+enum class Verb { run, check, explain, help, helpCodes, helpFindings, version };
 
 struct CommandLine {
     Verb verb = Verb::help;
     temz_mode mode = TEMZ_INSTALL;
-    std::wstring script;   ///< of a run
+    std::wstring script;   ///< that is run or checked
     std::wstring subject;  ///< of Verb::explain
 
     std::optional<ErrorPolicy> onError;  ///< nothing: ask the user, or abort where nobody answers
@@ -23,6 +24,14 @@ struct CommandLine {
     bool acceptIgnored = false;
     bool dropPending = false;
     unsigned waitSeconds = 0;  ///< for the end of another run
+    bool noCheck = false;
+
+    // Of Verb::check.
+    std::wstring payload;               ///< empty for none
+    std::wstring previous;              ///< empty for none
+    std::wstring sarif;                 ///< empty for none
+    std::vector<std::wstring> ignored;  ///< codes of findings
+    bool warningsAsErrors = false;
 
     bool mayAsk() const { return !quiet && !passive && !json; }
 };

@@ -30,7 +30,8 @@ constexpr ExitCode codes[] = {
     {Ending::scriptNotOpened, ERROR_INSTALL_PACKAGE_OPEN_FAILED,
      L"The script can't be opened. Nothing was done.", L"Look at its path and its rights."},
     {Ending::scriptNotLoaded, ERROR_INSTALL_PACKAGE_INVALID,
-     L"The script can't be loaded. Nothing was done.", L"Mend the script."},
+     L"The script can't be loaded, or a run would surely end half-way. Nothing was done.",
+     L"Mend the script; temz check tells all that is wrong with it."},
     {Ending::logNotOpened, ERROR_INSTALL_LOG_FAILURE, L"The log can't be opened. Nothing was done.",
      L"Name a file in a directory that is there and can be written to."},
     {Ending::badCommandLine, ERROR_INVALID_COMMAND_LINE,
@@ -38,6 +39,10 @@ constexpr ExitCode codes[] = {
     {Ending::notElevated, elevationRequired,
      L"The first action that failed wants an administrator, and the program isn't run as one.",
      L"Run it from an administrator's prompt."},
+    {Ending::faultsFound, 1, L"A check has found errors. Nothing was run.", L"Mend the script.",
+     true},
+    {Ending::notChecked, 2, L"There was nothing to check, or the report can't be written.",
+     L"Look at the paths and their rights.", true},
 };
 
 }  // namespace

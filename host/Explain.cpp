@@ -4,6 +4,7 @@
 
 #include "Diagnosis.h"
 #include "ExitCodes.h"
+#include "Findings.h"
 
 namespace {
 
@@ -154,16 +155,30 @@ constexpr StatusRow statusRows[] = {
      L"Look at the last line of the log: mostly it is the library of a custom action."},
 };
 
+std::wstring explainSystemCode(unsigned long code) {
+    const std::wstring text = systemText(code);
+    return text.empty() ? L"" : withNextStep(L"Windows: " + text, adviceOn(code));
+}
+
 /// A code is the program's own, or the status of a process, or else the system's.
 std::wstring explainCode(unsigned long code) {
     for (const ExitCode& row : exitCodes())
         if (static_cast<unsigned long>(row.code) == code)
-            return withNextStep(row.meaning, row.nextStep);
+            return withNextStep(row.meaning, row.nextStep) +
+                   (row.ownMeaning ? explainSystemCode(code) : L"");
     for (const StatusRow& row : statusRows)
         if (row.status == code)
             return withNextStep(row.meaning, row.nextStep);
-    const std::wstring text = systemText(code);
-    return text.empty() ? L"" : withNextStep(L"Windows: " + text, adviceOn(code));
+    return explainSystemCode(code);
+}
+
+std::wstring explainFinding(const std::wstring& code) {
+    std::wstring text;
+    forEachFindingKind([&](const temz_finding_kind& kind) {
+        if (code == kind.code)
+            text = withNextStep(kind.meaning, kind.remedy);
+    });
+    return text;
 }
 
 }  // namespace
@@ -177,6 +192,8 @@ std::wstring explain(const std::wstring& subject) {
     const unsigned long code = std::wcstoul(subject.c_str(), &end, 0);
     if (!subject.empty() && *end == L'\0')
         return explainCode(code);
+    if (std::wstring text = explainFinding(subject); !text.empty())
+        return text;
     const MessageRow* row = findMessage(subject);
     return row ? withNextStep(row->cause, row->nextStep) : L"";
 }

@@ -8,6 +8,7 @@
 #include "Console.h"
 #include "ConsoleReporter.h"
 #include "Diagnosis.h"
+#include "Findings.h"
 #include "JsonReporter.h"
 #include "LogReporter.h"
 #include "Machine.h"
@@ -174,6 +175,11 @@ private:
         const std::wstring reading = findReadingProblem(command.script);
         if (!reading.empty())
             warn(command.script + L" may be misread: " + reading);
+        if (!command.noCheck && hasFatalFaults())
+            return refuse(Ending::scriptNotLoaded,
+                          command.script +
+                              L" isn't started: a run would surely end half-way. temz "
+                              L"check tells more, --no-check starts it all the same.");
         const std::wstring path = findLoadablePath(wholePath(command.script));
         if (path.empty())
             return refuse(
@@ -188,6 +194,16 @@ private:
             return refuse(loaded == TEMZ_LOAD_FAILED ? Ending::scriptNotLoaded : Ending::failed,
                           command.script + L" can't be loaded: " + reasonOf(loaded, context.get()));
         return run(context.get());
+    }
+
+    /// Tells of what ends a run in any mode: what can be installed must be removable, too.
+    bool hasFatalFaults() {
+        std::vector<ScriptFinding> findings;
+        findFaults(command.script, L"", L"", findings);
+        std::erase_if(findings, [](const ScriptFinding& finding) { return !finding.endsRun; });
+        for (const ScriptFinding& finding : findings)
+            warn(findingLine(finding));
+        return !findings.empty();
     }
 
     static std::wstring reasonOf(temz_status status, temz_context* context) {

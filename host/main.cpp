@@ -1,10 +1,12 @@
 // Runs install scripts from the command line: a host of the C interface, as a model for others.
 
+#include "CheckCommand.h"
 #include "CommandLine.h"
 #include "Console.h"
 #include "ConsoleWindow.h"
 #include "ExitCodes.h"
 #include "Explain.h"
+#include "Findings.h"
 #include "SafeStart.h"
 #include "ScriptRun.h"
 #include "Version.h"
@@ -31,10 +33,15 @@ Ending carryOut(const CommandLine& command) {
     switch (command.verb) {
         case Verb::run:
             return runScript(command);
+        case Verb::check:
+            return checkScriptFile(command);
         case Verb::explain:
             return explainSubject(command);
         case Verb::helpCodes:
             write(Stream::output, exitCodeTable());
+            return Ending::done;
+        case Verb::helpFindings:
+            write(Stream::output, findingTable());
             return Ending::done;
         case Verb::version:
             write(Stream::output, L"temz " + programVersion() + L"\n");

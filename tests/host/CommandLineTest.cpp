@@ -186,6 +186,29 @@ TEST(CommandLineTest, ShowsHelpOrVersionWhateverElseIsThere) {
     EXPECT_EQ(accepted({L"install", L"a.xml", L"--version"}).verb, Verb::version);
 }
 
+TEST(CommandLineTest, ChecksAScriptWithOptionsOfItsOwn) {
+    const CommandLine plain = accepted({L"check", L"a.xml"});
+    EXPECT_EQ(plain.verb, Verb::check);
+    EXPECT_EQ(plain.script, L"a.xml");
+    EXPECT_EQ(plain.payload + plain.previous + plain.sarif, L"");
+    EXPECT_FALSE(plain.warningsAsErrors || plain.json);
+
+    const CommandLine command =
+        accepted({L"check", L"a.xml", L"--payload", L"p", L"--previous=b.xml", L"--sarif", L"s",
+                  L"--ignore", L"TZ101", L"--warnings-as-errors", L"--ignore=TZ203", L"--json"});
+    EXPECT_EQ(command.payload, L"p");
+    EXPECT_EQ(command.previous, L"b.xml");
+    EXPECT_EQ(command.sarif, L"s");
+    EXPECT_THAT(command.ignored, testing::ElementsAre(L"TZ101", L"TZ203"));
+    EXPECT_TRUE(command.warningsAsErrors && command.json);
+}
+
+TEST(CommandLineTest, KnowsTheTopicsOfHelp) {
+    EXPECT_EQ(accepted({L"help"}).verb, Verb::help);
+    EXPECT_EQ(accepted({L"help", L"codes"}).verb, Verb::helpCodes);
+    EXPECT_EQ(accepted({L"help", L"findings"}).verb, Verb::helpFindings);
+}
+
 TEST(CommandLineTest, TellsWhatIsWrong) {
     const struct {
         Arguments arguments;
@@ -206,6 +229,11 @@ TEST(CommandLineTest, TellsWhatIsWrong) {
         {{L"install", L"a.xml", L"--log="}, L"--log can't be \"\", only FILE."},
         {{L"install", L"a.xml", L"--log"}, L"--log needs a value: FILE."},
         {{L"help", L"code"}, L"code is no topic of help."},
+        {{L"check"}, L"The SCRIPT is missing."},
+        {{L"check", L"a.xml", L"--log", L"x"}, L"--log is no option of check."},
+        {{L"check", L"a.xml", L"--ignore="}, L"--ignore can't be \"\", only CODE."},
+        {{L"install", L"a.xml", L"--payload", L"p"}, L"--payload is no option of install."},
+        {{L"help", L"--json"}, L"--json is no option of help."},
     };
     for (const auto& [arguments, problem] : lines)
         EXPECT_EQ(refusal(arguments), problem);
@@ -222,7 +250,8 @@ TEST(UsageTest, HasALineForEachCommandAndOption) {
 
     for (const wchar_t* line :
          {L"\n  install SCRIPT        put", L"\n  upgrade SCRIPT ", L"\n  uninstall SCRIPT ",
-          L"\n  explain CODE|TEXT     tell", L"\n  help [codes]          show",
+          L"\n  check SCRIPT          tell", L"\n  explain CODE|TEXT     tell",
+          L"\n  help [codes|findings] show",
           L"\n  --on-error abort|ignore|retry:N[,SECONDS]\n                        what",
           L"\n  --quiet, /quiet, /S   ask", L"\n  --log FILE, /log      append",
           L"\n  --help, -h, /?        show"})

@@ -6,6 +6,7 @@
 
 #include "host/Diagnosis.h"
 #include "host/ExitCodes.h"
+#include "host/Findings.h"
 
 namespace {
 
@@ -161,8 +162,17 @@ TEST(ExplainTest, TellsCauseAndNextStepOnALineEach) {
 TEST(ExplainTest, KnowsEachExitCode) {
     for (const ExitCode& row : exitCodes()) {
         const std::wstring next = *row.nextStep ? row.nextStep + std::wstring(L"\n") : L"";
-        EXPECT_EQ(explain(std::to_wstring(row.code)), row.meaning + (L"\n" + next));
+        const std::wstring text = explain(std::to_wstring(row.code));
+        const std::wstring own = row.meaning + (L"\n" + next);
+        EXPECT_TRUE(text.starts_with(own)) << row.code << text;
+        EXPECT_EQ(text.substr(own.size()).starts_with(L"Windows: "), row.ownMeaning) << row.code;
     }
+}
+
+TEST(ExplainTest, KnowsEachKindOfFinding) {
+    forEachFindingKind([](const temz_finding_kind& kind) {
+        EXPECT_EQ(explain(kind.code), std::wstring(kind.meaning) + L"\n" + kind.remedy + L"\n");
+    });
 }
 
 TEST(ExplainTest, KnowsTheSystemsCodesInDecimalAndHexadecimal) {

@@ -54,6 +54,8 @@ TEST(ExitCodesTest, HasOneRowForEachEnding) {
         {Ending::logNotOpened, 1622, false},
         {Ending::badCommandLine, 1639, false},
         {Ending::notElevated, 740, false},
+        {Ending::faultsFound, 1, false},
+        {Ending::notChecked, 2, false},
     };
     ASSERT_EQ(exitCodes().size(), std::size(endings));
     for (const auto& [ending, code, success] : endings) {

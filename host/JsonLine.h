@@ -1,0 +1,44 @@
+#pragma once
+
+#include <concepts>
+#include <string>
+#include <vector>
+
+/// A text as JSON writes it, with its quotation marks.
+std::wstring jsonText(const std::wstring& text);
+
+/// An object of JSON that grows member by member.
+class JsonObject {
+public:
+    JsonObject& add(const wchar_t* name, const std::wstring& text) {
+        return put(name, jsonText(text));
+    }
+    JsonObject& add(const wchar_t* name, const wchar_t* text) { return put(name, jsonText(text)); }
+    JsonObject& add(const wchar_t* name, std::integral auto number) {
+        return put(name, std::to_wstring(number));
+    }
+    JsonObject& add(const wchar_t* name, bool value) {
+        return put(name, value ? L"true" : L"false");
+    }
+    JsonObject& add(const wchar_t* name, const JsonObject& object) {
+        return put(name, object.text());
+    }
+    JsonObject& add(const wchar_t* name, const std::vector<std::wstring>& texts);
+    JsonObject& add(const wchar_t* name, const std::vector<JsonObject>& objects);
+
+    std::wstring text() const { return L"{" + members + L"}"; }
+
+private:
+    JsonObject& put(const wchar_t* name, const std::wstring& json);
+
+    std::wstring members;
+};
+
+/// One object on a line of the standard output, written when its life ends.
+class JsonLine : public JsonObject {
+public:
+    explicit JsonLine(const wchar_t* event) { add(L"event", event); }
+    JsonLine(const JsonLine&) = delete;
+    JsonLine& operator=(const JsonLine&) = delete;
+    ~JsonLine();
+};
