@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "author/schema/Schema.h"
 #include "capi/Gate.h"
 #include "capi/Records.h"
 #include "capi/Session.h"
@@ -235,4 +236,9 @@ temz_status temz_get_variable(temz_context* context, const temz_char* name, temz
 temz_status temz_get_directory(temz_context* context, const temz_char* id, temz_char* buffer,
                                size_t capacity, size_t* length) {
     return giveFound(&Session::findDirectory, context, id, buffer, capacity, length);
+}
+
+temz_status temz_schema(temz_char* buffer, size_t capacity, size_t* length) {
+    return gate.pass(Use::asking,
+                     [&] { return giveText(scriptSchema(), buffer, capacity, length); });
 }

@@ -34,6 +34,8 @@ constexpr Command commands[] = {
          line.verb = Verb::explain;
          line.subject = operand;
      }},
+    {L"schema", nullptr, L"show the XML Schema of scripts, for editors",
+     [](CommandLine& line, const std::wstring& /*operand*/) { line.verb = Verb::schema; }},
     {L"help", L"[codes]", L"show this text, or the exit codes",
      [](CommandLine& line, const std::wstring& operand) {
          line.verb = operand == L"codes" ? Verb::helpCodes : Verb::help;
@@ -85,8 +87,9 @@ bool takeWait(CommandLine& line, const std::wstring& value) {
     return seconds.has_value();
 }
 
-bool takeLog(CommandLine& line, const std::wstring& value) {
-    line.log = value;
+template <std::wstring CommandLine::*text>
+bool takeText(CommandLine& line, const std::wstring& value) {
+    line.*text = value;
     return !value.empty();
 }
 
@@ -126,7 +129,10 @@ constexpr Option options[] = {
      nullptr,
      L"ask nothing, and show the progress",
      takeFlag<&CommandLine::passive>},
-    {{L"--log", L"/log"}, L"FILE", L"append all that is done to a file", takeLog},
+    {{L"--log", L"/log"},
+     L"FILE",
+     L"append all that is done to a file",
+     takeText<&CommandLine::log>},
     {{L"--verbose"},
      nullptr,
      L"with every call to the system in the log",
@@ -137,6 +143,10 @@ constexpr Option options[] = {
      nullptr,
      L"at uninstall, take back what still waits for a restart",
      takeFlag<&CommandLine::dropPending>},
+    {{L"--out"},
+     L"FILE",
+     L"write the text to a file, in place of showing it",
+     takeText<&CommandLine::out>},
     {{L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
     {{L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
 };
@@ -218,11 +228,12 @@ private:
         const Command* command = findCommand(words[0]);
         if (command == nullptr)
             return refuse(words[0] + L" is no command.");
-        const bool optional = *command->operand == L'[';
+        const bool takesNone = command->operand == nullptr;
+        const bool optional = takesNone || *command->operand == L'[';
         if (!optional && (words.size() == 1 || words[1].empty()))
             return refuse(std::wstring(L"The ") + command->operand + L" is missing.");
-        if (words.size() > 2)
-            return refuse(words[2] + L" is one argument too many.");
+        if (const size_t most = takesNone ? 1 : 2; words.size() > most)
+            return refuse(words[most] + L" is one argument too many.");
         if (optional && words.size() == 2 && L"[" + words[1] + L"]" != command->operand)
             return refuse(words[1] + L" is no topic of " + command->word + L".");
         command->take(line, words.size() > 1 ? words[1] : L"");
@@ -263,7 +274,9 @@ std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* argu
 std::wstring usage() {
     std::wstring text = L"Usage: temz COMMAND [OPTION]...\n\n";
     for (const Command& command : commands)
-        text += entry(command.word + std::wstring(L" ") + command.operand, command.meaning);
+        text += entry(
+            command.operand ? command.word + std::wstring(L" ") + command.operand : command.word,
+            command.meaning);
     text += L"\n";
     for (const Option& option : options) {
         std::wstring name = option.spellings[0];

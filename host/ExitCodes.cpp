@@ -38,6 +38,8 @@ constexpr ExitCode codes[] = {
     {Ending::notElevated, elevationRequired,
      L"The first action that failed wants an administrator, and the program isn't run as one.",
      L"Run it from an administrator's prompt."},
+    {Ending::outputNotWritten, ERROR_WRITE_FAULT, L"The file of --out can't be written.",
+     L"Name a file in a directory that is there and can be written to."},
 };
 
 }  // namespace

@@ -15,6 +15,7 @@ enum class Ending {
     logNotOpened,
     badCommandLine,
     notElevated,
+    outputNotWritten,
 };
 
 /// The exit code of an ending, of those that deployment systems know from winerror.h, and what it

@@ -5,6 +5,7 @@
 #include "ExitCodes.h"
 #include "Explain.h"
 #include "SafeStart.h"
+#include "SchemaCommand.h"
 #include "ScriptRun.h"
 #include "Version.h"
 
@@ -29,6 +30,8 @@ Ending carryOut(const CommandLine& command) {
             return runScript(command);
         case Verb::explain:
             return explainSubject(command.subject);
+        case Verb::schema:
+            return giveSchema(command);
         case Verb::helpCodes:
             write(Stream::output, exitCodeTable());
             return Ending::done;

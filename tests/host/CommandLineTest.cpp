@@ -51,6 +51,13 @@ TEST(CommandLineTest, NamesTheModeAndTheScript) {
     }
 }
 
+TEST(CommandLineTest, AsksForTheSchemaAndWhereItGoes) {
+    EXPECT_EQ(accepted({L"schema"}).verb, Verb::schema);
+    EXPECT_EQ(accepted({L"schema"}).out, L"");
+    EXPECT_EQ(accepted({L"schema", L"--out", L"a.xsd"}).out, L"a.xsd");
+    EXPECT_EQ(refusal({L"schema", L"a.xml"}), L"a.xml is one argument too many.");
+}
+
 TEST(CommandLineTest, IsPlainWithoutOptions) {
     const CommandLine command = accepted({L"install", L"a.xml"});
 
@@ -209,6 +216,7 @@ TEST(UsageTest, HasALineForEachCommandAndOption) {
     for (const wchar_t* line :
          {L"\n  install SCRIPT        put", L"\n  upgrade SCRIPT ", L"\n  uninstall SCRIPT ",
           L"\n  explain CODE|TEXT     tell", L"\n  help [codes]          show",
+          L"\n  schema                show",
           L"\n  --on-error abort|ignore|retry:N[,SECONDS]\n                        what",
           L"\n  --quiet, /quiet, /S   ask", L"\n  --log FILE, /log      append",
           L"\n  --help, -h, /?        show"})

@@ -54,6 +54,7 @@ TEST(ExitCodesTest, HasOneRowForEachEnding) {
         {Ending::logNotOpened, 1622, false},
         {Ending::badCommandLine, 1639, false},
         {Ending::notElevated, 740, false},
+        {Ending::outputNotWritten, 29, false},
     };
     ASSERT_EQ(exitCodes().size(), std::size(endings));
     for (const auto& [ending, code, success] : endings) {
