@@ -14,6 +14,7 @@ struct Command {
     const wchar_t* operand;  // what must follow; null for nothing
     const wchar_t* meaning;
     void (*take)(CommandLine& line, const std::wstring& operand);
+    std::array<const wchar_t*, 2> needs = {};  // options that must be there
 };
 
 template <temz_mode mode>
@@ -33,6 +34,16 @@ constexpr Command commands[] = {
      [](CommandLine& line, const std::wstring& operand) {
          line.verb = Verb::explain;
          line.subject = operand;
+     }},
+    {L"new",
+     nullptr,
+     L"make a script that installs a folder (--payload) as a product (--name)",
+     [](CommandLine& line, const std::wstring& /*operand*/) { line.verb = Verb::draftProduct; },
+     {L"--name", L"--payload"}},
+    {L"harvest", L"DIR", L"make the part of a script that installs a folder",
+     [](CommandLine& line, const std::wstring& operand) {
+         line.verb = Verb::draftPart;
+         line.payload = operand;
      }},
     {L"schema", nullptr, L"show the XML Schema of scripts, for editors",
      [](CommandLine& line, const std::wstring& /*operand*/) { line.verb = Verb::schema; }},
@@ -143,6 +154,8 @@ constexpr Option options[] = {
      nullptr,
      L"at uninstall, take back what still waits for a restart",
      takeFlag<&CommandLine::dropPending>},
+    {{L"--name"}, L"NAME", L"how the product is called", takeText<&CommandLine::name>},
+    {{L"--payload"}, L"DIR", L"the folder of its files", takeText<&CommandLine::payload>},
     {{L"--out"},
      L"FILE",
      L"write the text to a file, in place of showing it",
@@ -236,6 +249,9 @@ private:
             return refuse(words[most] + L" is one argument too many.");
         if (optional && words.size() == 2 && L"[" + words[1] + L"]" != command->operand)
             return refuse(words[1] + L" is no topic of " + command->word + L".");
+        for (const wchar_t* need : command->needs)
+            if (need && std::find(seen.begin(), seen.end(), findOption(need)) == seen.end())
+                return refuse(std::wstring(need) + L" is missing.");
         command->take(line, words.size() > 1 ? words[1] : L"");
         return true;
     }

@@ -6,13 +6,15 @@
 #include "RunWatch.h"
 
 /// What the program is asked to do.
-enum class Verb { run, explain, schema, help, helpCodes, version };
+enum class Verb { run, explain, draftProduct, draftPart, schema, help, helpCodes, version };
 
 struct CommandLine {
     Verb verb = Verb::help;
     temz_mode mode = TEMZ_INSTALL;
     std::wstring script;   ///< of a run
     std::wstring subject;  ///< of Verb::explain
+    std::wstring name;     ///< of a product to be drafted
+    std::wstring payload;  ///< the folder of its files
     std::wstring out;      ///< where a text goes; empty for the standard output
 
     std::optional<ErrorPolicy> onError;  ///< nothing: ask the user, or abort where nobody answers

@@ -16,6 +16,7 @@ enum class Ending {
     badCommandLine,
     notElevated,
     outputNotWritten,
+    folderNotUsable,
 };
 
 /// The exit code of an ending, of those that deployment systems know from winerror.h, and what it

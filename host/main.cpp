@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "DraftCommands.h"
 #include "ExitCodes.h"
 #include "Explain.h"
 #include "SafeStart.h"
@@ -30,6 +31,10 @@ Ending carryOut(const CommandLine& command) {
             return runScript(command);
         case Verb::explain:
             return explainSubject(command.subject);
+        case Verb::draftProduct:
+            return giveProduct(command);
+        case Verb::draftPart:
+            return givePart(command);
         case Verb::schema:
             return giveSchema(command);
         case Verb::helpCodes:

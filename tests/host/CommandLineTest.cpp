@@ -58,6 +58,22 @@ TEST(CommandLineTest, AsksForTheSchemaAndWhereItGoes) {
     EXPECT_EQ(refusal({L"schema", L"a.xml"}), L"a.xml is one argument too many.");
 }
 
+TEST(CommandLineTest, AsksForDraftsOfScripts) {
+    const CommandLine product =
+        accepted({L"new", L"--name", L"My Product", L"--payload=files", L"--out", L"a.xml"});
+    EXPECT_EQ(product.verb, Verb::draftProduct);
+    EXPECT_EQ(product.name, L"My Product");
+    EXPECT_EQ(product.payload, L"files");
+    EXPECT_EQ(product.out, L"a.xml");
+    EXPECT_EQ(refusal({L"new", L"--payload=files"}), L"--name is missing.");
+    EXPECT_EQ(refusal({L"new", L"--name=a"}), L"--payload is missing.");
+
+    const CommandLine part = accepted({L"harvest", L"files"});
+    EXPECT_EQ(part.verb, Verb::draftPart);
+    EXPECT_EQ(part.payload, L"files");
+    EXPECT_EQ(refusal({L"harvest"}), L"The DIR is missing.");
+}
+
 TEST(CommandLineTest, IsPlainWithoutOptions) {
     const CommandLine command = accepted({L"install", L"a.xml"});
 
@@ -216,6 +232,7 @@ TEST(UsageTest, HasALineForEachCommandAndOption) {
     for (const wchar_t* line :
          {L"\n  install SCRIPT        put", L"\n  upgrade SCRIPT ", L"\n  uninstall SCRIPT ",
           L"\n  explain CODE|TEXT     tell", L"\n  help [codes]          show",
+          L"\n  new                   make", L"\n  harvest DIR           make",
           L"\n  schema                show",
           L"\n  --on-error abort|ignore|retry:N[,SECONDS]\n                        what",
           L"\n  --quiet, /quiet, /S   ask", L"\n  --log FILE, /log      append",

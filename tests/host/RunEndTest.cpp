@@ -55,6 +55,7 @@ TEST(ExitCodesTest, HasOneRowForEachEnding) {
         {Ending::badCommandLine, 1639, false},
         {Ending::notElevated, 740, false},
         {Ending::outputNotWritten, 29, false},
+        {Ending::folderNotUsable, 161, false},
     };
     ASSERT_EQ(exitCodes().size(), std::size(endings));
     for (const auto& [ending, code, success] : endings) {
