@@ -45,6 +45,14 @@ constexpr Command commands[] = {
          line.verb = Verb::draftPart;
          line.payload = operand;
      }},
+    {L"verify",
+     L"SCRIPT",
+     L"install and remove the product, and tell what isn't as it was before",
+     [](CommandLine& line, const std::wstring& operand) {
+         line.verb = Verb::verify;
+         line.script = operand;
+     },
+     {L"--on-this-machine"}},
     {L"schema", nullptr, L"show the XML Schema of scripts, for editors",
      [](CommandLine& line, const std::wstring& /*operand*/) { line.verb = Verb::schema; }},
     {L"help", L"[codes]", L"show this text, or the exit codes",
@@ -148,7 +156,10 @@ constexpr Option options[] = {
      nullptr,
      L"with every call to the system in the log",
      takeFlag<&CommandLine::verbose>},
-    {{L"--json"}, nullptr, L"show the run as one JSON object a line", takeFlag<&CommandLine::json>},
+    {{L"--json"},
+     nullptr,
+     L"show what happens as one JSON object a line",
+     takeFlag<&CommandLine::json>},
     {{L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
     {{L"--drop-pending"},
      nullptr,
@@ -156,6 +167,14 @@ constexpr Option options[] = {
      takeFlag<&CommandLine::dropPending>},
     {{L"--name"}, L"NAME", L"how the product is called", takeText<&CommandLine::name>},
     {{L"--payload"}, L"DIR", L"the folder of its files", takeText<&CommandLine::payload>},
+    {{L"--on-this-machine"},
+     nullptr,
+     L"yes, this is a machine on which to try a product out",
+     takeFlag<&CommandLine::onThisMachine>},
+    {{L"--upgrade-from"},
+     L"SCRIPT",
+     L"first install the version of this script, then upgrade",
+     takeText<&CommandLine::upgradeFrom>},
     {{L"--out"},
      L"FILE",
      L"write the text to a file, in place of showing it",

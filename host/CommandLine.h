@@ -6,12 +6,14 @@
 #include "RunWatch.h"
 
 /// What the program is asked to do.
-enum class Verb { run, explain, draftProduct, draftPart, schema, help, helpCodes, version };
+enum class Verb { run, explain, draftProduct, draftPart, verify, schema, help, helpCodes, version };
 
 struct CommandLine {
     Verb verb = Verb::help;
     temz_mode mode = TEMZ_INSTALL;
-    std::wstring script;   ///< of a run
+    std::wstring script;       ///< of a run, or to be verified
+    std::wstring upgradeFrom;  ///< the script of the version before; empty for none
+    bool onThisMachine = false;
     std::wstring subject;  ///< of Verb::explain
     std::wstring name;     ///< of a product to be drafted
     std::wstring payload;  ///< the folder of its files

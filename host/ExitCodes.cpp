@@ -42,6 +42,9 @@ constexpr ExitCode codes[] = {
      L"Name a file in a directory that is there and can be written to."},
     {Ending::folderNotUsable, ERROR_BAD_PATHNAME, L"No script can be made for the folder.",
      L"Do what the message says."},
+    {Ending::machineDiffers, ERROR_DIR_NOT_EMPTY,
+     L"The machine isn't as it was before the install.",
+     L"Have the script remove what the list names, unless it is meant to stay."},
 };
 
 }  // namespace

@@ -17,6 +17,7 @@ enum class Ending {
     notElevated,
     outputNotWritten,
     folderNotUsable,
+    machineDiffers,
 };
 
 /// The exit code of an ending, of those that deployment systems know from winerror.h, and what it

@@ -8,6 +8,7 @@
 #include "SafeStart.h"
 #include "SchemaCommand.h"
 #include "ScriptRun.h"
+#include "VerifyCommand.h"
 #include "Version.h"
 
 namespace {
@@ -35,6 +36,8 @@ Ending carryOut(const CommandLine& command) {
             return giveProduct(command);
         case Verb::draftPart:
             return givePart(command);
+        case Verb::verify:
+            return verifyScript(command);
         case Verb::schema:
             return giveSchema(command);
         case Verb::helpCodes:

@@ -74,6 +74,16 @@ TEST(CommandLineTest, AsksForDraftsOfScripts) {
     EXPECT_EQ(refusal({L"harvest"}), L"The DIR is missing.");
 }
 
+TEST(CommandLineTest, VerifiesOnlyWhereThatIsMeant) {
+    const CommandLine command = accepted(
+        {L"verify", L"new.xml", L"--on-this-machine", L"--upgrade-from", L"old.xml", L"--json"});
+    EXPECT_EQ(command.verb, Verb::verify);
+    EXPECT_EQ(command.script, L"new.xml");
+    EXPECT_EQ(command.upgradeFrom, L"old.xml");
+    EXPECT_TRUE(command.json);
+    EXPECT_EQ(refusal({L"verify", L"new.xml"}), L"--on-this-machine is missing.");
+}
+
 TEST(CommandLineTest, IsPlainWithoutOptions) {
     const CommandLine command = accepted({L"install", L"a.xml"});
 
@@ -233,7 +243,7 @@ TEST(UsageTest, HasALineForEachCommandAndOption) {
          {L"\n  install SCRIPT        put", L"\n  upgrade SCRIPT ", L"\n  uninstall SCRIPT ",
           L"\n  explain CODE|TEXT     tell", L"\n  help [codes]          show",
           L"\n  new                   make", L"\n  harvest DIR           make",
-          L"\n  schema                show",
+          L"\n  verify SCRIPT         install", L"\n  schema                show",
           L"\n  --on-error abort|ignore|retry:N[,SECONDS]\n                        what",
           L"\n  --quiet, /quiet, /S   ask", L"\n  --log FILE, /log      append",
           L"\n  --help, -h, /?        show"})

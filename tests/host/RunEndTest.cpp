@@ -56,6 +56,7 @@ TEST(ExitCodesTest, HasOneRowForEachEnding) {
         {Ending::notElevated, 740, false},
         {Ending::outputNotWritten, 29, false},
         {Ending::folderNotUsable, 161, false},
+        {Ending::machineDiffers, 145, false},
     };
     ASSERT_EQ(exitCodes().size(), std::size(endings));
     for (const auto& [ending, code, success] : endings) {

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Runs scripts by temz.exe ($1), which needs the library $2, with --json, and has every line that it
-# writes checked against the schema $3 by a validator that has nothing to do with the program.
+# writes checked against the schema $3, or for verify $4, by a validator that has nothing to do with the program.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 wine_run=$here/../../scripts/wine-run.sh
-schema=$3
+schema=$(realpath "$3")
+verify_schema=$(realpath "$4")
 work=$(dirname "$1")/json-lines
 rm -rf "$work"
 mkdir "$work"
@@ -65,4 +66,13 @@ check accepted 0 install bad.xml --on-error ignore --accept-ignored -- action-en
 check not-vital 0 install optional.xml -- action-end:not-vital failure:2 action-end:done
 check absent 1619 install absent.xml -- warning
 check broken 1620 install broken.xml -- warning
+
+# The picture is of C: alone, where the first script leaves nothing.
+schema=$verify_schema
+clean="<File Name='clean.txt' Source='there.txt'/>"
+script clean.xml "$clean"
+folder='C:\json-lines'
+script left.xml "$clean"
+check verified 0 verify clean.xml --on-this-machine -- run installed
+check verified-left 145 verify left.xml --on-this-machine -- run installed difference
 exit $status
