@@ -91,8 +91,9 @@ public:
     void comment(std::initializer_list<const wchar_t*> lines) {
         std::wstring text;
         for (const wchar_t* one : lines)
-            text += (text.empty() ? L"<!-- " : L"\n" + std::wstring(4 * elements.size() + 5, L' ')) +
-                    std::wstring(one);
+            text +=
+                (text.empty() ? L"<!-- " : L"\n" + std::wstring(4 * elements.size() + 5, L' ')) +
+                std::wstring(one);
         line(text + L" -->");
     }
 
@@ -133,8 +134,9 @@ private:
 
 void noteEncoding(const std::wstring& script, Notes& notes) {
     if (!isAscii(script))
-        notes.push_back(L"The script isn't all ASCII. It is UTF-8, which temz.exe reads on Windows "
-                        L"10, version 1903, and later.");
+        notes.push_back(
+            L"The script isn't all ASCII. It is UTF-8, which temz.exe reads on Windows "
+            L"10, version 1903, and later.");
 }
 
 void writeShortcut(Draft& draft, const std::wstring& name, const std::wstring& program) {
@@ -162,8 +164,9 @@ void writeSequence(Draft& draft, bool hasShortcut) {
     draft.open(L"Feature", {{L"Id", L"Main"}});
     draft.references();
     draft.close();
-    draft.comment({L"Directories stay until they are removed, with all that is in them: also with what",
-                   L"users have put there. Leave the line out to let them keep it."});
+    draft.comment(
+        {L"Directories stay until they are removed, with all that is in them: also with what",
+         L"users have put there. Leave the line out to let them keep it."});
     draft.open(L"Fragment", {{L"Id", L"Clear"}, {L"On", L"uninstall"}});
     draft.leaf(L"RemoveDirectory", {{L"Path", L"[ROOT]"}});
     if (hasShortcut)
@@ -177,21 +180,23 @@ void writeSequence(Draft& draft, bool hasShortcut) {
 std::wstring draftProduct(const std::wstring& name, const PayloadFolder& payload, Notes& notes) {
     const std::wstring program = programOf(name, payload);
     if (program.empty())
-        notes.push_back(L"There is no shortcut, as there isn't one program at the top of the folder, "
-                        L"or one that is named like the product.");
+        notes.push_back(
+            L"There is no shortcut, as there isn't one program at the top of the folder, "
+            L"or one that is named like the product.");
     Draft draft;
     draft.line(L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
-    draft.comment({L"A draft: make it yours. It runs from the folder that holds temz.exe, TEMZC.dll and the",
-                   L"folder of the files:",
-                   L"    temz install install.xml",
-                   L"    temz upgrade install.xml",
-                   L"    temz uninstall install.xml"});
+    draft.comment(
+        {L"A draft: make it yours. It runs from the folder that holds temz.exe, TEMZC.dll and the",
+         L"folder of the files:", L"    temz install install.xml", L"    temz upgrade install.xml",
+         L"    temz uninstall install.xml"});
     draft.open(L"Script");
     draft.open(L"Product", {{L"Id", name}});
-    draft.comment({L"Where files go: directories, nested as on the disk. The outermost is the system's folder",
-                   L"of this name; [ROOT] stands for the whole path of the one with this Id. Each",
-                   L"component holds what goes to the directory around it; Source counts from the",
-                   L"folder of temz.exe."});
+    draft.comment(
+        {L"Where files go: directories, nested as on the disk. The outermost is the system's "
+         L"folder",
+         L"of this name; [ROOT] stands for the whole path of the one with this Id. Each",
+         L"component holds what goes to the directory around it; Source counts from the",
+         L"folder of temz.exe."});
     draft.open(L"Directory", {{L"Id", L"ProgramFilesFolder"}});
     draft.open(L"Directory", {{L"Id", L"ROOT"}, {L"Path", literal(name)}});
     draft.components(payload, payload.name);

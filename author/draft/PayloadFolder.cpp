@@ -76,8 +76,9 @@ private:
             return refuse(place, L"can't be installed: " + fault);
         if (!(entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
             if (entry.dwFileAttributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN))
-                notes.push_back(place + L" is read-only or hidden, and so will its copy be, which "
-                                        L"Windows then refuses to replace at an upgrade.");
+                notes.push_back(place +
+                                L" is read-only or hidden, and so will its copy be, which "
+                                L"Windows then refuses to replace at an upgrade.");
             folder.files.push_back(name);
             return true;
         }
@@ -94,8 +95,9 @@ private:
             return true;
         }
         notes.resize(noteCount);
-        notes.push_back(place + L" holds no files, and is left out: a script makes a "
-                                    L"directory only for what it puts there.");
+        notes.push_back(place +
+                        L" holds no files, and is left out: a script makes a "
+                        L"directory only for what it puts there.");
         return true;
     }
 

@@ -27,8 +27,8 @@ constexpr WordList root{L"RegistryRoot", wordsIn<registryRootKeywords>};
 constexpr WordList valueType{L"RegistryValueType", wordsIn<registryTypeKeywords>};
 constexpr WordList variableType{L"VariableType", wordsIn<variableTypeKeywords>};
 
-constexpr const WordList* lists[] = {&modes,         &yesOrNo,   &checkOrNo, &syncOrNo,    &serviceAction,
-                                     &keyAction,     &root,      &valueType, &variableType};
+constexpr const WordList* lists[] = {&modes,     &yesOrNo, &checkOrNo, &syncOrNo,    &serviceAction,
+                                     &keyAction, &root,    &valueType, &variableType};
 
 struct Place {
     const ElementKind* kind;  // null for every element that has the attribute

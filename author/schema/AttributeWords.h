@@ -5,8 +5,8 @@
 
 /// A list of words that an attribute may be.
 struct WordList {
-    const wchar_t* name;                         ///< of its type in the schema
-    std::vector<const wchar_t*> (*words)();      ///< from the engine's tables
+    const wchar_t* name;                     ///< of its type in the schema
+    std::vector<const wchar_t*> (*words)();  ///< from the engine's tables
 };
 
 /// The words that an attribute of an element may be; null where any text will do. Where one word

@@ -64,8 +64,7 @@ constexpr ElementText texts[] = {
      L"the library, with its whole path and in backslashes. One without a path is looked for by "
      L"Windows, with some hosts also in folders where anybody may have put one; with `temz.exe` in "
      L"the system directory alone"},
-    {L"CustomAction", L"DllEntry",
-     L"the exported name of the function, at most 511 characters"},
+    {L"CustomAction", L"DllEntry", L"the exported name of the function, at most 511 characters"},
     {L"CustomAction", L"Return",
      L"`check`: a number other than 0 is a failure; anything else, such as `no`: the number is "
      L"ignored"},
@@ -162,8 +161,7 @@ constexpr ElementText texts[] = {
      L"a question to the host and whatever `Vital` says. Beware of an empty `Key`, for instance "
      L"from a variable: with `remove` it means all that the root holds."},
     {L"RegistryKey", L"Action", L"{words}"},
-    {L"RegistryKey", L"Key",
-     L"the path of the key, behind that of the `RegistryKey` around it"},
+    {L"RegistryKey", L"Key", L"the path of the key, behind that of the `RegistryKey` around it"},
     {L"RegistryKey", L"Root", L"{words}; a nested key takes it from the one around it"},
     {L"RegistryKey", L"On", onText},
     {L"RegistryKey", L"Vital", L"means nothing"},
@@ -255,6 +253,7 @@ std::wstring textOf(const std::wstring& element, const std::wstring& attribute) 
         replace(text, L"{words}", listOf(words->words()));
     replace(text, L"{element}", element);
     constexpr size_t suffix = std::wstring_view(L"Ref").size();
-    replace(text, L"{target}", element.substr(0, element.size() - std::min(element.size(), suffix)));
+    replace(text, L"{target}",
+            element.substr(0, element.size() - std::min(element.size(), suffix)));
     return text;
 }

@@ -155,8 +155,9 @@ void writeWords(XmlText& xml, const WordList& list) {
 void writeReferenceType(XmlText& xml) {
     xml.open(L"simpleType", {{L"name", referenceType}});
     xml.open(L"annotation");
-    xml.element(L"documentation", L"[id], the path of a directory, or #NAME, the text of a "
-                                  L"variable, with other text around it or without.");
+    xml.element(L"documentation",
+                L"[id], the path of a directory, or #NAME, the text of a "
+                L"variable, with other text around it or without.");
     xml.close();
     xml.open(L"restriction", {{L"base", L"xs:string"}});
     xml.empty(L"pattern", {{L"value", L"[^#\\[]*[#\\[].*"}});

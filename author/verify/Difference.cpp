@@ -5,9 +5,9 @@
 namespace {
 
 const Thing* find(const Picture& picture, const Thing& thing) {
-    const auto place = std::lower_bound(
-        picture.begin(), picture.end(), thing,
-        [](const Thing& one, const Thing& other) { return one.isBefore(other); });
+    const auto place =
+        std::lower_bound(picture.begin(), picture.end(), thing,
+                         [](const Thing& one, const Thing& other) { return one.isBefore(other); });
     return place == picture.end() || thing.isBefore(*place) ? nullptr : &*place;
 }
 
@@ -61,10 +61,9 @@ std::vector<Difference> compare(const Picture& before, const Picture& installed,
 }
 
 size_t countNew(ThingKind kind, const Picture& before, const Picture& after) {
-    return static_cast<size_t>(
-        std::count_if(after.begin(), after.end(), [&](const Thing& thing) {
-            return thing.kind == kind && !find(before, thing);
-        }));
+    return static_cast<size_t>(std::count_if(after.begin(), after.end(), [&](const Thing& thing) {
+        return thing.kind == kind && !find(before, thing);
+    }));
 }
 
 const wchar_t* wordOf(ThingKind kind) {

@@ -20,8 +20,8 @@ struct Difference {
     std::wstring detail;  ///< what has changed, or when a thing came or went
 };
 
-/// What isn't as it was `before`, in order of aftermath, kind and name. `installed` is the picture from
-/// between the runs.
+/// What isn't as it was `before`, in order of aftermath, kind and name. `installed` is the picture
+/// from between the runs.
 std::vector<Difference> compare(const Picture& before, const Picture& installed,
                                 const Picture& after);
 

@@ -201,9 +201,9 @@ void addRestarts(Album& album) {
     for (const wchar_t* text = list.c_str(); *text;) {
         const std::wstring_view source(text);
         const std::wstring_view target(text + source.size() + 1);
-        album.add(ThingKind::restart,
-                  std::wstring(source) + (target.empty() ? L" goes" : L" becomes ") +
-                      std::wstring(target));
+        album.add(ThingKind::restart, std::wstring(source) +
+                                          (target.empty() ? L" goes" : L" becomes ") +
+                                          std::wstring(target));
         text += source.size() + 1 + target.size() + 1;
     }
 }

@@ -28,9 +28,10 @@ struct Thing {
 /// The things of a machine, in order.
 using Picture = std::vector<Thing>;
 
-/// Takes a picture of the system drive, of the registry of the machine and of this user, of services
-/// and of what waits for a restart; without what is the system's own, and without these files. What
-/// is in files isn't read: the disk keeps a time of the last change that nobody can set back.
+/// Takes a picture of the system drive, of the registry of the machine and of this user, of
+/// services and of what waits for a restart; without what is the system's own, and without these
+/// files. What is in files isn't read: the disk keeps a time of the last change that nobody can set
+/// back.
 Picture takePicture(const std::vector<std::wstring>& besides = {});
 
 /// What systems write by themselves while programs run.
