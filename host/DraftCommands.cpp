@@ -30,7 +30,7 @@ Ending giveDraft(const CommandLine& command, const Draft& draft) {
 Ending giveProduct(const CommandLine& command) {
     if (const std::wstring fault = faultOfName(command.name); !fault.empty())
         return refuse(L"The product's directory can't be called " + command.name + L": " + fault);
-    return giveDraft(command, [&command](const PayloadFolder& payload, Notes& notes) {
+    return giveDraft(command, [&command](const Payload& payload, Notes& notes) {
         return draftProduct(command.name, payload, notes);
     });
 }

@@ -38,7 +38,7 @@ constexpr ExitCode codes[] = {
     {Ending::notElevated, elevationRequired,
      L"The first action that failed wants an administrator, and the program isn't run as one.",
      L"Run it from an administrator's prompt."},
-    {Ending::outputNotWritten, ERROR_WRITE_FAULT, L"The file of --out can't be written.",
+    {Ending::outputNotWritten, ERROR_WRITE_FAULT, L"The output can't be written.",
      L"Name a file in a directory that is there and can be written to."},
     {Ending::folderNotUsable, ERROR_BAD_PATHNAME, L"No script can be made for the folder.",
      L"Do what the message says."},

@@ -52,7 +52,7 @@ std::wstring withoutBlanks(std::wstring text) {
 }
 
 /// The program that a shortcut should lead to; empty when there is none, or no telling which.
-std::wstring programOf(const std::wstring& product, const PayloadFolder& payload) {
+std::wstring programOf(const std::wstring& product, const Payload& payload) {
     constexpr std::wstring_view suffix = L".exe";
     std::vector<std::wstring> programs;
     for (const std::wstring& file : payload.files)
@@ -98,7 +98,7 @@ public:
     }
 
     /// The components of a folder and of those in it. A component's `Id` is the place of its files.
-    void components(const PayloadFolder& folder, const std::wstring& place) {
+    void components(const Payload& folder, const std::wstring& place) {
         if (!folder.files.empty()) {
             ids.push_back(place);
             open(L"Component", {{L"Id", place}});
@@ -107,7 +107,7 @@ public:
                      {{L"Name", literal(file)}, {L"Source", literal(place + L"\\" + file)}});
             close();
         }
-        for (const PayloadFolder& child : folder.folders) {
+        for (const Payload& child : folder.folders) {
             open(L"Directory", {{L"Path", literal(child.name)}});
             components(child, place + L"\\" + child.name);
             close();
@@ -177,7 +177,7 @@ void writeSequence(Draft& draft, bool hasShortcut) {
 
 }  // namespace
 
-std::wstring draftProduct(const std::wstring& name, const PayloadFolder& payload, Notes& notes) {
+std::wstring draftProduct(const std::wstring& name, const Payload& payload, Notes& notes) {
     const std::wstring program = programOf(name, payload);
     if (program.empty())
         notes.push_back(
@@ -211,7 +211,7 @@ std::wstring draftProduct(const std::wstring& name, const PayloadFolder& payload
     return draft.script;
 }
 
-std::wstring draftPart(const PayloadFolder& payload, Notes& notes) {
+std::wstring draftPart(const Payload& payload, Notes& notes) {
     Draft draft;
     draft.comment({L"Into the Directory that these files go to:"});
     draft.components(payload, payload.name);

@@ -12,27 +12,27 @@ using testing::Not;
 namespace {
 
 /// A payload with these files at its top.
-PayloadFolder flat(const std::vector<std::wstring>& files) {
+Payload flat(const std::vector<std::wstring>& files) {
     return {L"payload", files, {}};
 }
 
-std::wstring product(const PayloadFolder& payload, Notes& notes,
+std::wstring product(const Payload& payload, Notes& notes,
                      const std::wstring& name = L"My Product") {
     return draftProduct(name, payload, notes);
 }
 
-std::wstring product(const PayloadFolder& payload, const std::wstring& name = L"My Product") {
+std::wstring product(const Payload& payload, const std::wstring& name = L"My Product") {
     Notes notes;
     return product(payload, notes, name);
 }
 
-std::wstring part(const PayloadFolder& payload) {
+std::wstring part(const Payload& payload) {
     Notes notes;
     return draftPart(payload, notes);
 }
 
 TEST(DraftPart, HasAComponentForEachDirectoryAndAReferenceToEach) {
-    const PayloadFolder payload{
+    const Payload payload{
         L"payload", {L"a.txt", L"b.txt"}, {{L"in", {}, {{L"deep", {L"c.txt"}, {}}}}}};
 
     EXPECT_EQ(part(payload),
@@ -55,7 +55,7 @@ TEST(DraftPart, HasAComponentForEachDirectoryAndAReferenceToEach) {
 }
 
 TEST(DraftPart, WritesNamesSoThatTheyMeanThemselves) {
-    const PayloadFolder payload{L"p#", {L"[a] & 'b' ##.txt"}, {}};
+    const Payload payload{L"p#", {L"[a] & 'b' ##.txt"}, {}};
 
     const std::wstring text = part(payload);
 
@@ -89,8 +89,8 @@ TEST(DraftProduct, TakesOfSeveralProgramsTheOneWithItsName) {
 }
 
 TEST(DraftProduct, TellsThatThereIsNoShortcut) {
-    for (const PayloadFolder& payload : {flat({L"a.txt"}), flat({L"a.exe", L"b.exe"}),
-                                         PayloadFolder{L"p", {}, {{L"bin", {L"a.exe"}, {}}}}}) {
+    for (const Payload& payload : {flat({L"a.txt"}), flat({L"a.exe", L"b.exe"}),
+                                   Payload{L"p", {}, {{L"bin", {L"a.exe"}, {}}}}}) {
         Notes notes;
         EXPECT_THAT(product(payload, notes), Not(HasSubstr(L"MENU")));
         EXPECT_THAT(notes, ElementsAre(HasSubstr(L"There is no shortcut")));

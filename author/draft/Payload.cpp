@@ -1,4 +1,4 @@
-#include "author/draft/PayloadFolder.h"
+#include "author/draft/Payload.h"
 
 #include <windows.h>
 
@@ -41,7 +41,7 @@ public:
         : root(std::move(root)), notes(notes), problem(problem) {}
 
     /// The path is that of the folder, counted from the root; empty for the root itself.
-    bool read(PayloadFolder& folder, const std::wstring& path) {
+    bool read(Payload& folder, const std::wstring& path) {
         WIN32_FIND_DATAW entry;
         const std::wstring pattern = root + L"\\" + (path.empty() ? L"" : path + L"\\") + L"*";
         const HANDLE raw = FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &entry,
@@ -67,7 +67,7 @@ private:
         return false;
     }
 
-    bool take(const WIN32_FIND_DATAW& entry, PayloadFolder& folder, const std::wstring& path) {
+    bool take(const WIN32_FIND_DATAW& entry, Payload& folder, const std::wstring& path) {
         const std::wstring name = entry.cFileName;
         if (name == L"." || name == L"..")
             return true;
@@ -86,7 +86,7 @@ private:
             notes.push_back(place + L" is a link to a folder, and left out.");
             return true;
         }
-        PayloadFolder child{name, {}, {}};
+        Payload child{name, {}, {}};
         const size_t noteCount = notes.size();
         if (!read(child, place))
             return false;
@@ -108,17 +108,15 @@ private:
 
 }  // namespace
 
-bool PayloadFolder::holdsFiles() const {
-    return !files.empty() ||
-           std::any_of(folders.begin(), folders.end(),
-                       [](const PayloadFolder& folder) { return folder.holdsFiles(); });
+bool Payload::holdsFiles() const {
+    return !files.empty() || std::any_of(folders.begin(), folders.end(),
+                                         [](const Payload& folder) { return folder.holdsFiles(); });
 }
 
-std::optional<PayloadFolder> readPayload(const std::wstring& path, Notes& notes,
-                                         std::wstring& problem) {
+std::optional<Payload> readPayload(const std::wstring& path, Notes& notes, std::wstring& problem) {
     const std::filesystem::path whole = std::filesystem::absolute(path).lexically_normal();
     const std::filesystem::path folder = whole.has_filename() ? whole : whole.parent_path();
-    PayloadFolder payload{folder.filename().wstring(), {}, {}};
+    Payload payload{folder.filename().wstring(), {}, {}};
     if (payload.name.empty()) {
         problem = path + L" is a whole drive; name a folder.";
         return std::nullopt;

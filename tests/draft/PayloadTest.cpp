@@ -1,4 +1,4 @@
-#include "author/draft/PayloadFolder.h"
+#include "author/draft/Payload.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
@@ -11,24 +11,24 @@ using testing::IsEmpty;
 
 namespace {
 
-class PayloadFolderTest : public testing::Test {
+class PayloadTest : public testing::Test {
 protected:
-    std::optional<PayloadFolder> read(const std::wstring& path) {
+    std::optional<Payload> read(const std::wstring& path) {
         return readPayload(path, notes, problem);
     }
-    PayloadFolder read() { return read(folder.path(L"p")).value_or(PayloadFolder{}); }
+    Payload read() { return read(folder.path(L"p")).value_or(Payload{}); }
 
     TestFolder folder;
     Notes notes;
     std::wstring problem;
 };
 
-TEST_F(PayloadFolderTest, IsReadInTheOrderOfCodeUnits) {
+TEST_F(PayloadTest, IsReadInTheOrderOfCodeUnits) {
     for (const wchar_t* name : {L"p\\b.txt", L"p\\a.txt", L"p\\C.txt", L"p\\\u00E4.txt",
                                 L"p\\_.txt", L"p\\y\\1", L"p\\Z\\1"})
         folder.write(name, "");
 
-    const PayloadFolder payload = read();
+    const Payload payload = read();
 
     EXPECT_EQ(payload.name, L"p");
     EXPECT_THAT(payload.files, ElementsAre(L"C.txt", L"_.txt", L"a.txt", L"b.txt", L"\u00E4.txt"));
@@ -38,13 +38,13 @@ TEST_F(PayloadFolderTest, IsReadInTheOrderOfCodeUnits) {
     EXPECT_THAT(notes, IsEmpty());
 }
 
-TEST_F(PayloadFolderTest, HasItsNameHoweverItIsSpelt) {
+TEST_F(PayloadTest, HasItsNameHoweverItIsSpelt) {
     folder.write(L"p\\a.txt", "");
     for (const wchar_t* spelling : {L"p\\", L"p/", L"p\\.", L"p\\in\\.."})
-        EXPECT_EQ(read(folder.path(spelling)).value_or(PayloadFolder{}).name, L"p") << spelling;
+        EXPECT_EQ(read(folder.path(spelling)).value_or(Payload{}).name, L"p") << spelling;
 }
 
-TEST_F(PayloadFolderTest, LeavesOutFoldersWithoutFilesAndSaysSo) {
+TEST_F(PayloadTest, LeavesOutFoldersWithoutFilesAndSaysSo) {
     folder.write(L"p\\a.txt", "");
     folder.makeDirectory(L"p\\empty\\inner");
 
@@ -52,7 +52,7 @@ TEST_F(PayloadFolderTest, LeavesOutFoldersWithoutFilesAndSaysSo) {
     EXPECT_THAT(notes, ElementsAre(HasSubstr(L"empty holds no files")));
 }
 
-TEST_F(PayloadFolderTest, WarnsOfFilesThatCannotBeUpgraded) {
+TEST_F(PayloadTest, WarnsOfFilesThatCannotBeUpgraded) {
     SetFileAttributesW(folder.write(L"p\\in\\a.txt", "").c_str(), FILE_ATTRIBUTE_READONLY);
     SetFileAttributesW(folder.write(L"p\\in\\b.txt", "").c_str(), FILE_ATTRIBUTE_NORMAL);
 
@@ -61,24 +61,24 @@ TEST_F(PayloadFolderTest, WarnsOfFilesThatCannotBeUpgraded) {
     SetFileAttributesW(folder.path(L"p\\in\\a.txt").c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST_F(PayloadFolderTest, MustHoldAFile) {
+TEST_F(PayloadTest, MustHoldAFile) {
     folder.makeDirectory(L"p\\in");
 
     EXPECT_FALSE(read(folder.path(L"p")));
     EXPECT_EQ(problem, folder.path(L"p") + L" holds no files.");
 }
 
-TEST_F(PayloadFolderTest, MustBeThere) {
+TEST_F(PayloadTest, MustBeThere) {
     EXPECT_FALSE(read(folder.path(L"p")));
     EXPECT_EQ(problem, folder.path(L"p") + L" can't be read. [error 3]");
 }
 
-TEST_F(PayloadFolderTest, MustHaveAName) {
+TEST_F(PayloadTest, MustHaveAName) {
     EXPECT_FALSE(read(L"C:\\"));
     EXPECT_EQ(problem, L"C:\\ is a whole drive; name a folder.");
 }
 
-TEST_F(PayloadFolderTest, RefusesNamesThatWindowsDoesNotKeep) {
+TEST_F(PayloadTest, RefusesNamesThatWindowsDoesNotKeep) {
     const std::wstring path = folder.makeDirectory(L"p\\in") + L"\\dot.";
     const std::wstring exact = L"\\\\?\\" + path;
     const HANDLE file = CreateFileW(exact.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
