@@ -62,6 +62,14 @@ int runAlone(const std::wstring& mode, const std::wstring& script, bool json) {
     return static_cast<int>(exitCode);
 }
 
+/// Says so when it can't.
+bool canBeOpened(const std::wstring& script) {
+    const std::wstring problem = findOpenProblem(script);
+    if (!problem.empty())
+        write(Stream::error, L"temz: " + script + L" can't be opened: " + problem + L"\n");
+    return problem.empty();
+}
+
 /// One product on this machine.
 class Verification {
 public:
@@ -108,11 +116,7 @@ private:
 }  // namespace
 
 Ending verifyScript(const CommandLine& command) {
-    for (const std::wstring& script : {command.upgradeFrom, command.script})
-        if (const std::wstring problem = script.empty() ? L"" : findOpenProblem(script);
-            !problem.empty()) {
-            write(Stream::error, L"temz: " + script + L" can't be opened: " + problem + L"\n");
-            return Ending::scriptNotOpened;
-        }
-    return Verification(command).carryOut();
+    const bool opens = (command.upgradeFrom.empty() || canBeOpened(command.upgradeFrom)) &&
+                       canBeOpened(command.script);
+    return opens ? Verification(command).carryOut() : Ending::scriptNotOpened;
 }

@@ -74,7 +74,7 @@ public:
 
     void open(const wchar_t* element, Attributes attributes = {}) {
         line(L"<" + tag(element, attributes) + L">");
-        elements.push_back(element);
+        elements.emplace_back(element);
     }
     void close() {
         const std::wstring element = elements.back();
@@ -102,9 +102,11 @@ public:
         if (!folder.files.empty()) {
             ids.push_back(place);
             open(L"Component", {{L"Id", place}});
-            for (const std::wstring& file : folder.files)
-                leaf(L"File",
-                     {{L"Name", literal(file)}, {L"Source", literal(place + L"\\" + file)}});
+            const std::wstring source = literal(place) + L"\\";
+            for (const std::wstring& file : folder.files) {
+                const std::wstring name = literal(file);
+                leaf(L"File", {{L"Name", name}, {L"Source", source + name}});
+            }
             close();
         }
         for (const Payload& child : folder.folders) {

@@ -21,7 +21,7 @@ public:
 
     void open(const wchar_t* name, Attributes attributes = {}) {
         line(tag(name, attributes) + L">");
-        names.push_back(name);
+        names.emplace_back(name);
     }
     void close() {
         const std::wstring name = names.back();

@@ -92,7 +92,7 @@ const ReferenceKind* findReference(const std::wstring& name) {
 std::vector<std::wstring> definitions() {
     std::vector<std::wstring> names{directoryKind.name, directoryReference.name};
     for (const ReferenceKind& reference : motionReferences())
-        names.push_back(reference.target->name);
+        names.emplace_back(reference.target->name);
     return names;
 }
 

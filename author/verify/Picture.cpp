@@ -45,7 +45,7 @@ private:
 /// Goes through a drive.
 class Files {
 public:
-    explicit Files(Album& album) : album(album), buffer(64 * 1024) {}
+    explicit Files(Album& album) : album(album), buffer(0x10000) {}
 
     /// A directory that can't be listed has nothing in it, as far as can be seen.
     void addAllIn(const std::wstring& directory) {
@@ -172,7 +172,7 @@ void addServices(Album& album) {
     DWORD needed = 0;
     DWORD count = 0;
     DWORD resume = 0;
-    std::vector<BYTE> buffer(256 * 1024);
+    std::vector<BYTE> buffer(0x40000);
     EnumServicesStatusExW(manager.get(), SC_ENUM_PROCESS_INFO, SERVICE_WIN32, SERVICE_STATE_ALL,
                           buffer.data(), static_cast<DWORD>(buffer.size()), &needed, &count,
                           &resume, nullptr);

@@ -126,15 +126,6 @@ TEST_F(PictureTest, LeavesOutWhatItIsTold) {
         EXPECT_NE(thing.name, file);
 }
 
-TEST_F(PictureTest, DoesNotFollowLinksToDirectories) {
-    folder.write(L"there\\a.txt", "");
-    if (!CreateSymbolicLinkW(folder.path(L"link").c_str(), folder.path(L"there").c_str(),
-                             SYMBOLIC_LINK_FLAG_DIRECTORY))
-        GTEST_SKIP() << "Needs links to directories";
-    for (const Thing& thing : takePicture())
-        EXPECT_NE(thing.name, folder.path(L"link\\a.txt"));
-}
-
 TEST(SystemsOwn, CountsWithAllBelow) {
     for (const wchar_t* name :
          {L"C:\\pagefile.sys", L"D:\\System Volume Information\\a", L"C:\\InstallLog\\temz.log",
