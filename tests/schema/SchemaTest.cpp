@@ -12,8 +12,11 @@
 #include "support/ScriptTest.h"
 #include "support/Text.h"
 
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -130,6 +133,10 @@ TEST(ScriptGrammar, LeavesOutOnlyWhatLacksItsSurroundings) {
                     L"ServiceControl", L"FileSearch", L"CopyFile", L"RemoveDirectory", L"Caution"));
     EXPECT_THAT(childShapes(L"Directory"), ElementsAre(L"Directory", L"DirectoryRef", L"Fragment",
                                                        L"Feature", L"Component.Path"));
+    EXPECT_THAT(childShapes(L"Condition.Path"),
+                AllOf(Contains(L"File"), Not(Contains(L"RegistryValue"))));
+    EXPECT_THAT(childShapes(L"Condition.Key.Root"),
+                AllOf(Contains(L"RegistryValue"), Not(Contains(L"File"))));
     EXPECT_THAT(childShapes(L"File"), IsEmpty());
 }
 
