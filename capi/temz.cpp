@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "author/check/Finding.h"
+#include "author/schema/Schema.h"
 #include "capi/Gate.h"
 #include "capi/Records.h"
 #include "capi/Session.h"
@@ -301,4 +302,9 @@ temz_status temz_get_finding_kind(uint32_t index, temz_finding_kind* kind) {
     told.remedy = row.remedy;
     writeRecord(*kind, told);
     return TEMZ_OK;
+}
+
+temz_status temz_schema(temz_char* buffer, size_t capacity, size_t* length) {
+    return gate.pass(Use::asking,
+                     [&] { return giveText(scriptSchema(), buffer, capacity, length); });
 }

@@ -8,7 +8,7 @@
 #include "Machine.h"
 #include "Sarif.h"
 #include "ScriptFile.h"
-#include "TextFile.h"
+#include "TextOutput.h"
 #include "Version.h"
 
 namespace {
@@ -38,7 +38,7 @@ class TextCheckReporter final : public CheckReporter {
         write(Stream::error, L"temz: " + problem + L"\n");
     }
     void finished(const FindingCounts& counts, Ending ending) override {
-        if (ending != Ending::notChecked)
+        if (ending != Ending::notCarriedOut)
             write(Stream::output, countText(counts) + L"\n");
     }
 };
@@ -117,7 +117,7 @@ Ending check(const CommandLine& command, CheckReporter& reporter) {
         problem = writeTextFile(command.sarif, sarifText(findings));
     if (!problem.empty())
         reporter.failed(problem);
-    const Ending ending = !problem.empty()    ? Ending::notChecked
+    const Ending ending = !problem.empty()    ? Ending::notCarriedOut
                           : counts.errors > 0 ? Ending::faultsFound
                                               : Ending::done;
     reporter.finished(counts, ending);

@@ -12,10 +12,13 @@ namespace {
 struct Command {
     Verb verb;
     const wchar_t* word;
-    const wchar_t* operand;  // what must follow; in brackets, what may
+    const wchar_t* operand;  // what must follow; in brackets, what may; null for nothing
     const wchar_t* meaning;
     void (*take)(CommandLine& line, const std::wstring& operand);
+    std::array<const wchar_t*, 2> needs = {};  // options that must be there
 };
+
+void takeNothing(CommandLine& /*line*/, const std::wstring& /*operand*/) {}
 
 template <temz_mode mode>
 void takeRun(CommandLine& line, const std::wstring& operand) {
@@ -54,6 +57,21 @@ constexpr Command commands[] = {
     {Verb::check, L"check", L"SCRIPT",
      L"tell what is wrong with an install script, and run nothing",
      takeOperand<&CommandLine::script>},
+    {Verb::verify,
+     L"verify",
+     L"SCRIPT",
+     L"install and remove the product, and tell what isn't as it was before",
+     takeOperand<&CommandLine::script>,
+     {L"--on-this-machine"}},
+    {Verb::draftProduct,
+     L"new",
+     nullptr,
+     L"make a script that installs a folder as a product",
+     takeNothing,
+     {L"--name", L"--payload"}},
+    {Verb::draftPart, L"harvest", L"DIR", L"make the part of a script that installs a folder",
+     takeOperand<&CommandLine::payload>},
+    {Verb::schema, L"schema", nullptr, L"show the XML Schema of scripts, for editors", takeNothing},
     {Verb::explain, L"explain", L"CODE|TEXT",
      L"tell the cause of a code or a message, and what to do about it",
      takeOperand<&CommandLine::subject>},
@@ -134,6 +152,9 @@ constexpr unsigned verbBit(Verb verb) {
 }
 constexpr unsigned runs = verbBit(Verb::run);
 constexpr unsigned checks = verbBit(Verb::check);
+constexpr unsigned verifies = verbBit(Verb::verify);
+constexpr unsigned givesText =
+    verbBit(Verb::draftProduct) | verbBit(Verb::draftPart) | verbBit(Verb::schema);
 constexpr unsigned anything = ~0U;
 
 struct Option {
@@ -177,7 +198,7 @@ constexpr Option options[] = {
      nullptr,
      L"with every call to the system in the log, or in JSON",
      takeFlag<&CommandLine::verbose>},
-    {runs | checks,
+    {runs | checks | verifies,
      {L"--json"},
      nullptr,
      L"show everything as one JSON object a line",
@@ -193,10 +214,10 @@ constexpr Option options[] = {
      nullptr,
      L"start without checking the script first",
      takeFlag<&CommandLine::noCheck>},
-    {checks,
+    {checks | verbBit(Verb::draftProduct),
      {L"--payload"},
      L"DIR",
-     L"compare the script with the folder that its sources stand in",
+     L"the folder that the sources of files stand in",
      takeText<&CommandLine::payload>},
     {checks,
      {L"--previous"},
@@ -219,6 +240,26 @@ constexpr Option options[] = {
      L"FILE",
      L"write the findings as SARIF 2.1, for code-review systems",
      takeText<&CommandLine::sarif>},
+    {verifies,
+     {L"--on-this-machine"},
+     nullptr,
+     L"yes, this is a machine on which to try a product out",
+     takeFlag<&CommandLine::onThisMachine>},
+    {verifies,
+     {L"--upgrade-from"},
+     L"SCRIPT",
+     L"first install the version of this script, then upgrade",
+     takeText<&CommandLine::upgradeFrom>},
+    {verbBit(Verb::draftProduct),
+     {L"--name"},
+     L"NAME",
+     L"how the product is called",
+     takeText<&CommandLine::name>},
+    {givesText,
+     {L"--out"},
+     L"FILE",
+     L"write the text to a file, in place of showing it",
+     takeText<&CommandLine::out>},
     {anything, {L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
     {anything, {L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
 };
@@ -301,13 +342,17 @@ private:
         const Command* command = findCommand(words[0]);
         if (command == nullptr)
             return refuse(words[0] + L" is no command.");
-        const bool optional = *command->operand == L'[';
+        const bool takesNone = command->operand == nullptr;
+        const bool optional = takesNone || *command->operand == L'[';
         if (!optional && (words.size() == 1 || words[1].empty()))
             return refuse(std::wstring(L"The ") + command->operand + L" is missing.");
-        if (words.size() > 2)
-            return refuse(words[2] + L" is one argument too many.");
+        if (const size_t most = takesNone ? 1 : 2; words.size() > most)
+            return refuse(words[most] + L" is one argument too many.");
         if (optional && words.size() == 2 && findTopic(words[1]) == nullptr)
             return refuse(words[1] + L" is no topic of " + command->word + L".");
+        for (const wchar_t* need : command->needs)
+            if (need && std::find(seen.begin(), seen.end(), findOption(need)) == seen.end())
+                return refuse(std::wstring(need) + L" is missing.");
         line.verb = command->verb;
         command->take(line, words.size() > 1 ? words[1] : L"");
         for (const Option* option : seen)
@@ -386,7 +431,9 @@ bool wantsJson(int count, const wchar_t* const* arguments) {
 std::wstring usage() {
     std::wstring text = L"Usage: temz COMMAND [OPTION]...\n\n";
     for (const Command& command : commands)
-        text += entry(command.word + std::wstring(L" ") + command.operand, command.meaning);
+        text += entry(
+            command.operand ? command.word + std::wstring(L" ") + command.operand : command.word,
+            command.meaning);
     for (const Option& option : options)
         if (option.verbs == anything)
             text += entry(option);

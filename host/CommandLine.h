@@ -7,12 +7,24 @@
 #include "RunWatch.h"
 
 /// What the program is asked to do.
-enum class Verb { run, check, explain, help, helpCodes, helpFindings, version };
+enum class Verb {
+    run,
+    check,
+    verify,
+    draftProduct,
+    draftPart,
+    schema,
+    explain,
+    help,
+    helpCodes,
+    helpFindings,
+    version
+};
 
 struct CommandLine {
     Verb verb = Verb::help;
     temz_mode mode = TEMZ_INSTALL;
-    std::wstring script;   ///< that is run or checked
+    std::wstring script;   ///< that is run, checked or verified
     std::wstring subject;  ///< of Verb::explain
 
     std::optional<ErrorPolicy> onError;  ///< nothing: ask the user, or abort where nobody answers
@@ -26,12 +38,21 @@ struct CommandLine {
     unsigned waitSeconds = 0;  ///< for the end of another run
     bool noCheck = false;
 
+    std::wstring payload;  ///< the folder of the files; empty for none
+
     // Of Verb::check.
-    std::wstring payload;               ///< empty for none
     std::wstring previous;              ///< empty for none
     std::wstring sarif;                 ///< empty for none
     std::vector<std::wstring> ignored;  ///< codes of findings
     bool warningsAsErrors = false;
+
+    // Of Verb::verify.
+    std::wstring upgradeFrom;  ///< the script of the version before; empty for none
+    bool onThisMachine = false;
+
+    // Of those that give a text.
+    std::wstring name;  ///< of a product to be drafted
+    std::wstring out;   ///< where the text goes; empty for the standard output
 
     bool mayAsk() const { return !quiet && !passive && !json; }
 };

@@ -39,10 +39,12 @@ constexpr ExitCode codes[] = {
     {Ending::notElevated, elevationRequired,
      L"The first action that failed wants an administrator, and the program isn't run as one.",
      L"Run it from an administrator's prompt."},
-    {Ending::faultsFound, 1, L"A check has found errors. Nothing was run.", L"Mend the script.",
-     true},
-    {Ending::notChecked, 2, L"There was nothing to check, or the report can't be written.",
-     L"Look at the paths and their rights.", true},
+    {Ending::faultsFound, 1,
+     L"A check has found errors, or a verification something that isn't as it was before.",
+     L"Mend the script by what was told.", true},
+    {Ending::notCarriedOut, 2,
+     L"A command that runs nothing can't be carried out, or its result can't be written.",
+     L"Do what the message says.", true},
 };
 
 }  // namespace

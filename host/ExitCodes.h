@@ -16,7 +16,7 @@ enum class Ending {
     badCommandLine,
     notElevated,
     faultsFound,
-    notChecked,
+    notCarriedOut,
 };
 
 /// The exit code of an ending, of those that deployment systems know from winerror.h, unless it is

@@ -4,11 +4,14 @@
 #include "CommandLine.h"
 #include "Console.h"
 #include "ConsoleWindow.h"
+#include "DraftCommands.h"
 #include "ExitCodes.h"
 #include "Explain.h"
 #include "Findings.h"
 #include "SafeStart.h"
+#include "SchemaCommand.h"
 #include "ScriptRun.h"
+#include "VerifyCommand.h"
 #include "Version.h"
 
 namespace {
@@ -37,6 +40,14 @@ Ending carryOut(const CommandLine& command) {
             return checkScriptFile(command);
         case Verb::explain:
             return explainSubject(command);
+        case Verb::verify:
+            return verifyScript(command);
+        case Verb::draftProduct:
+            return giveProduct(command);
+        case Verb::draftPart:
+            return givePart(command);
+        case Verb::schema:
+            return giveSchema(command);
         case Verb::helpCodes:
             write(Stream::output, exitCodeTable());
             return Ending::done;

@@ -6,7 +6,7 @@ set -euo pipefail
 
 # What each package is for stands in the README.
 packages=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build wine wine64
-    googletest liblnk-utils python3-jsonschema clang lld llvm clang-format clang-tidy dpkg-dev
+    googletest liblnk-utils python3-jsonschema libxml2-utils clang lld llvm clang-format clang-tidy dpkg-dev
     ca-certificates locales util-linux git)
 
 missing=()

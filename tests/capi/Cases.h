@@ -51,6 +51,7 @@ extern "C" {
     CASE(absentNamesAreNotFound)                  \
     CASE(emptyTextNeedsItsTerminator)             \
     CASE(failureTextLastsUntilTheNextCall)        \
+    CASE(schemaNeedsNoContext)                    \
     /* MisuseCases.c */                           \
     CASE(nullContextIsTold)                       \
     CASE(freedContextIsTold)                      \

@@ -159,3 +159,18 @@ void failureTextLastsUntilTheNextCall(void) {
     CHECK_NUMBER(TEMZ_OK, load(ONE_CAUTION));
     expectLastFailure(L"");
 }
+
+void schemaNeedsNoContext(void) {
+    static temz_char schema[0x20000];
+    const size_t capacity = sizeof schema / sizeof *schema;
+    size_t length = 0;
+    CHECK_NUMBER(TEMZ_NULL_ARGUMENT, temz_schema(NULL, capacity, NULL));
+    CHECK_NUMBER(TEMZ_OK, temz_schema(NULL, 0, &length));
+    CHECK_NUMBER(TEMZ_BUFFER_TOO_SMALL, temz_schema(schema, length - 1, NULL));
+    CHECK_NUMBER(TEMZ_OK, temz_schema(schema, capacity, &length));
+    CHECK_NUMBER(0, schema[length - 1]);
+    schema[length - 1 - 1] = 0; /* the line end */
+    CHECK_TEXT(L"</xs:schema>", schema + length - 1 - sizeof "</xs:schema>");
+    schema[5] = 0;
+    CHECK_TEXT(L"<?xml", schema);
+}

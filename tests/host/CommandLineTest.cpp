@@ -58,6 +58,39 @@ TEST(CommandLineTest, NamesTheModeAndTheScript) {
     }
 }
 
+TEST(CommandLineTest, AsksForTheSchemaAndWhereItGoes) {
+    EXPECT_EQ(accepted({L"schema"}).verb, Verb::schema);
+    EXPECT_EQ(accepted({L"schema"}).out, L"");
+    EXPECT_EQ(accepted({L"schema", L"--out", L"a.xsd"}).out, L"a.xsd");
+    EXPECT_EQ(refusal({L"schema", L"a.xml"}), L"a.xml is one argument too many.");
+}
+
+TEST(CommandLineTest, AsksForDraftsOfScripts) {
+    const CommandLine product =
+        accepted({L"new", L"--name", L"My Product", L"--payload=files", L"--out", L"a.xml"});
+    EXPECT_EQ(product.verb, Verb::draftProduct);
+    EXPECT_EQ(product.name, L"My Product");
+    EXPECT_EQ(product.payload, L"files");
+    EXPECT_EQ(product.out, L"a.xml");
+    EXPECT_EQ(refusal({L"new", L"--payload=files"}), L"--name is missing.");
+    EXPECT_EQ(refusal({L"new", L"--name=a"}), L"--payload is missing.");
+
+    const CommandLine part = accepted({L"harvest", L"files"});
+    EXPECT_EQ(part.verb, Verb::draftPart);
+    EXPECT_EQ(part.payload, L"files");
+    EXPECT_EQ(refusal({L"harvest"}), L"The DIR is missing.");
+}
+
+TEST(CommandLineTest, VerifiesOnlyWhereThatIsMeant) {
+    const CommandLine command = accepted(
+        {L"verify", L"new.xml", L"--on-this-machine", L"--upgrade-from", L"old.xml", L"--json"});
+    EXPECT_EQ(command.verb, Verb::verify);
+    EXPECT_EQ(command.script, L"new.xml");
+    EXPECT_EQ(command.upgradeFrom, L"old.xml");
+    EXPECT_TRUE(command.json);
+    EXPECT_EQ(refusal({L"verify", L"new.xml"}), L"--on-this-machine is missing.");
+}
+
 TEST(CommandLineTest, IsPlainWithoutOptions) {
     const CommandLine command = accepted({L"install", L"a.xml"});
 
@@ -251,7 +284,9 @@ TEST(UsageTest, HasALineForEachCommandAndOption) {
     for (const wchar_t* line :
          {L"\n  install SCRIPT        put", L"\n  upgrade SCRIPT ", L"\n  uninstall SCRIPT ",
           L"\n  check SCRIPT          tell", L"\n  explain CODE|TEXT     tell",
-          L"\n  help [codes|findings] show",
+          L"\n  help [codes|findings] show", L"\n  new                   make",
+          L"\n  harvest DIR           make", L"\n  verify SCRIPT         install",
+          L"\n  schema                show",
           L"\n  --on-error abort|ignore|retry:N[,SECONDS]\n                        what",
           L"\n  --quiet, /quiet, /S   ask", L"\n  --log FILE, /log      append",
           L"\n  --help, -h, /?        show"})

@@ -55,7 +55,7 @@ TEST(ExitCodesTest, HasOneRowForEachEnding) {
         {Ending::badCommandLine, 1639, false},
         {Ending::notElevated, 740, false},
         {Ending::faultsFound, 1, false},
-        {Ending::notChecked, 2, false},
+        {Ending::notCarriedOut, 2, false},
     };
     ASSERT_EQ(exitCodes().size(), std::size(endings));
     for (const auto& [ending, code, success] : endings) {

@@ -1,5 +1,6 @@
-#include "TextFile.h"
+#include "TextOutput.h"
 
+#include "Console.h"
 #include "Diagnosis.h"
 #include "Handles.h"
 #include "Utf8.h"
@@ -7,7 +8,7 @@
 std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
     const FilePtr file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-    const std::string bytes = toUtf8(text);
+    const std::string bytes = toUtf8Lines(text);
     DWORD written = 0;
     if (file &&
         WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
@@ -15,4 +16,16 @@ std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
     const DWORD error = GetLastError();
     return path + L" can't be written: " + systemText(error) + L" [error " +
            std::to_wstring(error) + L"]";
+}
+
+Ending giveText(const std::wstring& text, const std::wstring& file) {
+    if (file.empty()) {
+        write(Stream::output, text);
+        return Ending::done;
+    }
+    const std::wstring problem = writeTextFile(file, text);
+    if (problem.empty())
+        return Ending::done;
+    write(Stream::error, L"temz: " + problem + L"\n");
+    return Ending::notCarriedOut;
 }

@@ -1,0 +1,40 @@
+#include "DraftCommands.h"
+
+#include "Console.h"
+#include "TextOutput.h"
+#include "author/draft/Draft.h"
+
+namespace {
+
+Ending refuse(const std::wstring& problem) {
+    write(Stream::error, L"temz: " + problem + L"\n");
+    return Ending::notCarriedOut;
+}
+
+/// Reads the folder and gives out what `draft` makes of it.
+template <class Draft>
+Ending giveDraft(const CommandLine& command, const Draft& draft) {
+    Notes notes;
+    std::wstring problem;
+    const auto payload = readPayload(command.payload, notes, problem);
+    if (!payload)
+        return refuse(problem);
+    const std::wstring script = draft(*payload, notes);
+    for (const std::wstring& note : notes)
+        write(Stream::error, L"temz: " + note + L"\n");
+    return giveText(script, command.out);
+}
+
+}  // namespace
+
+Ending giveProduct(const CommandLine& command) {
+    if (const std::wstring fault = faultOfName(command.name); !fault.empty())
+        return refuse(L"The product's directory can't be called " + command.name + L": " + fault);
+    return giveDraft(command, [&command](const Payload& payload, Notes& notes) {
+        return draftProduct(command.name, payload, notes);
+    });
+}
+
+Ending givePart(const CommandLine& command) {
+    return giveDraft(command, draftPart);
+}

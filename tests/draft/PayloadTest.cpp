@@ -1,0 +1,105 @@
+#include "author/draft/Payload.h"
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include "support/TestFolder.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class PayloadTest : public testing::Test {
+protected:
+    std::optional<Payload> read(const std::wstring& path) {
+        return readPayload(path, notes, problem);
+    }
+    Payload read() { return read(folder.path(L"p")).value_or(Payload{}); }
+
+    TestFolder folder;
+    Notes notes;
+    std::wstring problem;
+};
+
+TEST_F(PayloadTest, IsReadInTheOrderOfCodeUnits) {
+    for (const wchar_t* name : {L"p\\b.txt", L"p\\a.txt", L"p\\C.txt", L"p\\\u00E4.txt",
+                                L"p\\_.txt", L"p\\y\\1", L"p\\Z\\1"})
+        folder.write(name, "");
+
+    const Payload payload = read();
+
+    EXPECT_EQ(payload.name, L"p");
+    EXPECT_THAT(payload.files, ElementsAre(L"C.txt", L"_.txt", L"a.txt", L"b.txt", L"\u00E4.txt"));
+    ASSERT_EQ(payload.folders.size(), 2u);
+    EXPECT_EQ(payload.folders[0].name, L"Z");
+    EXPECT_EQ(payload.folders[1].name, L"y");
+    EXPECT_THAT(notes, IsEmpty());
+}
+
+TEST_F(PayloadTest, HasItsNameHoweverItIsSpelt) {
+    folder.write(L"p\\a.txt", "");
+    for (const wchar_t* spelling : {L"p\\", L"p/", L"p\\.", L"p\\in\\.."})
+        EXPECT_EQ(read(folder.path(spelling)).value_or(Payload{}).name, L"p") << spelling;
+}
+
+TEST_F(PayloadTest, LeavesOutFoldersWithoutFilesAndSaysSo) {
+    folder.write(L"p\\a.txt", "");
+    folder.makeDirectory(L"p\\empty\\inner");
+
+    EXPECT_THAT(read().folders, IsEmpty());
+    EXPECT_THAT(notes, ElementsAre(HasSubstr(L"empty holds no files")));
+}
+
+TEST_F(PayloadTest, WarnsOfFilesThatCannotBeUpgraded) {
+    SetFileAttributesW(folder.write(L"p\\in\\a.txt", "").c_str(), FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesW(folder.write(L"p\\in\\b.txt", "").c_str(), FILE_ATTRIBUTE_NORMAL);
+
+    EXPECT_THAT(read().folders.at(0).files, ElementsAre(L"a.txt", L"b.txt"));
+    EXPECT_THAT(notes, ElementsAre(HasSubstr(L"in\\a.txt is read-only")));
+    SetFileAttributesW(folder.path(L"p\\in\\a.txt").c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(PayloadTest, MustHoldAFile) {
+    folder.makeDirectory(L"p\\in");
+
+    EXPECT_FALSE(read(folder.path(L"p")));
+    EXPECT_EQ(problem, folder.path(L"p") + L" holds no files.");
+}
+
+TEST_F(PayloadTest, MustBeThere) {
+    EXPECT_FALSE(read(folder.path(L"p")));
+    EXPECT_EQ(problem, folder.path(L"p") + L" can't be read. [error 3]");
+}
+
+TEST_F(PayloadTest, MustHaveAName) {
+    EXPECT_FALSE(read(L"C:\\"));
+    EXPECT_EQ(problem, L"C:\\ is a whole drive; name a folder.");
+}
+
+TEST_F(PayloadTest, RefusesNamesThatWindowsDoesNotKeep) {
+    const std::wstring path = folder.makeDirectory(L"p\\in") + L"\\dot.";
+    const std::wstring exact = L"\\\\?\\" + path;
+    const HANDLE file = CreateFileW(exact.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    CloseHandle(file);
+
+    EXPECT_FALSE(read(folder.path(L"p")));
+    EXPECT_EQ(problem,
+              path + L" can't be installed: Windows drops dots and blanks at the end of a name.");
+    DeleteFileW(exact.c_str());
+}
+
+TEST(NameTest, IsOneThatWindowsKeeps) {
+    for (const wchar_t* name : {L"a", L"a b", L" a", L".a", L"a#[&]'%!@", L"com0", L"com10",
+                                L"console", L"lpt", L"nullify.txt", L"\u4E2D\xD83D\xDE00"})
+        EXPECT_EQ(faultOfName(name), L"") << name;
+    for (const wchar_t* name :
+         {L"", L"a.", L"a ", L"a\tb", L"a:b", L"a*", L"a?", L"a|b", L"a<b", L"a>b", L"a\"b", L"a/b",
+          L"a\\b", L"con", L"NUL.txt", L"Com1", L"lpt9.a.b", L"\xD83D"})
+        EXPECT_NE(faultOfName(name), L"") << name;
+}
+
+}  // namespace
