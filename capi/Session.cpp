@@ -63,6 +63,22 @@ public:
     explicit TracerBridge(const temz_tracer& tracer) : tracer(tracer) {}
 
     void heard(const TracedCall& traced) override {
+        if (tracer.call != nullptr)
+            show(traced, [this](const temz_call& call) { tracer.call(tracer.user, &call); });
+    }
+
+    bool givesPermits() const override { return tracer.permit != nullptr; }
+
+    void permit(const TracedCall& traced) override {
+        show(traced, [this](const temz_call& call) {
+            if (tracer.permit(tracer.user, &call) != TEMZ_CONTINUE)
+                throw RunStopped();
+        });
+    }
+
+private:
+    template <class Show>
+    static void show(const TracedCall& traced, const Show& showCall) {
         std::vector<const temz_char*> arguments;
         for (const std::wstring& argument : traced.arguments)
             arguments.push_back(argument.c_str());
@@ -76,10 +92,10 @@ public:
         call.arguments = arguments.data();
         call.result = traced.result.c_str();
         call.duration = static_cast<uint64_t>(traced.duration.count());
-        tracer.call(tracer.user, &call);
+        call.changes = traced.changes ? 1 : 0;
+        showCall(call);
     }
 
-private:
     const temz_tracer tracer;
 };
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "author/check/Finding.h"
 #include "author/schema/Schema.h"
 #include "capi/Gate.h"
 #include "capi/Records.h"
@@ -84,6 +85,34 @@ temz_status takeRecord(std::optional<Record>& target, const Record* record) {
     if (record != nullptr)
         target = readRecord(*record);
     return TEMZ_OK;
+}
+
+#define SAME_NUMBER(theirs, ours) \
+    static_assert(static_cast<int>(theirs) == static_cast<int>(ours), "numbers of the interface")
+SAME_NUMBER(TEMZ_SEVERITY_ERROR, Severity::error);
+SAME_NUMBER(TEMZ_SEVERITY_WARNING, Severity::warning);
+SAME_NUMBER(TEMZ_SEVERITY_NOTE, Severity::note);
+#undef SAME_NUMBER
+
+temz_severity severityOf(const FindingKind& kind) {
+    return static_cast<temz_severity>(kind.severity);
+}
+
+/// Hands a finding to the host.
+void tellFinding(const temz_check_request& request, const Finding& found) {
+    temz_finding finding{};
+    finding.size = sizeof finding;
+    finding.severity = severityOf(*found.kind);
+    finding.ends_run = found.endsRun ? 1 : 0;
+    finding.line = found.place.line;
+    finding.column = found.place.column;
+    finding.length = found.place.length;
+    finding.code = found.kind->code;
+    finding.file = found.file.c_str();
+    finding.text = found.text.c_str();
+    finding.help = found.help.c_str();
+    finding.source_line = found.sourceLine.c_str();
+    request.finding(request.user, &finding);
 }
 
 /// Tells the host what a run has come to, however it ends.
@@ -177,7 +206,8 @@ temz_status temz_set_observer(temz_context* context, const temz_observer* observ
 
 temz_status temz_set_tracer(temz_context* context, const temz_tracer* tracer) {
     return passWith(Use::asking, context, [&](Session& session) {
-        if (tracer != nullptr && hasSizeOfRecord(*tracer) && tracer->call == nullptr)
+        if (tracer != nullptr && hasSizeOfRecord(*tracer) && tracer->call == nullptr &&
+            tracer->permit == nullptr)
             return temz_status{TEMZ_NULL_ARGUMENT};
         return takeRecord(session.tracer, tracer);
     });
@@ -236,6 +266,42 @@ temz_status temz_get_variable(temz_context* context, const temz_char* name, temz
 temz_status temz_get_directory(temz_context* context, const temz_char* id, temz_char* buffer,
                                size_t capacity, size_t* length) {
     return giveFound(&Session::findDirectory, context, id, buffer, capacity, length);
+}
+
+temz_status temz_check(const temz_check_request* request) {
+    temz_check_request taken{};
+    const auto prepare = [&]() -> temz_status {
+        if (request == nullptr)
+            return TEMZ_NULL_ARGUMENT;
+        if (!hasSizeOfRecord(*request))
+            return TEMZ_BAD_SIZE;
+        taken = readRecord(*request);
+        return taken.script && taken.finding ? TEMZ_OK : TEMZ_NULL_ARGUMENT;
+    };
+    return gate.passRun(prepare, [&]() -> temz_status {
+        const auto textOf = [](const temz_char* text) { return text ? text : L""; };
+        const CheckRequest checked{taken.script, textOf(taken.payload), textOf(taken.previous)};
+        const CheckEnd end =
+            checkScript(checked, [&](const Finding& found) { tellFinding(taken, found); });
+        return end == CheckEnd::done ? TEMZ_OK : TEMZ_NOT_READABLE;
+    });
+}
+
+temz_status temz_get_finding_kind(uint32_t index, temz_finding_kind* kind) {
+    if (kind == nullptr)
+        return TEMZ_NULL_ARGUMENT;
+    if (!hasSizeOfRecord(*kind))
+        return TEMZ_BAD_SIZE;
+    if (index >= findingKinds().size())
+        return TEMZ_NOT_FOUND;
+    const FindingKind& row = findingKinds()[index];
+    temz_finding_kind told{};
+    told.severity = severityOf(row);
+    told.code = row.code;
+    told.meaning = row.meaning;
+    told.remedy = row.remedy;
+    writeRecord(*kind, told);
+    return TEMZ_OK;
 }
 
 temz_status temz_schema(temz_char* buffer, size_t capacity, size_t* length) {

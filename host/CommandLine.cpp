@@ -10,8 +10,9 @@
 namespace {
 
 struct Command {
+    Verb verb;
     const wchar_t* word;
-    const wchar_t* operand;  // what must follow; null for nothing
+    const wchar_t* operand;  // what must follow; in brackets, what may; null for nothing
     const wchar_t* meaning;
     void (*take)(CommandLine& line, const std::wstring& operand);
     std::array<const wchar_t*, 2> needs = {};  // options that must be there
@@ -19,46 +20,63 @@ struct Command {
 
 template <temz_mode mode>
 void takeRun(CommandLine& line, const std::wstring& operand) {
-    line.verb = Verb::run;
     line.mode = mode;
     line.script = operand;
 }
 
+template <std::wstring CommandLine::*text>
+void takeOperand(CommandLine& line, const std::wstring& operand) {
+    line.*text = operand;
+}
+
+void takeNothing(CommandLine& /*line*/, const std::wstring& /*operand*/) {}
+
+struct Topic {
+    const wchar_t* word;
+    Verb verb;
+};
+constexpr Topic topics[] = {{L"codes", Verb::helpCodes}, {L"findings", Verb::helpFindings}};
+
+const Topic* findTopic(const std::wstring& word) {
+    const auto* found = std::find_if(std::begin(topics), std::end(topics),
+                                     [&word](const Topic& topic) { return word == topic.word; });
+    return found == std::end(topics) ? nullptr : found;
+}
+
+void takeTopic(CommandLine& line, const std::wstring& operand) {
+    if (const Topic* topic = findTopic(operand))
+        line.verb = topic->verb;
+}
+
 constexpr Command commands[] = {
-    {L"install", L"SCRIPT", L"put the product of an install script on the machine",
+    {Verb::run, L"install", L"SCRIPT", L"put the product of an install script on the machine",
      takeRun<TEMZ_INSTALL>},
-    {L"upgrade", L"SCRIPT", L"bring an installed product up to the script's version",
+    {Verb::run, L"upgrade", L"SCRIPT", L"bring an installed product up to the script's version",
      takeRun<TEMZ_UPGRADE>},
-    {L"uninstall", L"SCRIPT", L"remove it", takeRun<TEMZ_UNINSTALL>},
-    {L"explain", L"CODE|TEXT", L"tell the cause of a code or a message, and what to do about it",
-     [](CommandLine& line, const std::wstring& operand) {
-         line.verb = Verb::explain;
-         line.subject = operand;
-     }},
-    {L"new",
+    {Verb::run, L"uninstall", L"SCRIPT", L"remove it", takeRun<TEMZ_UNINSTALL>},
+    {Verb::check, L"check", L"SCRIPT",
+     L"tell what is wrong with an install script, and run nothing",
+     takeOperand<&CommandLine::script>},
+    {Verb::explain, L"explain", L"CODE|TEXT",
+     L"tell the cause of a code or a message, and what to do about it",
+     takeOperand<&CommandLine::subject>},
+    {Verb::draftProduct,
+     L"new",
      nullptr,
-     L"make a script that installs a folder (--payload) as a product (--name)",
-     [](CommandLine& line, const std::wstring& /*operand*/) { line.verb = Verb::draftProduct; },
+     L"make a script that installs a folder as a product",
+     takeNothing,
      {L"--name", L"--payload"}},
-    {L"harvest", L"DIR", L"make the part of a script that installs a folder",
-     [](CommandLine& line, const std::wstring& operand) {
-         line.verb = Verb::draftPart;
-         line.payload = operand;
-     }},
-    {L"verify",
+    {Verb::draftPart, L"harvest", L"DIR", L"make the part of a script that installs a folder",
+     takeOperand<&CommandLine::payload>},
+    {Verb::verify,
+     L"verify",
      L"SCRIPT",
      L"install and remove the product, and tell what isn't as it was before",
-     [](CommandLine& line, const std::wstring& operand) {
-         line.verb = Verb::verify;
-         line.script = operand;
-     },
+     takeOperand<&CommandLine::script>,
      {L"--on-this-machine"}},
-    {L"schema", nullptr, L"show the XML Schema of scripts, for editors",
-     [](CommandLine& line, const std::wstring& /*operand*/) { line.verb = Verb::schema; }},
-    {L"help", L"[codes]", L"show this text, or the exit codes",
-     [](CommandLine& line, const std::wstring& operand) {
-         line.verb = operand == L"codes" ? Verb::helpCodes : Verb::help;
-     }},
+    {Verb::schema, L"schema", nullptr, L"show the XML Schema of scripts, for editors", takeNothing},
+    {Verb::help, L"help", L"[codes|findings]",
+     L"show this text, the exit codes, or what a check can find", takeTopic},
 };
 
 /// A number of no more digits than surely fit.
@@ -112,6 +130,11 @@ bool takeText(CommandLine& line, const std::wstring& value) {
     return !value.empty();
 }
 
+bool takeIgnored(CommandLine& line, const std::wstring& value) {
+    line.ignored.push_back(value);
+    return !value.empty();
+}
+
 template <bool CommandLine::*flag>
 bool takeFlag(CommandLine& line, const std::wstring& /*value*/) {
     return line.*flag = true;
@@ -123,64 +146,122 @@ bool takeVerb(CommandLine& line, const std::wstring& /*value*/) {
     return true;
 }
 
+/// The commands that know an option.
+constexpr unsigned verbBit(Verb verb) {
+    return 1U << static_cast<unsigned>(verb);
+}
+constexpr unsigned runs = verbBit(Verb::run);
+constexpr unsigned checks = verbBit(Verb::check);
+constexpr unsigned verifies = verbBit(Verb::verify);
+constexpr unsigned draftsProduct = verbBit(Verb::draftProduct);
+constexpr unsigned givesText = draftsProduct | verbBit(Verb::draftPart) | verbBit(Verb::schema);
+constexpr unsigned anything = ~0U;
+
 struct Option {
+    unsigned verbs;
     std::array<const wchar_t*, 3> spellings;  // the first is the one that is told
     const wchar_t* value;                     // what it may be; null when the option has none
     const wchar_t* meaning;
     bool (*take)(CommandLine& line, const std::wstring& value);
+    bool repeatable = false;
 };
 
 constexpr Option options[] = {
-    {{L"--on-error"},
+    {runs,
+     {L"--on-error"},
      L"abort|ignore|retry:N[,SECONDS]",
      L"what to do when a vital action fails, in place of asking: end the run, go on without the\n"
      L"action, or try it again up to N times, each after a pause",
      takePolicy},
-    {{L"--accept-ignored"},
+    {runs,
+     {L"--accept-ignored"},
      nullptr,
      L"end with success although vital actions were ignored",
      takeFlag<&CommandLine::acceptIgnored>},
-    {{L"--quiet", L"/quiet", L"/S"},
+    {runs,
+     {L"--quiet", L"/quiet", L"/S"},
      nullptr,
      L"ask nothing, and show failures only",
      takeFlag<&CommandLine::quiet>},
-    {{L"--passive", L"/passive"},
+    {runs,
+     {L"--passive", L"/passive"},
      nullptr,
      L"ask nothing, and show the progress",
      takeFlag<&CommandLine::passive>},
-    {{L"--log", L"/log"},
+    {runs,
+     {L"--log", L"/log"},
      L"FILE",
      L"append all that is done to a file",
      takeText<&CommandLine::log>},
-    {{L"--verbose"},
+    {runs,
+     {L"--verbose"},
      nullptr,
-     L"with every call to the system in the log",
+     L"with every call to the system in the log, or in JSON",
      takeFlag<&CommandLine::verbose>},
-    {{L"--json"},
+    {runs | checks | verifies,
+     {L"--json"},
      nullptr,
-     L"show what happens as one JSON object a line",
+     L"show everything as one JSON object a line",
      takeFlag<&CommandLine::json>},
-    {{L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
-    {{L"--drop-pending"},
+    {runs, {L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
+    {runs,
+     {L"--drop-pending"},
      nullptr,
      L"at uninstall, take back what still waits for a restart",
      takeFlag<&CommandLine::dropPending>},
-    {{L"--name"}, L"NAME", L"how the product is called", takeText<&CommandLine::name>},
-    {{L"--payload"}, L"DIR", L"the folder of its files", takeText<&CommandLine::payload>},
-    {{L"--on-this-machine"},
+    {runs,
+     {L"--no-check"},
+     nullptr,
+     L"start without checking the script first",
+     takeFlag<&CommandLine::noCheck>},
+    {checks | draftsProduct,
+     {L"--payload"},
+     L"DIR",
+     L"the folder of the files that the script installs",
+     takeText<&CommandLine::payload>},
+    {checks,
+     {L"--previous"},
+     L"SCRIPT",
+     L"tell what an upgrade leaves of the version before",
+     takeText<&CommandLine::previous>},
+    {checks,
+     {L"--ignore"},
+     L"CODE",
+     L"leave out a finding; may stand several times",
+     takeIgnored,
+     true},
+    {checks,
+     {L"--warnings-as-errors"},
+     nullptr,
+     L"count warnings as errors",
+     takeFlag<&CommandLine::warningsAsErrors>},
+    {checks,
+     {L"--sarif"},
+     L"FILE",
+     L"write the findings as SARIF 2.1, for code-review systems",
+     takeText<&CommandLine::sarif>},
+    {draftsProduct,
+     {L"--name"},
+     L"NAME",
+     L"how the product is called",
+     takeText<&CommandLine::name>},
+    {verifies,
+     {L"--on-this-machine"},
      nullptr,
      L"yes, this is a machine on which to try a product out",
      takeFlag<&CommandLine::onThisMachine>},
-    {{L"--upgrade-from"},
+    {verifies,
+     {L"--upgrade-from"},
      L"SCRIPT",
      L"first install the version of this script, then upgrade",
      takeText<&CommandLine::upgradeFrom>},
-    {{L"--out"},
+    {givesText,
+     {L"--out"},
      L"FILE",
      L"write the text to a file, in place of showing it",
      takeText<&CommandLine::out>},
-    {{L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
-    {{L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
+    {anything, {L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
+    {anything, {L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
 };
 
 bool equalIgnoringCase(std::wstring_view a, std::wstring_view b) {
@@ -230,12 +311,13 @@ private:
         const std::wstring name = argument.substr(0, equals);
         const Option* option = findOption(name);
         if (option == nullptr) {
-            if (argument.starts_with(L'-'))
+            // A status of the system's, as the shell shows it, is a number below zero.
+            if (argument.starts_with(L'-') && !readNumber(argument.substr(1), 10))
                 return refuse(argument + L" is no option.");
             words.push_back(argument);
             return true;
         }
-        if (std::find(seen.begin(), seen.end(), option) != seen.end())
+        if (!option->repeatable && std::find(seen.begin(), seen.end(), option) != seen.end())
             return refuse(std::wstring(option->spellings[0]) + L" stands twice.");
         seen.push_back(option);
         std::wstring value;
@@ -266,12 +348,19 @@ private:
             return refuse(std::wstring(L"The ") + command->operand + L" is missing.");
         if (const size_t most = takesNone ? 1 : 2; words.size() > most)
             return refuse(words[most] + L" is one argument too many.");
-        if (optional && words.size() == 2 && L"[" + words[1] + L"]" != command->operand)
+        if (optional && words.size() == 2 && findTopic(words[1]) == nullptr)
             return refuse(words[1] + L" is no topic of " + command->word + L".");
         for (const wchar_t* need : command->needs)
             if (need && std::find(seen.begin(), seen.end(), findOption(need)) == seen.end())
                 return refuse(std::wstring(need) + L" is missing.");
+        line.verb = command->verb;
         command->take(line, words.size() > 1 ? words[1] : L"");
+        for (const Option* option : seen)
+            if (!(option->verbs & verbBit(line.verb)))
+                return refuse(std::wstring(option->spellings[0]) + L" is no option of " +
+                              command->word + L".");
+        if (line.verb == Verb::run && line.verbose && line.log.empty() && !line.json)
+            return refuse(L"--verbose needs --log or --json, where the calls are shown.");
         return true;
     }
 
@@ -299,11 +388,44 @@ std::wstring entry(const std::wstring& name, const std::wstring& meaning) {
     return text + L"\n";
 }
 
+std::wstring entry(const Option& option) {
+    std::wstring name = option.spellings[0];
+    if (option.value)
+        name += std::wstring(L" ") + option.value;
+    for (size_t i = 1; i < option.spellings.size() && option.spellings[i]; ++i)
+        name += std::wstring(L", ") + option.spellings[i];
+    return entry(name, option.meaning);
+}
+
+/// The words of all commands of a verb, as "install, upgrade".
+std::wstring wordsOf(Verb verb) {
+    std::wstring words;
+    for (const Command& command : commands)
+        if (command.verb == verb)
+            words += (words.empty() ? L"" : L", ") + std::wstring(command.word);
+    return words;
+}
+
+/// The options that a verb knows, under its commands' words; empty when it has none of its own.
+std::wstring optionsOf(Verb verb) {
+    std::wstring text;
+    for (const Option& option : options)
+        if (option.verbs != anything && option.verbs & verbBit(verb))
+            text += entry(option);
+    return text.empty() ? text : L"\n" + wordsOf(verb) + L":\n" + text;
+}
+
 }  // namespace
 
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
                                            std::wstring& problem) {
     return Reader(count, arguments, problem).read();
+}
+
+bool wantsJson(int count, const wchar_t* const* arguments) {
+    return std::any_of(arguments, arguments + count, [](const wchar_t* argument) {
+        return std::wstring_view(argument) == L"--json";
+    });
 }
 
 std::wstring usage() {
@@ -312,14 +434,15 @@ std::wstring usage() {
         text += entry(
             command.operand ? command.word + std::wstring(L" ") + command.operand : command.word,
             command.meaning);
-    text += L"\n";
-    for (const Option& option : options) {
-        std::wstring name = option.spellings[0];
-        if (option.value)
-            name += std::wstring(L" ") + option.value;
-        for (size_t i = 1; i < option.spellings.size() && option.spellings[i]; ++i)
-            name += std::wstring(L", ") + option.spellings[i];
-        text += entry(name, option.meaning);
+    for (const Option& option : options)
+        if (option.verbs == anything)
+            text += entry(option);
+    const Command* before = nullptr;
+    for (const Command& command : commands) {
+        if (before == nullptr || before->verb != command.verb)
+            text += optionsOf(command.verb);
+        before = &command;
     }
-    return text + L"\ntemz help codes shows the exit codes.\n";
+    return text +
+           L"\ntemz help codes shows the exit codes, temz help findings what a check can find.\n";
 }

@@ -2,21 +2,34 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "RunWatch.h"
 
 /// What the program is asked to do.
-enum class Verb { run, explain, draftProduct, draftPart, verify, schema, help, helpCodes, version };
+enum class Verb {
+    run,
+    check,
+    explain,
+    draftProduct,
+    draftPart,
+    verify,
+    schema,
+    help,
+    helpCodes,
+    helpFindings,
+    version
+};
 
 struct CommandLine {
     Verb verb = Verb::help;
     temz_mode mode = TEMZ_INSTALL;
-    std::wstring script;       ///< of a run, or to be verified
+    std::wstring script;       ///< that is run, checked or verified
     std::wstring upgradeFrom;  ///< the script of the version before; empty for none
     bool onThisMachine = false;
     std::wstring subject;  ///< of Verb::explain
     std::wstring name;     ///< of a product to be drafted
-    std::wstring payload;  ///< the folder of its files
+    std::wstring payload;  ///< the folder of its files, also for a check; empty for none
     std::wstring out;      ///< where a text goes; empty for the standard output
 
     std::optional<ErrorPolicy> onError;  ///< nothing: ask the user, or abort where nobody answers
@@ -28,12 +41,24 @@ struct CommandLine {
     bool acceptIgnored = false;
     bool dropPending = false;
     unsigned waitSeconds = 0;  ///< for the end of another run
+    bool noCheck = false;
+
+    // Of Verb::check.
+    std::wstring previous;              ///< empty for none
+    std::wstring sarif;                 ///< empty for none
+    std::vector<std::wstring> ignored;  ///< codes of findings
+    bool warningsAsErrors = false;
+
+    bool mayAsk() const { return !quiet && !passive && !json; }
 };
 
 /// Reads the arguments behind the program's name. Nothing when they are no command; `problem` then
 /// tells why.
 std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* arguments,
                                            std::wstring& problem);
+
+/// Whether arguments that are no command ask at least for JSON.
+bool wantsJson(int count, const wchar_t* const* arguments);
 
 /// How the program is called: all commands and options with what they mean.
 std::wstring usage();

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 #include "ConsoleWindow.h"
 #include "Utf8.h"
 
@@ -16,8 +18,19 @@ bool isConsole(HANDLE handle) {
     return GetConsoleMode(handle, &mode) != 0;
 }
 
+/// A program that reads lines from a file or a pipe expects the line ends of Windows there.
+std::wstring withWindowsLineEnds(const std::wstring& text) {
+    std::wstring lines;
+    for (const wchar_t character : text)
+        lines += character == L'\n' ? std::wstring(L"\r\n") : std::wstring(1, character);
+    return lines;
+}
+
 /// The bytes that a user types for the end of the input.
 constexpr wchar_t endOfInput = 0x1A;
+
+/// Of the console's input; 0 when there is nothing to restore.
+std::atomic<DWORD> modeBefore = 0;
 
 }  // namespace
 
@@ -37,7 +50,7 @@ void write(Stream stream, const std::wstring& text) {
         WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
         return;
     }
-    const std::string utf8 = toUtf8Lines(text);
+    const std::string utf8 = toUtf8(withWindowsLineEnds(text));
     WriteFile(handle, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr);
 }
 
@@ -61,28 +74,23 @@ void dropTypedAhead() {
     FlushConsoleInputBuffer(GetStdHandle(STD_INPUT_HANDLE));
 }
 
-void waitForKeyIfAlone() {
-    DWORD processes[2];
-    if (GetConsoleProcessList(processes, 2) != 1 || !canAsk())
-        return;
-    write(Stream::error, L"Press Enter to close this window.\n");
-    dropTypedAhead();
-    std::wstring line;
-    readLine(line);
-}
-
 QuickEditOff::QuickEditOff() {
     constexpr DWORD quickEdit = 0x40;  // ENABLE_QUICK_EDIT_MODE
     constexpr DWORD extended =
         0x80;  // ENABLE_EXTENDED_FLAGS, without which the other isn't looked at
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-    if (GetConsoleMode(input, &before))
-        changed = SetConsoleMode(input, (before & ~quickEdit) | extended);
+    DWORD mode = 0;
+    if (GetConsoleMode(input, &mode) && SetConsoleMode(input, (mode & ~quickEdit) | extended))
+        modeBefore = mode | extended;
 }
 
 QuickEditOff::~QuickEditOff() {
-    if (changed)
-        SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), before);
+    restoreConsole();
+}
+
+void restoreConsole() {
+    if (const DWORD mode = modeBefore.exchange(0))
+        SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode);
 }
 
 size_t terminalWidth() {

@@ -23,19 +23,15 @@ size_t terminalWidth();
 /// Forgets what has been typed so far, lest it answer a question that comes later.
 void dropTypedAhead();
 
-/// A window that was made for this program alone, by a double click, would be gone with the last
-/// line before anybody has read it.
-void waitForKeyIfAlone();
-
 /// For its life, a click into the console's window marks no text, which would halt whoever writes.
+/// There is one object of this class at a time.
 class QuickEditOff {
 public:
     QuickEditOff();
     QuickEditOff(const QuickEditOff&) = delete;
     QuickEditOff& operator=(const QuickEditOff&) = delete;
     ~QuickEditOff();
-
-private:
-    unsigned long before = 0;
-    bool changed = false;
 };
+
+/// What the end of a QuickEditOff does; for a process that ends without one. On any thread.
+void restoreConsole();

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Columns.h"
 #include "Console.h"
 #include "Diagnosis.h"
 #include "RunText.h"
@@ -10,24 +11,10 @@ namespace {
 
 constexpr size_t barWidth = 30;
 
-/// How many columns a unit of UTF-16 takes on a terminal, roughly: two for most Asian characters,
-/// and for a surrogate pair as a whole.
-size_t columnsOf(wchar_t unit) {
-    constexpr wchar_t firstAsian = 0x2E80;
-    const bool endsPair = unit >= 0xDC00 && unit <= 0xDFFF;
-    return endsPair ? 0 : unit < firstAsian ? 1 : 2;
-}
-
 /// What of a text fits into so many columns of one line, filled up with blanks.
 std::wstring fitted(const std::wstring& text, size_t columns) {
-    std::wstring line;
-    for (const wchar_t unit : text) {
-        if (columnsOf(unit) > columns)
-            break;
-        columns -= columnsOf(unit);
-        line += unit < L' ' ? L' ' : unit;
-    }
-    return line + std::wstring(columns, L' ');
+    std::wstring line = cutToColumns(text, columns);
+    return line.append(columns - columnsOf(line), L' ');
 }
 
 }  // namespace
@@ -54,6 +41,8 @@ void ConsoleReporter::failed(const Action&, const Failure& failure, unsigned) {
 }
 
 void ConsoleReporter::warned(const std::wstring& text) {
+    if (detail == Detail::failuresOnly)
+        return;
     leaveBar();
     write(Stream::error, L"temz: " + text + L"\n");
 }
@@ -65,6 +54,8 @@ void ConsoleReporter::finished(const RunSummary& summary) {
     if (success && terminal && detail == Detail::all)
         drawBar(100, L"Done");
     leaveBar();
+    if (!summary.reason.empty())
+        write(Stream::error, L"temz: " + summary.reason + L"\n");
     write(success ? Stream::output : Stream::error, summaryText(summary, log) + L"\n");
 }
 

@@ -3,6 +3,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "Console.h"
+
 namespace {
 
 /// Whether the windows of this process can come to a screen: not in session 0, where services are.
@@ -29,4 +31,14 @@ bool isConsoleSeen() {
     if (std::wstring_view(name, static_cast<size_t>(length)) != L"ConsoleWindowClass")
         return true;
     return windowCalls.IsWindowVisible(window) && reachesScreen();
+}
+
+void waitForKeyIfAlone() {
+    DWORD processes[2];
+    if (windowCalls.GetConsoleProcessList(processes, 2) != 1 || !canAsk())
+        return;
+    write(Stream::error, L"Press Enter to close this window.\n");
+    dropTypedAhead();
+    std::wstring line;
+    readLine(line);
 }

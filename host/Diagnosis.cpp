@@ -287,6 +287,30 @@ bool isAboutLibrary(const std::wstring& message) {
            message.starts_with(L"Failed to get Address(");
 }
 
+/// How what has announced an action tells, by a message alone, that it failed: in the message, or
+/// in a line of the engine's log.
+struct MessageSign {
+    uint32_t code;
+    const wchar_t* part;
+};
+constexpr MessageSign messageSigns[] = {
+    {TEMZ_ACTION_CONDITION, L"Condition expression evaluate error:"},
+    {TEMZ_ACTION_CUSTOM_ACTION, L"Failed to load library("},
+    {TEMZ_ACTION_CUSTOM_ACTION, L"Failed to get Address("},
+    {TEMZ_ACTION_CUSTOM_ACTION, L"Can't get application directory."},
+    {TEMZ_ACTION_REGISTRY_VALUE, L" isn't DWORD text in the "},
+};
+
+bool stands(const MessageSign& sign, const Action& action, const std::wstring& message) {
+    const auto holdsSign = [&sign](const std::wstring& text) {
+        return text.find(sign.part) != std::wstring::npos;
+    };
+    return holdsSign(message) ||
+           std::any_of(action.calls.begin(), action.calls.end(), [&](const Call& call) {
+               return call.group == L"log" && holdsSign(call.arguments[0]);
+           });
+}
+
 std::wstring withoutLineEnd(std::wstring text) {
     text.erase(text.find_last_not_of(L"\r\n ") + 1);
     return text;
@@ -334,8 +358,23 @@ Places placesOf(const Action& action) {
     return places;
 }
 
+bool isFailureOf(const Action& action, const temz_error& error) {
+    if (error.code != TEMZ_ERROR_MESSAGE)
+        return true;
+    return std::any_of(std::begin(messageSigns), std::end(messageSigns),
+                       [&](const MessageSign& sign) {
+                           return sign.code == action.code && stands(sign, action, error.message);
+                       });
+}
+
 Failure diagnose(const Action& action, const temz_error& error, const Witnesses& witnesses) {
     Failure failure;
+    if (action.code == TEMZ_ACTION_CONDITION && isFailureOf(action, error)) {
+        failure.code = action.code;
+        failure.what = describeAction(action.code, action.text1, action.text2);
+        failure.why = withoutLineEnd(error.message);
+        return failure;
+    }
     failure.code = error.code;
     const std::wstring message = withoutLineEnd(error.message);
     const bool isMessage = error.code == TEMZ_ERROR_MESSAGE;

@@ -20,6 +20,10 @@ extern const Witnesses realWitnesses;
 /// action, and where neither says enough, from the machine.
 Failure diagnose(const Action& action, const temz_error& error, const Witnesses& witnesses);
 
+/// Whether a failure is that of the action announced last. An element may also fail before it
+/// announces anything, or not even be made; the action before it is done then.
+bool isFailureOf(const Action& action, const temz_error& error);
+
 /// An action with its texts: "Copying app.exe".
 std::wstring describeAction(uint32_t code, const std::wstring& text1, const std::wstring& text2);
 

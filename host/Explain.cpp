@@ -4,6 +4,7 @@
 
 #include "Diagnosis.h"
 #include "ExitCodes.h"
+#include "Findings.h"
 
 namespace {
 
@@ -67,6 +68,14 @@ constexpr MessageRow messages[] = {
      L"Put the script into a folder with a plain name."},
     {L"may be misread", L"The script isn't in the code page in which it is read.",
      L"Keep to ASCII, or save it as UTF-8 and run it on Windows 10 1903 or later."},
+    {L"is marked as downloaded",
+     L"The program and the files beside it were unpacked from an archive with the mark of a "
+     L"download, and an installed file that bears it is asked about when it is started.",
+     L"Unblock the archive in its properties, and unpack it anew."},
+    {L"The engine's log is written to",
+     L"Whoever has made the folder decides where the log goes, also that of an administrator's "
+     L"run.",
+     L"Take it away, and make it from an administrator's prompt, for administrators alone."},
     {L"Another run goes on", L"One run at a time is allowed on a machine.",
      L"Wait for it, or give --wait=SECONDS."},
     {L"back, which waits for it",
@@ -128,13 +137,48 @@ std::wstring withNextStep(const std::wstring& cause, const std::wstring& nextSte
     return nextStep.empty() ? cause + L"\n" : cause + L"\n" + nextStep + L"\n";
 }
 
-/// A code is the program's own, or else the system's.
+/// With what the system's own codes don't tell: how a process is ended.
+struct StatusRow {
+    unsigned long status;
+    const wchar_t* meaning;
+    const wchar_t* nextStep;
+};
+constexpr StatusRow statusRows[] = {
+    {0xC0000417,
+     L"A text or a path of the script is longer than the engine takes, which has ended the "
+     L"process. "
+     L"What was done before stays.",
+     L"The script reference tells the lengths. Of a tree to be removed, the paths in it count."},
+    {0xC000013A, L"Ctrl+C has ended the process before the run began. Nothing was done.",
+     L"Run the command again."},
+    {0xC0000005, L"The process has crashed. What was done before stays.",
+     L"Look at the last line of the log: mostly it is the library of a custom action."},
+};
+
+std::wstring explainSystemCode(unsigned long code) {
+    const std::wstring text = systemText(code);
+    return text.empty() ? L"" : withNextStep(L"Windows: " + text, adviceOn(code));
+}
+
+/// A code is the program's own, or the status of a process, or else the system's.
 std::wstring explainCode(unsigned long code) {
     for (const ExitCode& row : exitCodes())
         if (static_cast<unsigned long>(row.code) == code)
+            return withNextStep(row.meaning, row.nextStep) +
+                   (row.ownMeaning ? explainSystemCode(code) : L"");
+    for (const StatusRow& row : statusRows)
+        if (row.status == code)
             return withNextStep(row.meaning, row.nextStep);
-    const std::wstring text = systemText(code);
-    return text.empty() ? L"" : withNextStep(L"Windows: " + text, adviceOn(code));
+    return explainSystemCode(code);
+}
+
+std::wstring explainFinding(const std::wstring& code) {
+    std::wstring text;
+    forEachFindingKind([&](const temz_finding_kind& kind) {
+        if (code == kind.code)
+            text = withNextStep(kind.meaning, kind.remedy);
+    });
+    return text;
 }
 
 }  // namespace
@@ -148,6 +192,8 @@ std::wstring explain(const std::wstring& subject) {
     const unsigned long code = std::wcstoul(subject.c_str(), &end, 0);
     if (!subject.empty() && *end == L'\0')
         return explainCode(code);
+    if (std::wstring text = explainFinding(subject); !text.empty())
+        return text;
     const MessageRow* row = findMessage(subject);
     return row ? withNextStep(row->cause, row->nextStep) : L"";
 }

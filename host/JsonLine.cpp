@@ -2,7 +2,19 @@
 
 #include "Console.h"
 
-std::wstring quotedForJson(const std::wstring& text) {
+namespace {
+
+template <class Item, class Text>
+std::wstring listOf(const std::vector<Item>& items, const Text& textOf) {
+    std::wstring list;
+    for (const Item& item : items)
+        list += (list.empty() ? L"" : L",") + textOf(item);
+    return L"[" + list + L"]";
+}
+
+}  // namespace
+
+std::wstring jsonText(const std::wstring& text) {
     constexpr wchar_t digits[] = L"0123456789abcdef";
     std::wstring json = L"\"";
     for (const wchar_t unit : text) {
@@ -20,6 +32,19 @@ std::wstring quotedForJson(const std::wstring& text) {
     return json + L"\"";
 }
 
+JsonObject& JsonObject::add(const wchar_t* name, const std::vector<std::wstring>& texts) {
+    return put(name, listOf(texts, jsonText));
+}
+
+JsonObject& JsonObject::add(const wchar_t* name, const std::vector<JsonObject>& objects) {
+    return put(name, listOf(objects, [](const JsonObject& object) { return object.text(); }));
+}
+
+JsonObject& JsonObject::put(const wchar_t* name, const std::wstring& json) {
+    members += (members.empty() ? L"" : L",") + jsonText(name) + L":" + json;
+    return *this;
+}
+
 JsonLine::~JsonLine() {
-    write(Stream::output, L"{" + members + L"}\n");
+    write(Stream::output, text() + L"\n");
 }

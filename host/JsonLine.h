@@ -4,35 +4,41 @@
 #include <string>
 #include <vector>
 
-std::wstring quotedForJson(const std::wstring& text);
+/// A text as JSON writes it, with its quotation marks.
+std::wstring jsonText(const std::wstring& text);
 
-/// One object on one line, written when its life ends.
-class JsonLine {
+/// An object of JSON that grows member by member.
+class JsonObject {
 public:
-    explicit JsonLine(const wchar_t* event) { add(L"event", std::wstring(event)); }
+    JsonObject& add(const wchar_t* name, const std::wstring& text) {
+        return put(name, jsonText(text));
+    }
+    JsonObject& add(const wchar_t* name, const wchar_t* text) { return put(name, jsonText(text)); }
+    JsonObject& add(const wchar_t* name, std::integral auto number) {
+        return put(name, std::to_wstring(number));
+    }
+    JsonObject& add(const wchar_t* name, bool value) {
+        return put(name, value ? L"true" : L"false");
+    }
+    JsonObject& add(const wchar_t* name, const JsonObject& object) {
+        return put(name, object.text());
+    }
+    JsonObject& add(const wchar_t* name, const std::vector<std::wstring>& texts);
+    JsonObject& add(const wchar_t* name, const std::vector<JsonObject>& objects);
+
+    std::wstring text() const { return L"{" + members + L"}"; }
+
+private:
+    JsonObject& put(const wchar_t* name, const std::wstring& json);
+
+    std::wstring members;
+};
+
+/// One object on a line of the standard output, written when its life ends.
+class JsonLine : public JsonObject {
+public:
+    explicit JsonLine(const wchar_t* event) { add(L"event", event); }
     JsonLine(const JsonLine&) = delete;
     JsonLine& operator=(const JsonLine&) = delete;
     ~JsonLine();
-
-    JsonLine& add(const wchar_t* name, const std::wstring& text) {
-        return put(name, quotedForJson(text));
-    }
-    JsonLine& add(const wchar_t* name, std::integral auto number) {
-        return put(name, std::to_wstring(number));
-    }
-    JsonLine& add(const wchar_t* name, bool value) { return put(name, value ? L"true" : L"false"); }
-    JsonLine& add(const wchar_t* name, const std::vector<std::wstring>& texts) {
-        std::wstring list;
-        for (const std::wstring& text : texts)
-            list += (list.empty() ? L"" : L",") + quotedForJson(text);
-        return put(name, L"[" + list + L"]");
-    }
-
-private:
-    JsonLine& put(const wchar_t* name, const std::wstring& json) {
-        members += (members.empty() ? L"" : L",") + quotedForJson(name) + L":" + json;
-        return *this;
-    }
-
-    std::wstring members;
 };

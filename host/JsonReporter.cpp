@@ -12,7 +12,7 @@ constexpr const wchar_t* fateWords[] = {L"done", L"ignored", L"not-vital", L"fai
 
 void JsonReporter::started(const RunHeader& header) {
     JsonLine(L"start")
-        .add(L"schema", std::wstring(schemaVersion))
+        .add(L"schema", schemaVersion)
         .add(L"version", header.version)
         .add(L"commandLine", header.commandLine)
         .add(L"windows", header.windows)
@@ -63,7 +63,7 @@ void JsonReporter::ended(const Action& action, Fate fate) {
     const Places places = placesOf(action);
     JsonLine(L"action-end")
         .add(L"number", action.number)
-        .add(L"fate", std::wstring(fateWords[static_cast<size_t>(fate)]))
+        .add(L"fate", fateWords[static_cast<size_t>(fate)])
         .add(L"source", places.source)
         .add(L"target", places.target);
 }
@@ -83,5 +83,6 @@ void JsonReporter::finished(const RunSummary& summary) {
         .add(L"leftOut", summary.leftOut)
         .add(L"restartNeeded", summary.restartNeeded)
         .add(L"waiting", summary.waiting)
-        .add(L"stoppedAt", summary.stoppedAt);
+        .add(L"stoppedAt", summary.stoppedAt)
+        .add(L"reason", summary.reason);
 }

@@ -23,9 +23,11 @@ std::wstring callLine(const Call& call) {
 
 std::unique_ptr<LogReporter> LogReporter::open(const std::wstring& path, Detail detail,
                                                std::wstring& problem) {
-    // With this right alone every write goes to the end.
-    FilePtr file(CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                             nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    // With this right alone every write goes to the end, also beside those of a run that goes on:
+    // that is why the other can't begin, and not the log.
+    FilePtr file(CreateFileW(path.c_str(), FILE_APPEND_DATA,
+                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                             OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) {
         const DWORD error = GetLastError();
         problem = path + L" can't be opened: " + systemText(error) + L" [error " +
@@ -82,6 +84,8 @@ void LogReporter::warned(const std::wstring& text) {
 }
 
 void LogReporter::finished(const RunSummary& summary) {
+    if (!summary.reason.empty())
+        line(summary.reason);
     line(summaryText(summary, {}));
     line(L"Exit code " + std::to_wstring(exitCodeOf(summary.ending)));
 }

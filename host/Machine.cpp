@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <aclapi.h>
+#include <sddl.h>
 #include <wincrypt.h>
 
 #include <array>
@@ -17,6 +19,29 @@ HandlePtr openOwnToken() {
     HANDLE token = nullptr;
     OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token);
     return HandlePtr(token);
+}
+
+/// The user of the process as a TOKEN_USER; empty when the system doesn't say.
+std::vector<BYTE> ownUser() {
+    const HandlePtr token = openOwnToken();
+    DWORD size = 0;
+    GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
+    std::vector<BYTE> user(size);
+    if (!GetTokenInformation(token.get(), TokenUser, user.data(), size, &size))
+        user.clear();
+    return user;
+}
+
+PSID idOf(const std::vector<BYTE>& user) {
+    return reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid;
+}
+
+std::wstring textOfId(PSID id) {
+    wchar_t* raw = nullptr;
+    if (!ConvertSidToStringSidW(id, &raw))
+        return {};
+    const LocalPtr<wchar_t> text(raw);
+    return text.get();
 }
 
 /// A hash of the system's cryptography.
@@ -74,21 +99,33 @@ std::wstring windowsVersion() {
 }
 
 std::wstring userName() {
-    const HandlePtr token = openOwnToken();
-    DWORD size = 0;
-    GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
-    std::vector<BYTE> user(size);
-    if (size == 0 || !GetTokenInformation(token.get(), TokenUser, user.data(), size, &size))
+    const std::vector<BYTE> user = ownUser();
+    if (user.empty())
         return {};
     std::array<wchar_t, 257> name{};
     std::array<wchar_t, 257> domain{};
     DWORD nameLength = name.size();
     DWORD domainLength = domain.size();
     SID_NAME_USE use;
-    if (!LookupAccountSidW(nullptr, reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid,
-                           name.data(), &nameLength, domain.data(), &domainLength, &use))
+    if (!LookupAccountSidW(nullptr, idOf(user), name.data(), &nameLength, domain.data(),
+                           &domainLength, &use))
         return {};
     return std::wstring(domain.data()) + L"\\" + name.data();
+}
+
+std::wstring userId() {
+    const std::vector<BYTE> user = ownUser();
+    return user.empty() ? L"" : textOfId(idOf(user));
+}
+
+std::wstring ownerOf(const std::wstring& path) {
+    PSID owner = nullptr;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    if (GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner,
+                              nullptr, nullptr, nullptr, &raw) != ERROR_SUCCESS)
+        return {};
+    const LocalPtr<void> descriptor(raw);
+    return textOfId(owner);
 }
 
 bool isElevated() {

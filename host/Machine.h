@@ -10,6 +10,12 @@ std::wstring windowsVersion();
 /// Who runs the program: "DOMAIN\name". Empty when the system doesn't say.
 std::wstring userName();
 
+/// The same as an identifier of the system's: "S-1-5-21-…".
+std::wstring userId();
+
+/// Whom a file or folder belongs to, likewise.
+std::wstring ownerOf(const std::wstring& path);
+
 /// Whether the process has an administrator's rights.
 bool isElevated();
 

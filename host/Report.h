@@ -44,7 +44,7 @@ struct Action {
 
 /// What has failed, why, and what to do about it, in sentences for a person.
 struct Failure {
-    uint32_t code = 0;         ///< as temz_error has it
+    uint32_t code = 0;         ///< TEMZ_ACTION_... or TEMZ_ERROR_...
     uint32_t systemError = 0;  ///< of the call that failed, or the record's; 0 when there is none
     std::wstring what;         ///< "Copying sync.dll"
     std::wstring why;          ///< "the file is in use by sync.exe (4312)"; may be empty
@@ -62,7 +62,7 @@ struct RunHeader {
     std::wstring windows;  ///< "10.0.19045"
     std::wstring user;     ///< with its domain
     bool elevated = false;
-    std::wstring mode;        ///< "install"
+    std::wstring mode;        ///< "install"; this and what follows are empty without a command
     std::wstring script;      ///< whole path
     std::wstring scriptHash;  ///< SHA-256, in lower-case hexadecimal digits
 };
@@ -79,6 +79,7 @@ struct RunSummary {
     bool restartNeeded = false;
     std::vector<std::wstring> waiting;  ///< files that wait for the restart
     std::wstring stoppedAt;             ///< the action before which the user stopped, or empty
+    std::wstring reason;                ///< why the run could not begin; empty when it did
 };
 
 /// Somebody who reports a run. Called on the thread of the run, in this order: `started` once; then

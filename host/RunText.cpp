@@ -11,7 +11,7 @@ std::wstring counted(unsigned number, const wchar_t* one, const wchar_t* many) {
 /// The endings of a run that hasn't begun.
 bool nothingWasTried(Ending ending) {
     return ending == Ending::otherRunGoesOn || ending == Ending::scriptNotOpened ||
-           ending == Ending::scriptNotLoaded;
+           ending == Ending::scriptNotLoaded || ending == Ending::logNotOpened;
 }
 
 std::wstring headline(const RunSummary& summary) {

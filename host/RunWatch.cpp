@@ -58,13 +58,9 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
 
     // What keeps an action from being made at all, and a condition that fails, end a run unasked.
     if (status == TEMZ_RUN_FAILED && fate != Fate::failed) {
-        if (outcome.error.code != action.code) {
-            endAction();
-            action = {};
-        }
         settle(tellFailure(outcome.error), Fate::failed);
     } else if (status != TEMZ_OK && status != TEMZ_RUN_FAILED && status != TEMZ_STOPPED) {
-        tell([status](Reporter& reporter) { reporter.warned(temz_status_text(status)); });
+        counted.reason = temz_status_text(status);
     }
     endAction();
     counted.restartNeeded = outcome.restart != 0;
@@ -74,18 +70,15 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
 temz_answer RunWatch::update(const temz_outcome& now) {
     const bool again = std::exchange(retrying, false) && now.action.code == action.code &&
                        now.action.text1 == action.text1 && now.action.text2 == action.text2;
+    std::vector<Call> calls = takeCallsAhead(now.action.code);
     if (again) {
-        action.calls.clear();
+        action.calls = std::move(calls);
         return TEMZ_CONTINUE;
     }
     endAction();
-    Action next;
-    next.number = ++counted.actions;
-    next.percent = std::max(action.percent, std::min<unsigned>(now.progress, 100));
-    next.code = now.action.code;
-    next.text1 = now.action.text1;
-    next.text2 = now.action.text2;
-    action = std::move(next);
+    percent = std::max(percent, std::min<unsigned>(now.progress, 100));
+    action = {++counted.actions, percent,          now.action.code,
+              now.action.text1,  now.action.text2, std::move(calls)};
     if (duties.stopWanted()) {
         fate = Fate::stopped;
         userEnded = true;
@@ -94,6 +87,18 @@ temz_answer RunWatch::update(const temz_outcome& now) {
     }
     tell([this](Reporter& reporter) { reporter.began(action); });
     return TEMZ_CONTINUE;
+}
+
+// The directories for a copy are made before it is announced.
+std::vector<Call> RunWatch::takeCallsAhead(uint32_t code) {
+    if (code != TEMZ_ACTION_COPY_FILE)
+        return {};
+    const auto last =
+        std::find_if(action.calls.rbegin(), action.calls.rend(),
+                     [](const Call& call) { return call.name != L"CreateDirectoryW"; });
+    std::vector<Call> ahead(last.base(), action.calls.end());
+    action.calls.erase(last.base(), action.calls.end());
+    return ahead;
 }
 
 temz_answer RunWatch::decide(const temz_error& error) {
@@ -148,6 +153,10 @@ void RunWatch::hear(const temz_call& heard) {
 }
 
 Failure RunWatch::tellFailure(const temz_error& error) {
+    if (action.number > 0 && !isFailureOf(action, error)) {
+        endAction();
+        action = {};
+    }
     Failure failure = duties.diagnose(action, error);
     attempt = failure.what == lastFailed ? attempt + 1 : 1;
     lastFailed = failure.what;

@@ -57,10 +57,12 @@ private:
     temz_answer answerByPolicy();
     temz_answer answerByUser();
     std::chrono::milliseconds pauseBeforeRetry() const;
+    /// Also ends the action before, where the failure isn't its own.
     Failure tellFailure(const temz_error& error);
     /// Takes a failure for final.
     void settle(Failure failure, Fate itsFate);
     void endAction();
+    std::vector<Call> takeCallsAhead(uint32_t code);
 
     template <class Tell>
     void tell(const Tell& tellOne) {
@@ -75,6 +77,7 @@ private:
     temz_context* context = nullptr;
     Action action;           // the one that is under way
     Fate fate = Fate::done;  // as far as it is known
+    unsigned percent = 0;
     std::wstring lastFailed;
     unsigned attempt = 0;   // of what failed last
     bool retrying = false;  // the next announcement may be the same action's

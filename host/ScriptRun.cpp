@@ -8,12 +8,14 @@
 #include "Console.h"
 #include "ConsoleReporter.h"
 #include "Diagnosis.h"
+#include "Findings.h"
 #include "JsonReporter.h"
 #include "LogReporter.h"
 #include "Machine.h"
 #include "PendingFiles.h"
 #include "RunEnd.h"
 #include "RunGuard.h"
+#include "RunWarnings.h"
 #include "RunWatch.h"
 #include "ScriptFile.h"
 #include "StopRequest.h"
@@ -41,6 +43,16 @@ std::wstring lastFailure(temz_context* context) {
     temz_last_failure(context, text.data(), text.size(), &length);
     text.resize(length - 1);
     return text;
+}
+
+RunHeader headerWithoutCommand() {
+    RunHeader header;
+    header.version = programVersion();
+    header.commandLine = GetCommandLineW();
+    header.windows = windowsVersion();
+    header.user = userName();
+    header.elevated = isElevated();
+    return header;
 }
 
 std::optional<temz_answer> askUser() {
@@ -111,27 +123,30 @@ public:
     explicit ScriptRun(const CommandLine& command) : command(command) {}
 
     Ending carryOut() {
-        std::wstring problem;
-        if (!openReporters(problem)) {
-            write(Stream::error, L"temz: " + problem + L"\n");
-            return Ending::logNotOpened;
-        }
+        const std::wstring logProblem = openReporters();
         tell([this](Reporter& reporter) { reporter.started(header()); });
-        summary.ending = runLoaded();
+        for (const std::wstring& text : runWarnings(realRunWitnesses))
+            warn(text);
+        summary.ending =
+            logProblem.empty() ? runLoaded() : refuse(Ending::logNotOpened, logProblem);
         tell([this](Reporter& reporter) { reporter.finished(summary); });
         return summary.ending;
     }
 
 private:
-    bool openReporters(std::wstring& problem) {
+    /// Gives why the log can't be opened; empty when it can, or there is to be none.
+    std::wstring openReporters() {
+        std::wstring problem;
+        std::wstring log;
         if (!command.log.empty()) {
-            auto log = LogReporter::open(
+            auto reporter = LogReporter::open(
                 command.log,
                 command.verbose ? LogReporter::Detail::calls : LogReporter::Detail::actions,
                 problem);
-            if (!log)
-                return false;
-            reporters.push_back(std::move(log));
+            if (reporter) {
+                reporters.push_back(std::move(reporter));
+                log = wholePath(command.log);
+            }
         }
         if (command.json)
             reporters.push_back(std::make_unique<JsonReporter>(
@@ -140,17 +155,12 @@ private:
             reporters.push_back(std::make_unique<ConsoleReporter>(
                 command.quiet ? ConsoleReporter::Detail::failuresOnly
                               : ConsoleReporter::Detail::all,
-                command.log.empty() ? L"" : wholePath(command.log)));
-        return true;
+                log));
+        return problem;
     }
 
     RunHeader header() const {
-        RunHeader header;
-        header.version = programVersion();
-        header.commandLine = GetCommandLineW();
-        header.windows = windowsVersion();
-        header.user = userName();
-        header.elevated = isElevated();
+        RunHeader header = headerWithoutCommand();
         header.mode = modeWords[command.mode];
         header.script = wholePath(command.script);
         header.scriptHash = sha256OfFile(header.script);
@@ -165,6 +175,11 @@ private:
         const std::wstring reading = findReadingProblem(command.script);
         if (!reading.empty())
             warn(command.script + L" may be misread: " + reading);
+        if (!command.noCheck && hasFatalFaults())
+            return refuse(Ending::scriptNotLoaded,
+                          command.script +
+                              L" isn't started: a run would surely end half-way. temz "
+                              L"check tells more, --no-check starts it all the same.");
         const std::wstring path = findLoadablePath(wholePath(command.script));
         if (path.empty())
             return refuse(
@@ -181,6 +196,16 @@ private:
         return run(context.get());
     }
 
+    /// Tells of what ends a run in any mode: what can be installed must be removable, too.
+    bool hasFatalFaults() {
+        std::vector<ScriptFinding> findings;
+        findFaults(command.script, L"", L"", findings);
+        std::erase_if(findings, [](const ScriptFinding& finding) { return !finding.endsRun; });
+        for (const ScriptFinding& finding : findings)
+            warn(findingLine(finding));
+        return !findings.empty();
+    }
+
     static std::wstring reasonOf(temz_status status, temz_context* context) {
         if (status != TEMZ_LOAD_FAILED)
             return temz_status_text(status);
@@ -189,7 +214,7 @@ private:
     }
 
     Ending refuse(Ending ending, const std::wstring& reason) {
-        warn(reason);
+        summary.reason = reason;
         return ending;
     }
 
@@ -205,7 +230,7 @@ private:
         std::vector<Reporter*> watchers{&current, &pending};
         for (const auto& reporter : reporters)
             watchers.push_back(reporter.get());
-        const bool asks = !command.quiet && !command.passive && !command.json;
+        const bool asks = command.mayAsk();
         RunWatch watch(watchers, command.onError,
                        {[&stop] { return stop.wanted(); },
                         [](const Action& action, const temz_error& error) {
@@ -237,4 +262,13 @@ private:
 
 Ending runScript(const CommandLine& command) {
     return ScriptRun(command).carryOut();
+}
+
+void tellNoCommand(const std::wstring& problem) {
+    JsonReporter reporter(JsonReporter::Detail::actions);
+    RunSummary summary;
+    summary.ending = Ending::badCommandLine;
+    summary.reason = problem;
+    reporter.started(headerWithoutCommand());
+    reporter.finished(summary);
 }

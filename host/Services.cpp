@@ -1,7 +1,5 @@
 #include "Services.h"
 
-#include <windows.h>
-
 #include <memory>
 #include <vector>
 
@@ -23,11 +21,11 @@ std::wstring runningDependantsOf(const std::wstring& service) {
         return {};
     DWORD size = 0;
     DWORD count = 0;
-    EnumDependentServicesW(opened.get(), SERVICE_ACTIVE, nullptr, 0, &size, &count);
+    dependantCalls.EnumDependentServicesW(opened.get(), SERVICE_ACTIVE, nullptr, 0, &size, &count);
     std::vector<BYTE> buffer(size);
     auto* services = reinterpret_cast<ENUM_SERVICE_STATUSW*>(buffer.data());
-    if (size == 0 ||
-        !EnumDependentServicesW(opened.get(), SERVICE_ACTIVE, services, size, &size, &count))
+    if (size == 0 || !dependantCalls.EnumDependentServicesW(opened.get(), SERVICE_ACTIVE, services,
+                                                            size, &size, &count))
         return {};
     std::wstring names;
     for (DWORD i = 0; i < count; ++i)

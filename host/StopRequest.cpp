@@ -1,6 +1,7 @@
 #include "StopRequest.h"
 
 #include "Console.h"
+#include "ExitCodes.h"
 
 namespace {
 
@@ -10,11 +11,11 @@ StopRequest* current = nullptr;
 
 StopRequest::StopRequest() : requested(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
     current = this;
-    SetConsoleCtrlHandler(&handle, TRUE);
+    stopCalls.SetConsoleCtrlHandler(&handle, TRUE);
 }
 
 StopRequest::~StopRequest() {
-    SetConsoleCtrlHandler(&handle, FALSE);
+    stopCalls.SetConsoleCtrlHandler(&handle, FALSE);
     current = nullptr;
 }
 
@@ -36,20 +37,28 @@ BOOL StopRequest::handle(DWORD event) {
     return current ? current->take(event) : FALSE;
 }
 
+void StopRequest::tell(const std::wstring& before, const std::wstring& behind) {
+    AcquireSRWLockShared(&lock);
+    write(Stream::error, L"\ntemz: " + before + action + behind + L"\n");
+    ReleaseSRWLockShared(&lock);
+}
+
 // Runs on a thread of the system's, beside the run.
 BOOL StopRequest::take(DWORD event) {
+    const auto code = static_cast<UINT>(exitCodeOf(Ending::stoppedByUser));
     const bool isKey = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-    if (isKey && wanted())
-        return FALSE;  // the system ends the process
+    const bool again = isKey && wanted();
     SetEvent(requested.get());
-    if (isKey) {
-        AcquireSRWLockShared(&lock);
-        write(Stream::error, L"\ntemz: The run ends behind this action: " + action +
-                                 L". Press Ctrl+C once more to end it at once.\n");
-        ReleaseSRWLockShared(&lock);
+    if (again) {
+        tell(L"Ended in the middle of this action: ", L" (" + std::to_wstring(code) + L").");
+        restoreConsole();
+        // The run's own thread is in the middle of something, so nothing can be tidied up.
+        stopCalls.TerminateProcess(GetCurrentProcess(), code);
+    } else if (isKey) {
+        tell(L"The run ends behind this action: ", L". Press Ctrl+C once more to end it at once.");
     } else {
         // To return would end the process. The system gives it some seconds to end by itself.
-        Sleep(INFINITE);
+        stopCalls.Sleep(INFINITE);
     }
     return TRUE;
 }

@@ -1,10 +1,13 @@
 // Runs install scripts from the command line: a host of the C interface, as a model for others.
 
+#include "CheckCommand.h"
 #include "CommandLine.h"
 #include "Console.h"
+#include "ConsoleWindow.h"
 #include "DraftCommands.h"
 #include "ExitCodes.h"
 #include "Explain.h"
+#include "Findings.h"
 #include "SafeStart.h"
 #include "SchemaCommand.h"
 #include "ScriptRun.h"
@@ -13,15 +16,18 @@
 
 namespace {
 
-Ending refuse(const std::wstring& problem) {
+Ending refuse(const std::wstring& problem, bool json) {
+    if (json)
+        tellNoCommand(problem);
     write(Stream::error, L"temz: " + problem + L"\n\n" + usage());
     return Ending::badCommandLine;
 }
 
-Ending explainSubject(const std::wstring& subject) {
-    const std::wstring text = explain(subject);
+Ending explainSubject(const CommandLine& command) {
+    const std::wstring text = explain(command.subject);
     if (text.empty())
-        return refuse(subject + L" is nothing that there is an explanation for.");
+        return refuse(command.subject + L" is nothing that there is an explanation for.",
+                      command.json);
     write(Stream::output, text);
     return Ending::done;
 }
@@ -30,8 +36,10 @@ Ending carryOut(const CommandLine& command) {
     switch (command.verb) {
         case Verb::run:
             return runScript(command);
+        case Verb::check:
+            return checkScriptFile(command);
         case Verb::explain:
-            return explainSubject(command.subject);
+            return explainSubject(command);
         case Verb::draftProduct:
             return giveProduct(command);
         case Verb::draftPart:
@@ -42,6 +50,9 @@ Ending carryOut(const CommandLine& command) {
             return giveSchema(command);
         case Verb::helpCodes:
             write(Stream::output, exitCodeTable());
+            return Ending::done;
+        case Verb::helpFindings:
+            write(Stream::output, findingTable());
             return Ending::done;
         case Verb::version:
             write(Stream::output, L"temz " + programVersion() + L"\n");
@@ -59,7 +70,9 @@ int wmain(int count, wchar_t** arguments) {
     const SafeStart safeStart;
     std::wstring problem;
     const auto command = readCommandLine(count, arguments, problem);
-    const Ending ending = command ? carryOut(*command) : refuse(problem);
-    waitForKeyIfAlone();
+    const Ending ending =
+        command ? carryOut(*command) : refuse(problem, wantsJson(count, arguments));
+    if (command ? command->mayAsk() : count < 2)
+        waitForKeyIfAlone();
     return exitCodeOf(ending);
 }

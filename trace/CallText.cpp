@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <iterator>
 
 #include "elements/Vocabulary.h"
 #include "system/HexText.h"
@@ -67,6 +68,24 @@ std::wstring textOf(const QUERY_SERVICE_CONFIGW& config) {
 
 std::wstring textOf(const OSVERSIONINFOW& version) {
     return std::to_wstring(version.dwMajorVersion) + L"." + std::to_wstring(version.dwMinorVersion);
+}
+
+std::wstring textOf(const GUID& id) {
+    wchar_t text[39];
+    const auto& last = id.Data4;
+    std::swprintf(text, std::size(text),
+                  L"{%08lX-%04hX-%04hX-%02hX%02hX-%02hX%02hX%02hX%02hX%02hX%02hX}", id.Data1,
+                  id.Data2, id.Data3, last[0], last[1], last[2], last[3], last[4], last[5], last[6],
+                  last[7]);
+    return text;
+}
+
+std::wstring textOfChanged(UINT flags, const void* item) {
+    if ((flags & SHCNF_TYPE) == SHCNF_PATHW)
+        return textOf(static_cast<const wchar_t*>(item));
+    if ((flags & SHCNF_TYPE) == SHCNF_PATHA)
+        return textOf(static_cast<const char*>(item));
+    return HandleNames().find(item);
 }
 
 std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size) {

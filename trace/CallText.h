@@ -27,9 +27,13 @@ std::wstring textOf(const SHELLEXECUTEINFOW& start);
 std::wstring textOf(const SERVICE_STATUS& status);
 std::wstring textOf(const QUERY_SERVICE_CONFIGW& config);
 std::wstring textOf(const OSVERSIONINFOW& version);
+std::wstring textOf(const GUID& id);
 
 /// The data of a registry value: a number, a text, or bytes.
 std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size);
+
+/// What is told to the shell of a change, which is a path where the flags say so.
+std::wstring textOfChanged(UINT flags, const void* item);
 
 /// A text that a call has written into a buffer, of which at most `capacity` characters are read.
 std::wstring filledText(const wchar_t* buffer, size_t capacity);
@@ -44,7 +48,7 @@ std::wstring textOfArgument(const HandleNames& handles, bool filled, Argument ar
         return std::to_wstring(argument);
     } else if constexpr (std::is_same_v<Argument, wchar_t*>) {
         return filled ? filledText(argument, longestPath) : std::wstring();
-    } else if constexpr (std::is_same_v<Target, wchar_t> || std::is_same_v<Target, char>) {
+    } else if constexpr (requires { textOf(argument); }) {
         return textOf(argument);
     } else if constexpr (std::is_same_v<Target, DWORD> || std::is_same_v<Target, UINT>) {
         return filled && argument ? std::to_wstring(*argument) : std::wstring();

@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "trace/CallEffect.h"
 #include "trace/CallFailure.h"
 #include "trace/CallText.h"
 
@@ -18,6 +19,7 @@ struct TracedCall {
     std::wstring name;   ///< of the call; of a line its level
     std::vector<std::wstring> arguments;
     std::wstring result;
+    bool changes = false;  ///< it is one of ChangingCalls
     bool failed = false;
     uint32_t systemError = 0;  ///< of a call that failed
     std::chrono::nanoseconds duration{};
@@ -27,13 +29,25 @@ class CallListener {
 public:
     virtual void heard(const TracedCall& call) = 0;
 
+    /// Whether `permit` is to be asked.
+    virtual bool givesPermits() const { return false; }
+    /// One of ChangingCalls is about to be made; what it is to fill in, and its result, are empty.
+    /// What this throws keeps the call from being made, and leaves the engine through the run.
+    virtual void permit(const TracedCall& /*call*/) {}
+
 protected:
     ~CallListener() = default;
 };
 
-/// Tells a listener of every call of the engine as it returns. For a CallWrapper. Calls, their
-/// results and the thread's last error are the same as without it; a call that can't be told for
-/// lack of memory is left out, and so is what the listener itself has the engine call.
+/// The groups of calls that ask nothing of the machine: the clock, text conversion, and the walk.
+template <class Table>
+constexpr bool isInternal = std::is_same_v<Table, ClockCalls> || std::is_same_v<Table, TextCalls> ||
+                            std::is_same_v<Table, WalkCalls>;
+
+/// Tells a listener of every call of the engine as it returns, and asks it before a change if it
+/// wants that. For a CallWrapper. Calls, their results and the thread's last error are the same as
+/// without it; a call that can't be told for lack of memory is left out, one that can't be asked
+/// for isn't made, and what the listener itself has the engine call is left out, too.
 class Tracer {
 public:
     explicit Tracer(CallListener& listener) : listener(listener) {}
@@ -45,15 +59,15 @@ public:
         if constexpr (std::is_same_v<Table, LogCalls>) {
             tellLine(arguments...);
             return real(arguments...);
-        } else if constexpr (std::is_same_v<Table, ClockCalls> ||
-                             std::is_same_v<Table, TextCalls>) {
-            // Reading the clock and converting text ask nothing of the machine.
+        } else if constexpr (isInternal<Table>) {
             return real(arguments...);
         } else if constexpr (std::is_void_v<Result>) {
+            askPermit<table, member>(name, arguments...);
             const Moment start = now();
             real(arguments...);
             tell<table, member>(name, start, NoResult(), arguments...);
         } else {
+            askPermit<table, member>(name, arguments...);
             const Moment start = now();
             const Result result = real(arguments...);
             tell<table, member>(name, start, result, arguments...);
@@ -94,6 +108,28 @@ private:
         listener.heard(call);
     }
 
+    template <auto& table, auto member, class... Arguments>
+    void askPermit(const char* name, Arguments... arguments) {
+        if constexpr (ChangingCalls::has<member>) {
+            if (listening || !listener.givesPermits())
+                return;
+            const LastErrorScope scope;
+            TracedCall call = describe<table, member>(name);
+            call.arguments = argumentsOf<member>(false, arguments...);
+            const ListeningScope listeningScope(listening);
+            listener.permit(call);
+        }
+    }
+
+    template <auto& table, auto member>
+    static TracedCall describe(const char* name) {
+        TracedCall call;
+        call.group = textOf(table.group);
+        call.name = textOf(name);
+        call.changes = ChangingCalls::has<member>;
+        return call;
+    }
+
     static Moment now() {
         const LastErrorScope scope;
         return std::chrono::steady_clock::now();
@@ -108,9 +144,7 @@ private:
         try {
             constexpr Failure rule = failureOf<table, member, Result>();
             const bool failed = saysFailure<rule>(result);
-            TracedCall call;
-            call.group = textOf(table.group);
-            call.name = textOf(name);
+            TracedCall call = describe<table, member>(name);
             if (!failed)
                 nameHandle<member>(call.name, result, arguments...);
             call.arguments = argumentsOf<member>(!failed, arguments...);
@@ -178,6 +212,8 @@ private:
             return messageArguments(arguments...);
         else if constexpr (isCall<member>(&ActionCalls::CallEntry))
             return entryArguments(arguments...);
+        else if constexpr (isCall<member>(&ShellCalls::SHChangeNotify))
+            return changeArguments(arguments...);
         else
             return {textOfArgument(handles, filled, arguments)...};
     }
@@ -191,6 +227,11 @@ private:
                                                       Buffer /*allocated*/, DWORD /*size*/,
                                                       va_list* /*inserts*/) {
         return {std::to_wstring(flags), std::to_wstring(code), std::to_wstring(language)};
+    }
+    static std::vector<std::wstring> changeArguments(LONG event, UINT flags, const void* first,
+                                                     const void* second) {
+        return {std::to_wstring(event), std::to_wstring(flags), textOfChanged(flags, first),
+                textOfChanged(flags, second)};
     }
     std::vector<std::wstring> entryArguments(CustomActionEntry entry,
                                              const CustomActionParams* params,

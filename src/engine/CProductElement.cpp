@@ -4,7 +4,7 @@
 
 #include "elements/ElementFactory.h"
 #include "engine/CContext.h"
-#include "motion/CMotionElement.h"
+#include "motion/WalkCalls.h"
 #include "system/PathText.h"
 #include "system/ShellOperations.h"
 
@@ -18,7 +18,7 @@ int32_t CProductElement::run(IterfaceContext* hostContext) {
         return -1;
     }
     sequence->setProgressRange(0, 100);
-    return sequence->runElement(context);
+    return walkCalls.VisitElement(*sequence, context);
 }
 
 bool CProductElement::getDirectory(std::wstring& path, const wchar_t* directoryId,

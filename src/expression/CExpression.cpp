@@ -40,23 +40,6 @@ const wchar_t* findWordOperator(const wchar_t* word) {
     return nullptr;
 }
 
-enum class Decision { reduce, push, match };
-
-/// What is done with the operation on top of the stack when another one arrives.
-Decision decide(int32_t top, int32_t current) {
-    // Behind an opened parenthesis everything but its counterpart is pushed.
-    if (top == PRIORITY_LEFT_PARENTHESIS)
-        top = PRIORITY_RIGHT_PARENTHESIS;
-    else if (top == PRIORITY_RIGHT_PARENTHESIS)
-        throw std::wstring(L" '(' didn't math ')' int precede.");
-
-    if (top != current)
-        return top < current ? Decision::reduce : Decision::push;
-    if (top == PRIORITY_NOT || top == PRIORITY_ASSIGNMENT)
-        return Decision::push;
-    return top < PRIORITY_ASSIGNMENT ? Decision::reduce : Decision::match;
-}
-
 }  // namespace
 
 CExpression::~CExpression() {

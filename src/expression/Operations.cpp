@@ -89,3 +89,17 @@ OperationPtr createOperation(const wchar_t* symbol) {
         throw std::wstring(L"It can't new ") + symbol + L" operation";
     return maker->make();
 }
+
+Decision decide(int32_t top, int32_t current) {
+    // Behind an opened parenthesis everything but its counterpart is pushed.
+    if (top == PRIORITY_LEFT_PARENTHESIS)
+        top = PRIORITY_RIGHT_PARENTHESIS;
+    else if (top == PRIORITY_RIGHT_PARENTHESIS)
+        throw std::wstring(L" '(' didn't math ')' int precede.");
+
+    if (top != current)
+        return top < current ? Decision::reduce : Decision::push;
+    if (top == PRIORITY_NOT || top == PRIORITY_ASSIGNMENT)
+        return Decision::push;
+    return top < PRIORITY_ASSIGNMENT ? Decision::reduce : Decision::match;
+}

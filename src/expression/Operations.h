@@ -93,3 +93,8 @@ public:
 
 /// The operation of a symbol. Throws a message when the text is none.
 OperationPtr createOperation(const wchar_t* symbol);
+
+/// What is done with the operation on top of the stack when another one arrives: by priority alone.
+/// Throws a message when the one on top is a ")", which has no counterpart then.
+enum class Decision { reduce, push, match };
+Decision decide(int32_t top, int32_t current);

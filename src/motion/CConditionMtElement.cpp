@@ -3,8 +3,8 @@
 #include <cwchar>
 
 #include "engine/CContext.h"
-#include "expression/CExpression.h"
 #include "logging/Log.h"
+#include "motion/WalkCalls.h"
 
 static_assert(sizeof(CConditionMtElement) == sizeof(CMotionElement));
 
@@ -46,7 +46,7 @@ int32_t CConditionMtElement::prepare(bool& descend, CContext& context) {
     const std::wstring& expression = record.value;
     announce(ACTION_CONDITION, expression, L"", context);
     try {
-        descend = CExpression().evaluate(expression.c_str(), context);
+        descend = walkCalls.Evaluate(expression.c_str(), context);
     } catch (const std::wstring& message) {
         writeLog(ERROR, "Condition expression evaluate error:", message);
         return fail(message, context);

@@ -1,8 +1,8 @@
 #include "motion/CFileSearchMtElement.h"
 
 #include "engine/CContext.h"
-#include "expression/CExpression.h"
 #include "logging/Log.h"
+#include "motion/WalkCalls.h"
 #include "system/FileOperations.h"
 #include "system/FileVersion.h"
 #include "system/PathText.h"
@@ -47,7 +47,7 @@ int32_t CFileSearchMtElement::execute(CContext& context) {
     if (!fileExists(file.get()) || !satisfiesVersion(file.get(), minVersion))
         return 0;
     try {
-        CExpression().evaluate(expression.c_str(), context);
+        walkCalls.Evaluate(expression.c_str(), context);
     } catch (const std::wstring& message) {
         return fail(message, context);
     }

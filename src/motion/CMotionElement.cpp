@@ -7,6 +7,7 @@
 #include "logging/CSubject.h"
 #include "logging/IterfaceObserver.h"
 #include "logging/Log.h"
+#include "motion/WalkCalls.h"
 #include "system/TextFields.h"
 
 int32_t CMotionElement::prepare(bool& descend, CContext&) {
@@ -60,7 +61,7 @@ int32_t CMotionElement::runChild(const XmlHandle& child, size_t index, size_t co
     if (!element)
         return -1;
     element->setProgressRange(progressAt(index, count), progressAt(index + 1, count));
-    return element->runElement(context);
+    return walkCalls.VisitElement(*element, context);
 }
 
 // Apart from the visit, on whose stack the whole walk below stands.

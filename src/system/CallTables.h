@@ -2,6 +2,7 @@
 
 #include "logging/LogCalls.h"
 #include "motion/ActionCalls.h"
+#include "motion/WalkCalls.h"
 #include "system/ClockCalls.h"
 #include "system/FileCalls.h"
 #include "system/LibraryCalls.h"
@@ -30,6 +31,7 @@ void visitCallTables(Visitor&& visit) {
     visit.template operator()<systemCalls>();
     visit.template operator()<textCalls>();
     visit.template operator()<versionCalls>();
+    visit.template operator()<walkCalls>();
 }
 
 /// Stands around every call of every table for the life of the object: in place of each call comes

@@ -78,7 +78,15 @@ extern "C" {
     CASE(tracedRunEqualsAnUntracedOne)            \
     CASE(tracerMayAskForTheOutcome)               \
     CASE(whatATracerAsksIsNotTraced)              \
-    CASE(traceEndsWithItsTracer)
+    CASE(traceEndsWithItsTracer)                  \
+    /* CheckCases.c */                            \
+    CASE(checkTellsWhatIsWrongAndWhere)           \
+    CASE(checkOfAScriptWithoutFaultsTellsNone)    \
+    CASE(checkRunsNothing)                        \
+    CASE(checkNeedsAFileThatCanBeRead)            \
+    CASE(misusedChecksAreTold)                    \
+    CASE(checkInsideARunIsRefused)                \
+    CASE(eachKindOfFindingCanBeAsked)
 
 #define DECLARE_CASE(name) void name(void);
 CASES(DECLARE_CASE)

@@ -60,6 +60,7 @@ temz_tracer tracerOfHost(void) {
     tracer.size = sizeof tracer;
     tracer.user = &host;
     tracer.call = hearCall;
+    tracer.permit = NULL;
     return tracer;
 }
 

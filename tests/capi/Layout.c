@@ -10,43 +10,70 @@
 #define STAYS(condition) _Static_assert(condition, #condition)
 #endif
 
-#define RECORDS(RECORD, RECORD_FIELD)              \
-    RECORD_FIELD(temz_action, code, 0, 4)          \
-    RECORD_FIELD(temz_action, text1, 4, 1024)      \
-    RECORD_FIELD(temz_action, text2, 1028, 1024)   \
-    RECORD(temz_action, 2052, 4)                   \
-    RECORD_FIELD(temz_error, code, 0, 4)           \
-    RECORD_FIELD(temz_error, system_error, 4, 4)   \
-    RECORD_FIELD(temz_error, text1, 8, 1024)       \
-    RECORD_FIELD(temz_error, text2, 1032, 1024)    \
-    RECORD_FIELD(temz_error, message, 2056, 1024)  \
-    RECORD(temz_error, 3080, 4)                    \
-    RECORD_FIELD(temz_outcome, size, 0, 4)         \
-    RECORD_FIELD(temz_outcome, result, 4, 4)       \
-    RECORD_FIELD(temz_outcome, restart, 8, 4)      \
-    RECORD_FIELD(temz_outcome, progress, 12, 4)    \
-    RECORD_FIELD(temz_outcome, action, 16, 2052)   \
-    RECORD_FIELD(temz_outcome, error, 2068, 3080)  \
-    RECORD(temz_outcome, 5148, 4)                  \
-    RECORD_FIELD(temz_observer, size, 0, 4)        \
-    RECORD_FIELD(temz_observer, user, 8, 8)        \
-    RECORD_FIELD(temz_observer, update, 16, 8)     \
-    RECORD_FIELD(temz_observer, ask, 24, 8)        \
-    RECORD(temz_observer, 32, 8)                   \
-    RECORD_FIELD(temz_call, size, 0, 4)            \
-    RECORD_FIELD(temz_call, failed, 4, 4)          \
-    RECORD_FIELD(temz_call, system_error, 8, 4)    \
-    RECORD_FIELD(temz_call, argument_count, 12, 4) \
-    RECORD_FIELD(temz_call, group, 16, 8)          \
-    RECORD_FIELD(temz_call, name, 24, 8)           \
-    RECORD_FIELD(temz_call, arguments, 32, 8)      \
-    RECORD_FIELD(temz_call, result, 40, 8)         \
-    RECORD_FIELD(temz_call, duration, 48, 8)       \
-    RECORD(temz_call, 56, 8)                       \
-    RECORD_FIELD(temz_tracer, size, 0, 4)          \
-    RECORD_FIELD(temz_tracer, user, 8, 8)          \
-    RECORD_FIELD(temz_tracer, call, 16, 8)         \
-    RECORD(temz_tracer, 24, 8)
+#define RECORDS(RECORD, RECORD_FIELD)                 \
+    RECORD_FIELD(temz_action, code, 0, 4)             \
+    RECORD_FIELD(temz_action, text1, 4, 1024)         \
+    RECORD_FIELD(temz_action, text2, 1028, 1024)      \
+    RECORD(temz_action, 2052, 4)                      \
+    RECORD_FIELD(temz_error, code, 0, 4)              \
+    RECORD_FIELD(temz_error, system_error, 4, 4)      \
+    RECORD_FIELD(temz_error, text1, 8, 1024)          \
+    RECORD_FIELD(temz_error, text2, 1032, 1024)       \
+    RECORD_FIELD(temz_error, message, 2056, 1024)     \
+    RECORD(temz_error, 3080, 4)                       \
+    RECORD_FIELD(temz_outcome, size, 0, 4)            \
+    RECORD_FIELD(temz_outcome, result, 4, 4)          \
+    RECORD_FIELD(temz_outcome, restart, 8, 4)         \
+    RECORD_FIELD(temz_outcome, progress, 12, 4)       \
+    RECORD_FIELD(temz_outcome, action, 16, 2052)      \
+    RECORD_FIELD(temz_outcome, error, 2068, 3080)     \
+    RECORD(temz_outcome, 5148, 4)                     \
+    RECORD_FIELD(temz_observer, size, 0, 4)           \
+    RECORD_FIELD(temz_observer, user, 8, 8)           \
+    RECORD_FIELD(temz_observer, update, 16, 8)        \
+    RECORD_FIELD(temz_observer, ask, 24, 8)           \
+    RECORD(temz_observer, 32, 8)                      \
+    RECORD_FIELD(temz_call, size, 0, 4)               \
+    RECORD_FIELD(temz_call, failed, 4, 4)             \
+    RECORD_FIELD(temz_call, system_error, 8, 4)       \
+    RECORD_FIELD(temz_call, argument_count, 12, 4)    \
+    RECORD_FIELD(temz_call, group, 16, 8)             \
+    RECORD_FIELD(temz_call, name, 24, 8)              \
+    RECORD_FIELD(temz_call, arguments, 32, 8)         \
+    RECORD_FIELD(temz_call, result, 40, 8)            \
+    RECORD_FIELD(temz_call, duration, 48, 8)          \
+    RECORD_FIELD(temz_call, changes, 56, 4)           \
+    RECORD(temz_call, 64, 8)                          \
+    RECORD_FIELD(temz_tracer, size, 0, 4)             \
+    RECORD_FIELD(temz_tracer, user, 8, 8)             \
+    RECORD_FIELD(temz_tracer, call, 16, 8)            \
+    RECORD_FIELD(temz_tracer, permit, 24, 8)          \
+    RECORD(temz_tracer, 32, 8)                        \
+    RECORD_FIELD(temz_finding, size, 0, 4)            \
+    RECORD_FIELD(temz_finding, severity, 4, 4)        \
+    RECORD_FIELD(temz_finding, ends_run, 8, 4)        \
+    RECORD_FIELD(temz_finding, line, 12, 4)           \
+    RECORD_FIELD(temz_finding, column, 16, 4)         \
+    RECORD_FIELD(temz_finding, length, 20, 4)         \
+    RECORD_FIELD(temz_finding, code, 24, 8)           \
+    RECORD_FIELD(temz_finding, file, 32, 8)           \
+    RECORD_FIELD(temz_finding, text, 40, 8)           \
+    RECORD_FIELD(temz_finding, help, 48, 8)           \
+    RECORD_FIELD(temz_finding, source_line, 56, 8)    \
+    RECORD(temz_finding, 64, 8)                       \
+    RECORD_FIELD(temz_finding_kind, size, 0, 4)       \
+    RECORD_FIELD(temz_finding_kind, severity, 4, 4)   \
+    RECORD_FIELD(temz_finding_kind, code, 8, 8)       \
+    RECORD_FIELD(temz_finding_kind, meaning, 16, 8)   \
+    RECORD_FIELD(temz_finding_kind, remedy, 24, 8)    \
+    RECORD(temz_finding_kind, 32, 8)                  \
+    RECORD_FIELD(temz_check_request, size, 0, 4)      \
+    RECORD_FIELD(temz_check_request, script, 8, 8)    \
+    RECORD_FIELD(temz_check_request, payload, 16, 8)  \
+    RECORD_FIELD(temz_check_request, previous, 24, 8) \
+    RECORD_FIELD(temz_check_request, user, 32, 8)     \
+    RECORD_FIELD(temz_check_request, finding, 40, 8)  \
+    RECORD(temz_check_request, 48, 8)
 
 #define ALIGNED_BEHIND_A_BYTE(record) \
     struct behind_a_byte_##record {   \
@@ -82,6 +109,10 @@ RECORDS(RECORD_STAYS, FIELD_STAYS)
     CONSTANT(TEMZ_BUSY, 14)                       \
     CONSTANT(TEMZ_VERSION_MISMATCH, 15)           \
     CONSTANT(TEMZ_INTERNAL, 16)                   \
+    CONSTANT(TEMZ_NOT_READABLE, 17)               \
+    CONSTANT(TEMZ_SEVERITY_ERROR, 0)              \
+    CONSTANT(TEMZ_SEVERITY_WARNING, 1)            \
+    CONSTANT(TEMZ_SEVERITY_NOTE, 2)               \
     CONSTANT(TEMZ_INSTALL, 0)                     \
     CONSTANT(TEMZ_UNINSTALL, 1)                   \
     CONSTANT(TEMZ_UPGRADE, 2)                     \
@@ -114,5 +145,6 @@ CONSTANTS(CONSTANT_STAYS)
 
 STAYS(sizeof(temz_char) == 2 && sizeof(*L"") == 2);
 STAYS(sizeof(temz_status) == 4 && (temz_status)-1 < 0);
+STAYS(sizeof(temz_severity) == 4 && (temz_severity)-1 < 0);
 STAYS(sizeof(temz_mode) == 4 && (temz_mode)-1 < 0);
 STAYS(sizeof(temz_answer) == 4 && (temz_answer)-1 < 0);

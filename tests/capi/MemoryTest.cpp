@@ -110,8 +110,9 @@ TEST_P(MemoryTest, EndsInRun) {
 
 TEST_P(MemoryTest, EndsInTracedRun) {
     size_t calls = 0;
-    const temz_tracer tracer = {
-        sizeof tracer, &calls, [](void* user, const temz_call*) { ++*static_cast<size_t*>(user); }};
+    const temz_tracer tracer = {sizeof tracer, &calls,
+                                [](void* user, const temz_call*) { ++*static_cast<size_t*>(user); },
+                                nullptr};
     EXPECT_EQ(temz_set_tracer(context, &tracer), TEMZ_OK);
 
     const auto statuses =

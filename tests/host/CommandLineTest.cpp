@@ -36,6 +36,13 @@ CommandLine install(const Arguments& options) {
     return accepted(arguments);
 }
 
+TEST(CommandLineTest, TellsWhetherAWrongOneWantsJson) {
+    const wchar_t* arguments[] = {L"temz.exe", L"instal", L"a.xml", L"--json"};
+    EXPECT_TRUE(wantsJson(4, arguments));
+    EXPECT_FALSE(wantsJson(3, arguments));
+    EXPECT_FALSE(wantsJson(0, arguments));
+}
+
 TEST(CommandLineTest, NamesTheModeAndTheScript) {
     const struct {
         const wchar_t* word;
@@ -142,7 +149,6 @@ TEST(CommandLineTest, HasAllSpellingsOfTheSwitches) {
         {L"/s", &CommandLine::quiet},
         {L"--passive", &CommandLine::passive},
         {L"/passive", &CommandLine::passive},
-        {L"--verbose", &CommandLine::verbose},
         {L"--json", &CommandLine::json},
         {L"--accept-ignored", &CommandLine::acceptIgnored},
         {L"--drop-pending", &CommandLine::dropPending},
@@ -152,6 +158,13 @@ TEST(CommandLineTest, HasAllSpellingsOfTheSwitches) {
         for (const auto& other : switches)
             EXPECT_EQ(install({spelling}).*other.flag, other.flag == flag) << spelling;
     }
+}
+
+TEST(CommandLineTest, ShowsCallsWhereThereIsAPlaceForThem) {
+    EXPECT_TRUE(install({L"--verbose", L"--log", L"a.log"}).verbose);
+    EXPECT_TRUE(install({L"--json", L"--verbose"}).verbose);
+    EXPECT_EQ(refusal({L"install", L"a.xml", L"--verbose"}),
+              L"--verbose needs --log or --json, where the calls are shown.");
 }
 
 TEST(CommandLineTest, DistinguishesCaseBehindDashes) {
@@ -193,6 +206,7 @@ TEST(CommandLineTest, HasCommandsThatRunNothing) {
     EXPECT_EQ(accepted({L"help", L"codes"}).verb, Verb::helpCodes);
     EXPECT_EQ(accepted({L"explain", L"1603"}).verb, Verb::explain);
     EXPECT_EQ(accepted({L"explain", L"1603"}).subject, L"1603");
+    EXPECT_EQ(accepted({L"explain", L"-1073740777"}).subject, L"-1073740777");
 }
 
 TEST(CommandLineTest, ShowsHelpOrVersionWhateverElseIsThere) {
@@ -203,6 +217,29 @@ TEST(CommandLineTest, ShowsHelpOrVersionWhateverElseIsThere) {
     }
     EXPECT_EQ(accepted({L"--version"}).verb, Verb::version);
     EXPECT_EQ(accepted({L"install", L"a.xml", L"--version"}).verb, Verb::version);
+}
+
+TEST(CommandLineTest, ChecksAScriptWithOptionsOfItsOwn) {
+    const CommandLine plain = accepted({L"check", L"a.xml"});
+    EXPECT_EQ(plain.verb, Verb::check);
+    EXPECT_EQ(plain.script, L"a.xml");
+    EXPECT_EQ(plain.payload + plain.previous + plain.sarif, L"");
+    EXPECT_FALSE(plain.warningsAsErrors || plain.json);
+
+    const CommandLine command =
+        accepted({L"check", L"a.xml", L"--payload", L"p", L"--previous=b.xml", L"--sarif", L"s",
+                  L"--ignore", L"TZ101", L"--warnings-as-errors", L"--ignore=TZ203", L"--json"});
+    EXPECT_EQ(command.payload, L"p");
+    EXPECT_EQ(command.previous, L"b.xml");
+    EXPECT_EQ(command.sarif, L"s");
+    EXPECT_THAT(command.ignored, testing::ElementsAre(L"TZ101", L"TZ203"));
+    EXPECT_TRUE(command.warningsAsErrors && command.json);
+}
+
+TEST(CommandLineTest, KnowsTheTopicsOfHelp) {
+    EXPECT_EQ(accepted({L"help"}).verb, Verb::help);
+    EXPECT_EQ(accepted({L"help", L"codes"}).verb, Verb::helpCodes);
+    EXPECT_EQ(accepted({L"help", L"findings"}).verb, Verb::helpFindings);
 }
 
 TEST(CommandLineTest, TellsWhatIsWrong) {
@@ -225,6 +262,11 @@ TEST(CommandLineTest, TellsWhatIsWrong) {
         {{L"install", L"a.xml", L"--log="}, L"--log can't be \"\", only FILE."},
         {{L"install", L"a.xml", L"--log"}, L"--log needs a value: FILE."},
         {{L"help", L"code"}, L"code is no topic of help."},
+        {{L"check"}, L"The SCRIPT is missing."},
+        {{L"check", L"a.xml", L"--log", L"x"}, L"--log is no option of check."},
+        {{L"check", L"a.xml", L"--ignore="}, L"--ignore can't be \"\", only CODE."},
+        {{L"install", L"a.xml", L"--payload", L"p"}, L"--payload is no option of install."},
+        {{L"help", L"--json"}, L"--json is no option of help."},
     };
     for (const auto& [arguments, problem] : lines)
         EXPECT_EQ(refusal(arguments), problem);
@@ -241,9 +283,10 @@ TEST(UsageTest, HasALineForEachCommandAndOption) {
 
     for (const wchar_t* line :
          {L"\n  install SCRIPT        put", L"\n  upgrade SCRIPT ", L"\n  uninstall SCRIPT ",
-          L"\n  explain CODE|TEXT     tell", L"\n  help [codes]          show",
+          L"\n  check SCRIPT          tell", L"\n  explain CODE|TEXT     tell",
           L"\n  new                   make", L"\n  harvest DIR           make",
           L"\n  verify SCRIPT         install", L"\n  schema                show",
+          L"\n  help [codes|findings] show",
           L"\n  --on-error abort|ignore|retry:N[,SECONDS]\n                        what",
           L"\n  --quiet, /quiet, /S   ask", L"\n  --log FILE, /log      append",
           L"\n  --help, -h, /?        show"})

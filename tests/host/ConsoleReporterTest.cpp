@@ -168,6 +168,18 @@ TEST_F(ConsoleReporterTest, TellsFailuresAlsoWhereOnlyTheyMatter) {
     EXPECT_EQ(console.shown, std::wstring(L"temz: Copying a.txt failed.\n") + failed);
 }
 
+TEST_F(ConsoleReporterTest, TellsWhyNothingWasDoneButNoWarningWhereOnlyFailuresMatter) {
+    report(quiet);
+    RunSummary summary;
+    summary.ending = Ending::otherRunGoesOn;
+    summary.reason = L"Why.";
+
+    reporter->warned(L"Beware.");
+    reporter->finished(summary);
+
+    EXPECT_EQ(console.error, L"temz: Why.\nNothing was done (1618).\n");
+}
+
 TEST_F(ConsoleReporterTest, EndsWithWhatWasLeftOutThoughOnlyFailuresMatter) {
     report(quiet);
 

@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <string>
 
+#include "FakeConsole.h"
 #include "support/FakeCall.h"
 
 namespace {
@@ -82,6 +83,32 @@ TEST_F(ConsoleWindowTest, StandsForATerminalThatIsElsewhere) {
         windowClass = terminal;
 
         EXPECT_TRUE(isConsoleSeen()) << terminal;
+    }
+}
+
+/// Wine's console doesn't tell its processes.
+TEST(WaitForKeyTest, WaitsOnlyAtAConsoleThatIsTheProgramsOwn) {
+    const struct {
+        DWORD processes;
+        bool someoneAnswers;
+        bool waits;
+    } consoles[] = {{1, true, true}, {2, true, false}, {1, false, false}, {0, true, false}};
+    for (const auto& [processes, someoneAnswers, waits] : consoles) {
+        FakeConsole console;
+        console.someoneAnswers = someoneAnswers;
+        console.answers = {L""};
+        const DWORD count = processes;
+        const FakeCall<windowCalls, &WindowCalls::GetConsoleProcessList> list(
+            [count](DWORD*, DWORD capacity) {
+                EXPECT_GE(capacity, 1u);
+                return count;
+            });
+
+        waitForKeyIfAlone();
+
+        EXPECT_EQ(console.error, waits ? L"Press Enter to close this window.\n" : L"");
+        EXPECT_EQ(console.droppings, waits ? 1 : 0);
+        EXPECT_EQ(console.answers.empty(), waits);
     }
 }
 

@@ -466,4 +466,42 @@ TEST(AdviceTest, IsGivenForACodeWhateverTheCall) {
     EXPECT_EQ(adviceOn(123456), L"");
 }
 
+TEST(DiagnosisTest, NamesTheConditionThatCannotBeDecided) {
+    Call line;
+    line.group = L"log";
+    line.arguments = {L"Condition expression evaluate error:undefined variable:NONE"};
+    const Failure failure =
+        diagnose(action(TEMZ_ACTION_CONDITION, L"NONE = 1", {line}),
+                 error(TEMZ_ERROR_MESSAGE, L"", L"undefined variable:NONE"), plain);
+
+    EXPECT_EQ(failure.code, uint32_t{TEMZ_ACTION_CONDITION});
+    EXPECT_EQ(failure.what, L"Checking NONE = 1");
+    EXPECT_EQ(failure.why, L"undefined variable:NONE");
+}
+
+TEST(DiagnosisTest, TellsAFailureOfAnActionFromOneThatFollowsIt) {
+    const struct {
+        uint32_t announced;
+        uint32_t code;
+        const wchar_t* message;
+        bool isItsOwn;
+    } cases[] = {
+        {TEMZ_ACTION_COPY_FILE, TEMZ_ACTION_COPY_FILE, L"", true},
+        {TEMZ_ACTION_SHORTCUT, TEMZ_ERROR_REMOVE_SHORTCUT, L"", true},
+        {TEMZ_ACTION_COPY_FILE, TEMZ_ERROR_MESSAGE, L"undefined variable:NONE", false},
+        {TEMZ_ACTION_CONDITION, TEMZ_ERROR_MESSAGE, L"undefined variable:NONE", false},
+        {TEMZ_ACTION_CUSTOM_ACTION, TEMZ_ERROR_MESSAGE, L"Failed to load library(a.dll).", true},
+        {TEMZ_ACTION_CUSTOM_ACTION, TEMZ_ERROR_MESSAGE, L"Failed to get Address(f).", true},
+        {TEMZ_ACTION_CUSTOM_ACTION, TEMZ_ERROR_MESSAGE, L"Can't get application directory.", true},
+        {TEMZ_ACTION_COPY_FILE, TEMZ_ERROR_MESSAGE, L"Failed to load library(a.dll).", false},
+        {TEMZ_ACTION_REGISTRY_VALUE, TEMZ_ERROR_MESSAGE,
+         L"x isn't DWORD text in the (RegistryValue,)", true},
+        {TEMZ_ACTION_REGISTRY_VALUE, TEMZ_ERROR_MESSAGE,
+         L"x is unknown Registry TYPE in the (RegistryValue,)", false},
+    };
+    for (const auto& [announced, code, message, isItsOwn] : cases)
+        EXPECT_EQ(isFailureOf(action(announced, L"", {}), error(code, L"", message)), isItsOwn)
+            << announced << ' ' << message;
+}
+
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "host/Diagnosis.h"
 #include "host/ExitCodes.h"
+#include "host/Findings.h"
 
 namespace {
 
@@ -119,9 +120,13 @@ TEST(ExplainTest, KnowsEachMessageOfTheEngine) {
         used.insert(part);
     }
     // And no part stands there that no message has.
-    const std::set<std::wstring> ofProgram = {L"It is no XML", L"isn't in the active code page",
-                                              L"may be misread", L"Another run goes on",
-                                              L"back, which waits for it"};
+    const std::set<std::wstring> ofProgram = {L"It is no XML",
+                                              L"isn't in the active code page",
+                                              L"may be misread",
+                                              L"Another run goes on",
+                                              L"back, which waits for it",
+                                              L"is marked as downloaded",
+                                              L"The engine's log is written to"};
     for (const MessageRow& row : explainedMessages())
         EXPECT_NE(used.contains(row.part), ofProgram.contains(row.part)) << row.part;
 }
@@ -140,6 +145,9 @@ TEST(ExplainTest, KnowsTheMessagesOfTheProgram) {
         {L"The next restart brings C:\\a back, which waits for it since it was replaced. "
          L"--drop-pending takes that back.",
          L"back, which waits for it"},
+        {L"This program is marked as downloaded, and files", L"is marked as downloaded"},
+        {L"The engine's log is written to C:\\InstallLog, which is a link",
+         L"The engine's log is written to"},
     };
     for (const auto& [message, part] : messages)
         EXPECT_EQ(partFor(message), part) << message;
@@ -154,8 +162,17 @@ TEST(ExplainTest, TellsCauseAndNextStepOnALineEach) {
 TEST(ExplainTest, KnowsEachExitCode) {
     for (const ExitCode& row : exitCodes()) {
         const std::wstring next = *row.nextStep ? row.nextStep + std::wstring(L"\n") : L"";
-        EXPECT_EQ(explain(std::to_wstring(row.code)), row.meaning + (L"\n" + next));
+        const std::wstring text = explain(std::to_wstring(row.code));
+        const std::wstring own = row.meaning + (L"\n" + next);
+        EXPECT_TRUE(text.starts_with(own)) << row.code << text;
+        EXPECT_EQ(text.substr(own.size()).starts_with(L"Windows: "), row.ownMeaning) << row.code;
     }
+}
+
+TEST(ExplainTest, KnowsEachKindOfFinding) {
+    forEachFindingKind([](const temz_finding_kind& kind) {
+        EXPECT_EQ(explain(kind.code), std::wstring(kind.meaning) + L"\n" + kind.remedy + L"\n");
+    });
 }
 
 TEST(ExplainTest, KnowsTheSystemsCodesInDecimalAndHexadecimal) {
@@ -164,6 +181,15 @@ TEST(ExplainTest, KnowsTheSystemsCodesInDecimalAndHexadecimal) {
     EXPECT_EQ(explain(L"32"), sharing);
     EXPECT_EQ(explain(L"0x20"), sharing);
     EXPECT_EQ(explain(L"1450"), L"Windows: " + systemText(1450) + L"\n");
+}
+
+TEST(ExplainTest, KnowsHowAProcessIsEndedAsAnyShellShowsIt) {
+    const std::wstring tooLong = explain(L"0xC0000417");
+    EXPECT_TRUE(tooLong.starts_with(L"A text or a path of the script is longer"));
+    EXPECT_EQ(explain(L"-1073740777"), tooLong);
+    EXPECT_EQ(explain(L"3221226519"), tooLong);
+    EXPECT_TRUE(explain(L"0xC000013A").starts_with(L"Ctrl+C has ended"));
+    EXPECT_TRUE(explain(L"-1073741819").starts_with(L"The process has crashed."));
 }
 
 TEST(ExplainTest, SaysNothingOfWhatItDoesNotKnow) {

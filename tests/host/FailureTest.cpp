@@ -9,9 +9,11 @@
 #include "support/LockedFile.h"
 #include "support/Requirements.h"
 #include "support/Restart.h"
+#include "support/TestKey.h"
 #include "support/TestService.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::StartsWith;
@@ -55,6 +57,61 @@ TEST_F(FailureTest, TellsOfAReadOnlyFileThatItIs) {
                 StartsWith(copyFailed("a.txt", "the file there is read-only", ERROR_ACCESS_DENIED,
                                       "Clear that (attrib -r -h -s), and ship the file without "
                                       "it.")));
+}
+
+/// A registry key that nobody may open, which a script is to have.
+class RefusedKeyTest : public FailureTest {
+protected:
+    void SetUp() override {
+        REQUIRES_WINE("takes an administrator's rights from the host");
+        ship(L"install.xml",
+             "<Script><Product><InstallExecuteSequence><Feature><Component>"
+             "<RegistryKey Root='HKEY_CURRENT_USER' Key='" +
+                 utf8(path) +
+                 "' Action='create'/></Component></Feature>"
+                 "</InstallExecuteSequence></Product></Script>");
+    }
+
+    const TestKey key;
+    const std::wstring path = key.make(L"refused");
+    const RefusedKey refused{path};
+    const std::string failed = "temz: Creating registry key HKEY_CURRENT_USER\\" + utf8(path) +
+                               " failed: access is denied";
+};
+
+TEST_F(RefusedKeyTest, IsForAnAdministratorWhereTheUserIsNone) {
+    const ProgramRun run = temzNotElevated(L"install install.xml --log run.log");
+
+    EXPECT_EQ(run.exitCode, 740u);
+    EXPECT_THAT(run.error,
+                StartsWith(failed + ", and the program isn't run as an administrator. [error 5]\n"
+                                    "      Run it from an administrator's prompt.\n"
+                                    "Failed after 0 actions (740)."));
+    EXPECT_THAT(readFile(setup(L"run.log")), HasSubstr(", not as an administrator\r\n"));
+}
+
+TEST_F(RefusedKeyTest, HasRightsToLookAtWhereTheUserIsOne) {
+    const ProgramRun run = temz(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_THAT(run.error, StartsWith(failed + ". [error 5]\n      Look at the rights of "));
+}
+
+TEST_F(FailureTest, TellsOfADirectoryThatOnlyAnAdministratorMayMake) {
+    REQUIRES_WINE("takes an administrator's rights from the host");
+    REQUIRES_ORDINARY_USER();
+    ship(L"a.txt", "a");
+    ship(L"install.xml",
+         "<Script><Product><Directory Path='Z:\\usr\\temz-tests'><Component Id='C'>" +
+             file("a.txt") +
+             "</Component></Directory><InstallExecuteSequence><Feature><ComponentRef Id='C'/>"
+             "</Feature></InstallExecuteSequence></Product></Script>");
+
+    const ProgramRun run = temzNotElevated(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 740u);
+    EXPECT_THAT(run.error, StartsWith("temz: Copying a.txt failed: access is denied, and the "
+                                      "program isn't run as an administrator. [error 5]\n"));
 }
 
 TEST_F(FailureTest, TellsOfAServiceThatItHasStoppedInsteadOfStarting) {

@@ -41,10 +41,12 @@ size_t terminalWidth() {
     return console->width;
 }
 
-void dropTypedAhead() {}
-
-void waitForKeyIfAlone() {}
+void dropTypedAhead() {
+    ++console->droppings;
+}
 
 QuickEditOff::QuickEditOff() = default;
 
 QuickEditOff::~QuickEditOff() = default;
+
+void restoreConsole() {}

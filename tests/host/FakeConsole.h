@@ -15,6 +15,7 @@ public:
     bool terminal = true;
     bool someoneAnswers = true;
     size_t width = 60;
+    int droppings = 0;                 ///< of what was typed ahead
     std::deque<std::wstring> answers;  ///< lines that the user types, then the input ends
 
     std::wstring output;

@@ -42,19 +42,36 @@ HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
 }
 
 HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
-                       const Streams& streams, DWORD flags, STARTUPINFOW& startup) {
+                       const Streams& streams, DWORD flags, STARTUPINFOW& startup, HANDLE user) {
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = streams.input;
     startup.hStdOutput = streams.output;
     startup.hStdError = streams.error;
     PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr,
-                        directory.c_str(), &startup, &process)) {
+    const auto start = [&](auto function, auto... whom) {
+        return function(whom..., nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags,
+                        nullptr, directory.c_str(), &startup, &process);
+    };
+    if (!(user ? start(&CreateProcessAsUserW, user) : start(&CreateProcessW))) {
         ADD_FAILURE() << "can't start the program: " << GetLastError();
         return nullptr;
     }
     CloseHandle(process.hThread);
     return HandlePtr(process.hProcess);
+}
+
+HandlePtr userWithoutElevation() {
+    HANDLE raw = nullptr;
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw));
+    const HandlePtr elevated(raw);
+    TOKEN_LINKED_TOKEN linked{};
+    DWORD size = 0;
+    EXPECT_TRUE(
+        GetTokenInformation(elevated.get(), TokenLinkedToken, &linked, sizeof linked, &size));
+    const HandlePtr limited(linked.LinkedToken);
+    EXPECT_TRUE(DuplicateTokenEx(limited.get(), TOKEN_ALL_ACCESS, nullptr, SecurityImpersonation,
+                                 TokenPrimary, &raw));
+    return HandlePtr(raw);
 }
 
 DWORD waitForProgram(HANDLE process) {

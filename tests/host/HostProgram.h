@@ -28,9 +28,15 @@ struct Pipe {
 /// Starts a program in a directory. Null, with a failed expectation, when it can't be started.
 HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
                        const Streams& streams, DWORD flags = 0);
-/// With more said of how it starts; the streams are filled in.
+/// With more said of how it starts, where the streams are filled in, and for whom; null for the
+/// user of the tests.
 HandlePtr startProgram(std::wstring commandLine, const std::wstring& directory,
-                       const Streams& streams, DWORD flags, STARTUPINFOW& startup);
+                       const Streams& streams, DWORD flags, STARTUPINFOW& startup,
+                       HANDLE user = nullptr);
+
+/// The user of the tests without an administrator's rights: the token with which the desktop's
+/// programs run that weren't started elevated.
+HandlePtr userWithoutElevation();
 
 /// Waits for the end of a program and gives its exit code. One that hangs is ended.
 DWORD waitForProgram(HANDLE process);

@@ -97,9 +97,13 @@ TEST_F(JsonReporterTest, EndsWithTheExitCode) {
     summary.ending = Ending::failedWithRestart;
     summary.restartNeeded = true;
     summary.waiting = {L"a", L"b"};
+    summary.reason = L"why";
     reporter.finished(summary);
 
     EXPECT_TRUE(console.output.starts_with(LR"({"event":"end","exitCode":3017,)"));
+    EXPECT_TRUE(
+        console.output.ends_with(LR"("stoppedAt":"","reason":"why"})"
+                                 L"\n"));
     EXPECT_THAT(console.output,
                 testing::HasSubstr(LR"("leftOut":[],"restartNeeded":true,"waiting":["a","b"],)"));
 }

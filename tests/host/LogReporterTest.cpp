@@ -146,6 +146,15 @@ TEST_F(LogReporterTest, EndsWithTheResultAndTheExitCode) {
               "Exit code 3010\r\n");
 }
 
+TEST_F(LogReporterTest, TellsWhyNothingWasDone) {
+    RunSummary summary;
+    summary.ending = Ending::scriptNotOpened;
+    summary.reason = L"Why.";
+    open()->finished(summary);
+
+    EXPECT_EQ(lines(), "Why.\r\nNothing was done (1619).\r\nExit code 1619\r\n");
+}
+
 TEST_F(LogReporterTest, AppendsToWhatIsThereAndCanBeReadMeanwhile) {
     folder.write(L"run.log", "before\n");
     const auto log = open();

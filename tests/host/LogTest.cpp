@@ -90,7 +90,7 @@ TEST_F(LogTest, MustBeOpenedBeforeAnythingIsDone) {
     EXPECT_EQ(run.exitCode, 1622u);
     EXPECT_EQ(run.output, "");
     EXPECT_EQ(run.error, "temz: lacking\\run.log can't be opened: " +
-                             systemError(ERROR_PATH_NOT_FOUND) + "\n");
+                             systemError(ERROR_PATH_NOT_FOUND) + "\nNothing was done (1622).\n");
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
@@ -130,8 +130,17 @@ TEST_F(RunUnderWayTest, KeepsAnotherOneFromBeginning) {
     EXPECT_EQ(waitForProgram(first.get()), 0u);
 }
 
+TEST_F(RunUnderWayTest, SharesItsLogWithAnotherOneThatTellsWhyItDoesNotBegin) {
+    EXPECT_EQ(temz(L"install install.xml --log run.log").exitCode, 1618u);
+
+    EXPECT_THAT(logLines(), Contains("Another run goes on on this machine."));
+    letGo();
+    EXPECT_EQ(waitForProgram(first.get()), 0u);
+    EXPECT_EQ(logLines().back(), "Exit code 0");
+}
+
 TEST_F(RunUnderWayTest, IsWaitedForOnRequest) {
-    const HandlePtr second = startTemz(L"install install.xml --wait 999999 --log second.log");
+    const HandlePtr second = startTemz(L"install install.xml --wait 999999 --log run.log");
     constexpr DWORD longEnoughToEnd = 500;  // for one that doesn't wait
     EXPECT_EQ(WaitForSingleObject(second.get(), longEnoughToEnd), WAIT_TIMEOUT);
 

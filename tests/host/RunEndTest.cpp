@@ -54,6 +54,8 @@ TEST(ExitCodesTest, HasOneRowForEachEnding) {
         {Ending::logNotOpened, 1622, false},
         {Ending::badCommandLine, 1639, false},
         {Ending::notElevated, 740, false},
+        {Ending::faultsFound, 1, false},
+        {Ending::notChecked, 2, false},
         {Ending::outputNotWritten, 29, false},
         {Ending::folderNotUsable, 161, false},
         {Ending::machineDiffers, 145, false},

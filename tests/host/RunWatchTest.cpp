@@ -33,12 +33,16 @@ public:
         constexpr const wchar_t* words[] = {L"done", L"ignored", L"nonVital", L"failed",
                                             L"stopped"};
         events.push_back(std::to_wstring(action.number) + L" " + words[static_cast<int>(fate)]);
+        for (const Call& call : action.calls)
+            if (call.name == L"CreateDirectoryW")
+                directories.push_back(std::to_wstring(action.number) + L" " + call.arguments[0]);
     }
     void warned(const std::wstring& text) override { events.push_back(text); }
 
     std::vector<std::wstring> events;
     std::vector<unsigned> percents;
     std::vector<std::wstring> calls;
+    std::vector<std::wstring> directories;  ///< each that is made, and by which action
 };
 
 /// Runs scripts by the engine itself, with a user who answers as told.
@@ -287,6 +291,68 @@ TEST_F(RunWatchTest, KeepsWhatWasIgnoredWhenTheRunFailsBehindIt) {
     EXPECT_THAT(watch->summary().leftOut, ElementsAre(L"Copying a (why)"));
 }
 
+TEST_F(RunWatchTest, FailsAConditionThatCannotBeDecided) {
+    load("<Condition Expression='NONE = 1'>" + there(L"a") + "</Condition>");
+
+    EXPECT_EQ(run(ignoring), TEMZ_RUN_FAILED);
+
+    ASSERT_EQ(reporter.events.size(), 3u);
+    EXPECT_EQ(reporter.events[0], L"1 Checking NONE = 1");
+    EXPECT_EQ(reporter.events[2], L"1 failed");
+    EXPECT_EQ(watch->summary().done, 0u);
+}
+
+TEST_F(RunWatchTest, FailsAnActionThatTellsItByAMessageAlone) {
+    load(
+        "<CustomAction DllFile='C:\\none.dll' DllEntry='f' Return='check'/>"
+        "<CustomAction DllFile='C:\\none.dll' DllEntry='g' Return='check'/>");
+
+    EXPECT_EQ(run(ignoring), TEMZ_OK);
+
+    ASSERT_EQ(reporter.events.size(), 6u);
+    EXPECT_EQ(reporter.events[2], L"1 ignored");
+    EXPECT_EQ(reporter.events[3], L"2 Custom action g");
+    EXPECT_EQ(reporter.events[5], L"2 ignored");
+    EXPECT_EQ(watch->summary().done, 0u);
+}
+
+TEST_F(RunWatchTest, LeavesAnActionDoneWhateverFailsBehindItUnannounced) {
+    const std::string followers[] = {unannounced(), "<File2/>",
+                                     "<Condition Expression='1 E 1'><Condition/></Condition>"};
+    for (const std::string& follower : followers) {
+        SCOPED_TRACE(follower);
+        temz_unload(context);
+        load(there(L"a") + follower);
+        reporter.events.clear();
+
+        EXPECT_EQ(run(aborting), TEMZ_RUN_FAILED);
+
+        EXPECT_EQ(reporter.events[1], L"1 done");
+        EXPECT_THAT(reporter.events,
+                    testing::Not(testing::Contains(testing::EndsWith(L" failed"))));
+        EXPECT_EQ(watch->summary().done, watch->summary().actions);
+        EXPECT_TRUE(watch->firstFailure());
+    }
+}
+
+TEST_F(RunWatchTest, GoesOnCountingBehindWhatFailsUnannounced) {
+    load(there(L"a") + there(L"b") + unannounced() + there(L"c"));
+
+    EXPECT_EQ(run(ignoring), TEMZ_OK);
+
+    EXPECT_THAT(reporter.percents, ElementsAre(0, 25, 75));
+    EXPECT_EQ(watch->summary().done, 3u);
+}
+
+TEST_F(RunWatchTest, CountsTheDirectoryOfAFileToItsCopy) {
+    load(there(L"a") + there(L"b") + missing(L"c"));
+    const std::wstring app = folder.path(L"app");
+
+    EXPECT_EQ(run(ErrorPolicy{TEMZ_RETRY, 1, {}}), TEMZ_RUN_FAILED);
+
+    EXPECT_THAT(reporter.directories, ElementsAre(L"1 " + app, L"2 " + app, L"3 " + app));
+}
+
 TEST_F(RunWatchTest, TellsAFailureThatTheEngineAsksNothingAbout) {
     load("<File2/>");
 
@@ -303,7 +369,8 @@ TEST_F(RunWatchTest, TellsWhyNothingWasRunAtAll) {
 
     EXPECT_EQ(run({}, 7), TEMZ_BAD_MODE);
 
-    EXPECT_THAT(reporter.events, ElementsAre(L"This is no mode of a run."));
+    EXPECT_THAT(reporter.events, IsEmpty());
+    EXPECT_EQ(watch->summary().reason, L"This is no mode of a run.");
 }
 
 TEST_F(RunWatchTest, StopsBeforeAnActionThatTheUserNoLongerWants) {

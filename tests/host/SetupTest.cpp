@@ -17,6 +17,15 @@ SetupTest::SetupTest() {
 }
 
 ProgramRun SetupTest::temz(const std::wstring& arguments) const {
+    return temzAs(nullptr, arguments);
+}
+
+ProgramRun SetupTest::temzNotElevated(const std::wstring& arguments) const {
+    EXPECT_TRUE(runsUnderWine());
+    return temzAs(userWithoutElevation().get(), arguments);
+}
+
+ProgramRun SetupTest::temzAs(HANDLE user, const std::wstring& arguments) const {
     const std::wstring outputPath = folder.path(L"output.txt");
     const std::wstring errorPath = folder.path(L"error.txt");
     DWORD exitCode;
@@ -24,8 +33,11 @@ ProgramRun SetupTest::temz(const std::wstring& arguments) const {
         const HandlePtr input = openInput(L"NUL");
         const HandlePtr output = openOutput(outputPath);
         const HandlePtr error = openOutput(errorPath);
-        const HandlePtr process = startProgram(temzCommand(arguments), folder.path(L"setup"),
-                                               {input.get(), output.get(), error.get()});
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        const HandlePtr process =
+            startProgram(temzCommand(arguments), folder.path(L"setup"),
+                         {input.get(), output.get(), error.get()}, 0, startup, user);
         exitCode = waitForProgram(process.get());
     }
     return {exitCode, withoutReturns(readFile(outputPath)), withoutReturns(readFile(errorPath))};

@@ -26,6 +26,9 @@ protected:
     /// Runs temz.exe in the setup's folder, with its streams in files and an empty input.
     ProgramRun temz(const std::wstring& arguments) const;
 
+    /// The same where the user isn't an administrator.
+    ProgramRun temzNotElevated(const std::wstring& arguments) const;
+
     /// Starts temz.exe in the setup's folder, without streams.
     HandlePtr startTemz(const std::wstring& arguments, DWORD flags = 0) const;
 
@@ -68,6 +71,8 @@ protected:
     const TestFolder folder;
 
 private:
+    ProgramRun temzAs(HANDLE user, const std::wstring& arguments) const;
+
     using Start = std::function<HandlePtr(const std::wstring& commandLine)>;
 
     /// Has a terminal run a program; `start` starts the terminal at its console.

@@ -262,7 +262,7 @@ TEST_F(TemzTest, FailsWhateverItIsToldWhenTheScriptIsWrong) {
     ship(L"a.txt", "a");
     writeScript(file("lacking.txt") + file("a.txt") + "<Feature/>");
 
-    const ProgramRun run = temz(L"install install.xml --on-error=ignore");
+    const ProgramRun run = temz(L"install install.xml --no-check --on-error=ignore");
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "Copying lacking.txt\nCopying a.txt\n");
@@ -276,7 +276,7 @@ TEST_F(TemzTest, FailsWhateverItIsToldWhenTheScriptIsWrong) {
 TEST_F(TemzTest, FailsWithoutAnInstallSequence) {
     ship(L"install.xml", "<Script><Product/></Script>");
 
-    const ProgramRun run = temz(L"install install.xml");
+    const ProgramRun run = temz(L"install install.xml --no-check");
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "");
@@ -430,12 +430,62 @@ TEST_F(TemzTest, TellsWhyAScriptCannotBeLoaded) {
     for (const auto& [content, reason] : scripts) {
         ship(L"install.xml", content);
 
-        const ProgramRun run = temz(L"install install.xml");
+        const ProgramRun run = temz(L"install install.xml --no-check");
 
         EXPECT_EQ(run.exitCode, 1620u) << content;
         EXPECT_EQ(run.output, "");
         EXPECT_EQ(run.error,
                   "temz: install.xml can't be loaded: " + reason + "\nNothing was done (1620).\n");
+    }
+}
+
+// A script that can be installed and then never be removed would be worse than none.
+TEST_F(TemzTest, DoesNotStartWhatWouldEndHalfWayInAnyMode) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt") +
+                "<ServiceControll On='uninstall' Name='s' Action='stop' Wait='no'/>");
+    for (const wchar_t* mode : {L"install", L"upgrade", L"uninstall"}) {
+        const ProgramRun run = temz(std::wstring(mode) + L" install.xml");
+
+        EXPECT_EQ(run.exitCode, 1620u);
+        EXPECT_EQ(run.output, "");
+        EXPECT_THAT(run.error,
+                    testing::HasSubstr(": error TZ203: `ServiceControll` is no element"));
+        EXPECT_THAT(run.error,
+                    testing::HasSubstr("install.xml isn't started: a run would surely end "
+                                       "half-way."));
+        EXPECT_THAT(installedFiles(), testing::IsEmpty());
+    }
+    EXPECT_EQ(temz(L"install install.xml --no-check").exitCode, 1603u);
+}
+
+TEST_F(TemzTest, CheckTellsFaultsAndRunsNothing) {
+    ship(L"a.txt", "a");
+    writeScript("<Fille Name='a.txt' Source='a.txt'/>");
+
+    const ProgramRun faulty = temz(L"check install.xml");
+    EXPECT_EQ(faulty.exitCode, 1u);
+    EXPECT_THAT(faulty.output, testing::StartsWith("install.xml:"));
+    EXPECT_THAT(faulty.output,
+                testing::HasSubstr(": error TZ203: `Fille` is no element that may "
+                                   "stand in `Component`.\n       help: did you mean "
+                                   "`File`?\n"));
+    EXPECT_THAT(faulty.output, testing::EndsWith("Nothing was run.\n"));
+    EXPECT_EQ(temz(L"check install.xml --ignore TZ203").exitCode, 0u);
+
+    writeScript(file("a.txt"));
+    const ProgramRun fine = temz(L"check install.xml");
+    EXPECT_EQ(fine.exitCode, 0u) << fine.output;
+    EXPECT_THAT(installedFiles(), testing::IsEmpty());
+}
+
+TEST_F(TemzTest, CheckSaysWhenItCannotCheck) {
+    writeScript("");
+    for (const wchar_t* arguments : {L"missing.xml", L"install.xml --previous missing.xml",
+                                     L"install.xml --sarif no\\file.sarif"}) {
+        const ProgramRun run = temz(std::wstring(L"check ") + arguments);
+        EXPECT_EQ(run.exitCode, 2u) << utf8(arguments);
+        EXPECT_THAT(run.error, testing::HasSubstr("can't be ")) << utf8(arguments);
     }
 }
 

@@ -206,6 +206,35 @@ TEST_F(TerminalTest, EndsBehindTheActionThatCtrlCInterrupts) {
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
+TEST_F(TerminalTest, EndsAtOnceWhenCtrlCIsPressedAgain) {
+    ship(L"a.txt", "a");
+    ship(L"install.xml", actionScript("pressCtrlCTwice", file("a.txt")));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml");
+
+    EXPECT_EQ(run.exitCode, 1602u);
+    EXPECT_TRUE(run.output.ends_with(
+        "\ntemz: Ended in the middle of this action: Custom action pressCtrlCTwice (1602).\n"))
+        << run.output;
+    EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(TerminalTest, EndsThePauseBeforeARetryAtCtrlC) {
+    ship(L"install.xml", actionScript("pressCtrlCAndFail", ""));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml --on-error=retry:1,999999");
+
+    EXPECT_EQ(run.exitCode, 1602u);
+    EXPECT_TRUE(run.output.ends_with(endedAfter("0 actions"))) << run.output;
+}
+
+TEST_F(TerminalTest, HasNoQuickEditDuringARun) {
+    ship(L"install.xml", actionScript("tellQuickEdit", ""));
+
+    EXPECT_THAT(temzAtTerminal(L"install install.xml --on-error=abort").output,
+                testing::HasSubstr("Custom action tellQuickEdit failed: QuickEdit is off."));
+}
+
 TEST_F(TerminalTest, AbortsWhereTheQuestionWouldNotBeSeen) {
     writeScript(file("a.txt"));
 

@@ -31,6 +31,10 @@ def main(schema_path, path, *wanted):
     if numbers["action"] != numbers["action-end"]:
         sys.exit(f"Actions that began and ended: {numbers}")
 
+    without_run = lines[-1]["exitCode"] in (1618, 1619, 1620, 1622, 1639)
+    if without_run != bool(lines[-1]["reason"]):
+        sys.exit(f"A run that hasn't begun, and no other, has its reason at the end: {lines[-1]}")
+
     details = {"action-end": "fate", "end": "exitCode", "call": "group", "failure": "systemError"}
     seen = set(events) | {f"{line['event']}:{line[details[line['event']]]}"
                           for line in lines if line["event"] in details}

@@ -64,8 +64,13 @@ check retry 1603 install bad.xml --on-error retry:1,0 -- action-end:failed failu
 check ignored 1603 install bad.xml --on-error ignore -- action-end:ignored failure:2
 check accepted 0 install bad.xml --on-error ignore --accept-ignored -- action-end:ignored
 check not-vital 0 install optional.xml -- action-end:not-vital failure:2 action-end:done
-check absent 1619 install absent.xml -- warning
-check broken 1620 install broken.xml -- warning
+check command-line 1639 instal good.xml --
+check topic 1639 explain nonsense --
+check log 1622 install good.xml --log nowhere/run.log --
+check absent 1619 install absent.xml --
+check broken 1620 install broken.xml --
+printf '<!--\344-->%s' "$(cat good.xml)" >latin.xml
+check misread 0 install latin.xml -- warning
 
 # The picture is of C: alone, where the first script leaves nothing.
 schema=$verify_schema

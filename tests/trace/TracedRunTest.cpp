@@ -4,7 +4,7 @@
 
 #include "capi/CHostTest.h"
 #include "support/LockedFile.h"
-#include "system/CallTables.h"
+#include "trace/Tracer.h"
 
 using testing::Contains;
 
@@ -17,8 +17,7 @@ public:
     Result around(const char* name, Result (*real)(Arguments...),
                   std::type_identity_t<Arguments>... arguments) {
         // The tracer itself reads the clock and converts texts.
-        if constexpr (!std::is_same_v<decltype(table), ClockCalls&> &&
-                      !std::is_same_v<decltype(table), TextCalls&>)
+        if constexpr (!isInternal<std::remove_reference_t<decltype(table)>>)
             calls.emplace_back(name);
         return real(arguments...);
     }
@@ -49,10 +48,12 @@ protected:
     }
 
     void trace(bool traced) {
-        const temz_tracer tracer = {sizeof tracer, &heard, [](void* user, const temz_call*) {
+        const temz_tracer tracer = {sizeof tracer, &heard,
+                                    [](void* user, const temz_call*) {
                                         ++*static_cast<size_t*>(user);
                                         SetLastError(ERROR_INVALID_DATA);
-                                    }};
+                                    },
+                                    nullptr};
         EXPECT_EQ(temz_set_tracer(context, traced ? &tracer : nullptr), TEMZ_OK);
     }
 
@@ -113,10 +114,12 @@ TEST_F(TracedRunTest, TracerMayAskWhileAnObserverAsks) {
                                     },
                                     nullptr};
     const temz_tracer tracer = {
-        sizeof tracer, &questions, [](void* user, const temz_call*) {
+        sizeof tracer, &questions,
+        [](void* user, const temz_call*) {
             auto& self = *static_cast<Questions*>(user);
             self.answers.push_back(temz_last_failure(self.context, nullptr, 0, nullptr));
-        }};
+        },
+        nullptr};
     EXPECT_EQ(temz_set_observer(context, &observer), TEMZ_OK);
     EXPECT_EQ(temz_set_tracer(context, &tracer), TEMZ_OK);
 

@@ -86,12 +86,12 @@ constexpr std::optional<uint32_t> success;
 constexpr uint32_t lastError = ERROR_ACCESS_DENIED;
 
 template <auto& table>
-constexpr bool isTold =
-    !std::is_same_v<decltype(table), ClockCalls&> && !std::is_same_v<decltype(table), TextCalls&>;
+constexpr bool isTold = !isInternal<std::remove_reference_t<decltype(table)>>;
 /// Tables whose calls can't be made with arguments that are all zero.
 template <auto& table>
 constexpr bool needsArguments =
-    std::is_same_v<decltype(table), ActionCalls&> || std::is_same_v<decltype(table), LogCalls&>;
+    std::is_same_v<decltype(table), ActionCalls&> || std::is_same_v<decltype(table), LogCalls&> ||
+    std::is_same_v<decltype(table), WalkCalls&>;
 
 TEST_F(TracerTest, TellsOfEachCallOfEachTableByGroupAndName) {
     AnswerToAll answer;
@@ -263,6 +263,71 @@ TEST_F(TracerTest, CallWithoutAResultCannotFail) {
     EXPECT_THAT(listener.calls[0].arguments, ElementsAre(L"0", L"0", L"null", L"null"));
 }
 
+// What asks, and what changes.
+
+TEST_F(TracerTest, CallsThatChangeTheMachineAreMarked) {
+    EXPECT_TRUE((heardOf<fileCalls, &FileCalls::DeleteFileW>(TRUE).changes));
+    EXPECT_TRUE((heardOf<serviceCalls, &ServiceCalls::DeleteService>(TRUE).changes));
+    EXPECT_TRUE((heardOf<registryCalls, &RegistryCalls::RegDeleteKeyW>(0).changes));
+    EXPECT_FALSE((heardOf<fileCalls, &FileCalls::GetFileAttributesW>(0).changes));
+    EXPECT_FALSE((heardOf<registryCalls, &RegistryCalls::RegCloseKey>(0).changes));
+}
+
+/// A listener that is asked before each change.
+class Guard final : public CallListener {
+public:
+    void heard(const TracedCall& call) override { told.push_back(call.name); }
+    bool givesPermits() const override { return true; }
+    void permit(const TracedCall& call) override {
+        asked.push_back(call);
+        SetLastError(ERROR_INVALID_DATA);
+        fileCalls.DeleteFileW(L"of the listener's own");
+        if (refuses)
+            throw 1;
+    }
+
+    bool refuses = false;
+    std::vector<TracedCall> asked;
+    std::vector<std::wstring> told;
+};
+
+TEST_F(TracerTest, AsksBeforeAChangeAndNotBeforeAQuestion) {
+    const FakeCall<fileCalls, &FileCalls::DeleteFileW> remove([](auto...) { return TRUE; });
+    Guard guard;
+    Tracer tracer(guard);
+    const CallWrapper<Tracer> wrapper(tracer);
+    SetLastError(ERROR_ACCESS_DENIED);
+
+    fileCalls.DeleteFileW(L"C:\\a.txt");
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    fileCalls.GetFileAttributesW(L"C:\\");
+
+    ASSERT_THAT(guard.asked, SizeIs(1));
+    EXPECT_EQ(guard.asked[0].group, L"file");
+    EXPECT_EQ(guard.asked[0].name, L"DeleteFileW");
+    EXPECT_TRUE(guard.asked[0].changes);
+    EXPECT_THAT(guard.asked[0].arguments, ElementsAre(L"C:\\a.txt"));
+    EXPECT_EQ(guard.asked[0].result, L"");
+    EXPECT_THAT(guard.told, ElementsAre(L"DeleteFileW", L"GetFileAttributesW"));
+    EXPECT_EQ(remove.count, 2);
+}
+
+TEST_F(TracerTest, CallThatIsRefusedIsNotMade) {
+    const FakeCall<fileCalls, &FileCalls::MoveFileExW> move([](auto...) { return TRUE; });
+    const FakeCall<fileCalls, &FileCalls::DeleteFileW> remove([](auto...) { return TRUE; });
+    Guard guard;
+    guard.refuses = true;
+    Tracer tracer(guard);
+    const CallWrapper<Tracer> wrapper(tracer);
+
+    EXPECT_THROW(fileCalls.MoveFileExW(L"C:\\a", L"C:\\b", 0), int);
+    EXPECT_EQ(move.count, 0);
+    EXPECT_THAT(guard.told, IsEmpty());
+    guard.refuses = false;
+    fileCalls.MoveFileExW(L"C:\\a", L"C:\\b", 0);
+    EXPECT_EQ(move.count, 1);
+}
+
 // How arguments and results are told.
 
 TEST_F(TracerTest, WhatACallFillsInIsToldWhenItSucceeds) {
@@ -310,6 +375,39 @@ TEST_F(TracerTest, KeysAreToldByTheirPaths) {
     EXPECT_EQ(listener.calls[0].arguments[4], L"HKEY_LOCAL_MACHINE\\Software");
     EXPECT_THAT(listener.calls[2].arguments, ElementsAre(L"HKEY_LOCAL_MACHINE\\Software\\Example"));
     EXPECT_THAT(listener.calls[3].arguments, ElementsAre(L"HKEY_LOCAL_MACHINE\\Software"));
+}
+
+TEST_F(TracerTest, ClassesAndInterfacesAreToldByTheirIds) {
+    const FakeCall<shellCalls, &ShellCalls::CoCreateInstance> create(
+        [](auto&&...) { return E_NOINTERFACE; });
+    Tracer tracer(listener);
+    const CallWrapper<Tracer> wrapper(tracer);
+    constexpr GUID made{0x00021401, 0x0002, 0x0AB0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+    constexpr GUID asked{0xFEDCBA98, 0xFFFF, 0, {0, 1, 2, 3, 4, 5, 6, 255}};
+    void* object = nullptr;
+
+    shellCalls.CoCreateInstance(made, nullptr, CLSCTX_INPROC_SERVER, asked, &object);
+
+    EXPECT_THAT(listener.calls[0].arguments,
+                ElementsAre(L"{00021401-0002-0AB0-C000-000000000046}", L"null", L"1",
+                            L"{FEDCBA98-FFFF-0000-0001-0203040506FF}", testing::_));
+}
+
+TEST_F(TracerTest, WhatTheShellIsToldOfIsAPathWhereTheFlagsSaySo) {
+    const FakeCall<shellCalls, &ShellCalls::SHChangeNotify> notify([](auto...) {});
+    Tracer tracer(listener);
+    const CallWrapper<Tracer> wrapper(tracer);
+    const auto told = [&](UINT flags, const void* first, const void* second) {
+        shellCalls.SHChangeNotify(SHCNE_RENAMEITEM, flags, first, second);
+        return listener.calls.back().arguments;
+    };
+
+    EXPECT_THAT(told(SHCNF_PATHW | SHCNF_FLUSH, L"C:\\a.lnk", nullptr),
+                ElementsAre(L"1", L"4101", L"C:\\a.lnk", L"null"));
+    EXPECT_THAT(told(SHCNF_PATHA, "C:\\a.lnk", "C:\\b.lnk"),
+                ElementsAre(L"1", L"1", L"C:\\a.lnk", L"C:\\b.lnk"));
+    EXPECT_THAT(told(SHCNF_IDLIST, &told, nullptr), ElementsAre(L"1", L"0", L"(object)", L"null"));
+    EXPECT_THAT(told(SHCNF_DWORD, &told, nullptr), ElementsAre(L"1", L"3", L"(object)", L"null"));
 }
 
 TEST_F(TracerTest, OtherHandlesAreToldByWhatTheyWereOpenedFor) {

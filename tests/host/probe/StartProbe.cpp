@@ -44,6 +44,32 @@ extern "C" __declspec(dllexport) uint32_t pressCtrlC(CustomActionParams*, wchar_
     return 0;
 }
 
+/// The same, but as an action that fails.
+extern "C" __declspec(dllexport) uint32_t
+    pressCtrlCAndFail(CustomActionParams* params, wchar_t* message, uint32_t capacity) {
+    pressCtrlC(params, message, capacity);
+    return 1;
+}
+
+/// Presses Ctrl+C twice, and never returns.
+extern "C" __declspec(dllexport) uint32_t
+    pressCtrlCTwice(CustomActionParams* params, wchar_t* message, uint32_t capacity) {
+    pressCtrlC(params, message, capacity);
+    GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+    Sleep(INFINITE);
+    return 0;
+}
+
+/// Fails with whether a click into the console's window would mark text.
+extern "C" __declspec(dllexport) uint32_t
+    tellQuickEdit(CustomActionParams*, wchar_t* message, uint32_t capacity) {
+    constexpr DWORD quickEdit = 0x40;
+    DWORD mode = 0;
+    GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode);
+    std::swprintf(message, capacity, L"QuickEdit is %ls", (mode & quickEdit) != 0 ? L"on" : L"off");
+    return 1;
+}
+
 /// Writes the file "held" into the application's directory, and returns when somebody has deleted
 /// it.
 extern "C" __declspec(dllexport) uint32_t hold(CustomActionParams* params, wchar_t*, uint32_t) {

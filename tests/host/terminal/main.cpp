@@ -5,7 +5,7 @@
 //
 // TYPED holds a comma for each press of the Enter key, Z for Ctrl+Z. What stands in front of a bar
 // is typed before the program starts; of the rest one line as soon as each question stands there.
-// It has to be started with a console.
+// It has to be started with a console, and fails when the program leaves that without QuickEdit.
 
 #include <windows.h>
 
@@ -120,6 +120,21 @@ BOOL WINAPI outlive(DWORD) {
     return TRUE;
 }
 
+// As the user of a console has it, who finds it so again.
+constexpr DWORD quickEdit = 0x40;
+constexpr DWORD extendedFlags = 0x80;
+
+void setQuickEdit(HANDLE input) {
+    DWORD mode = 0;
+    GetConsoleMode(input, &mode);
+    SetConsoleMode(input, mode | quickEdit | extendedFlags);
+}
+
+bool isQuickEdit(HANDLE input) {
+    DWORD mode = 0;
+    return GetConsoleMode(input, &mode) && (mode & quickEdit) != 0;
+}
+
 std::wstring joinCommand(wchar_t** begin, wchar_t** end) {
     std::wstring command;
     for (wchar_t** argument = begin; argument != end; ++argument) {
@@ -152,9 +167,12 @@ int wmain(int count, wchar_t** arguments) {
     const size_t bar = typed.find(L'|');
     if (bar != std::wstring::npos)
         type(input, typed.substr(0, bar));
+    setQuickEdit(input);
     const DWORD exitCode =
         run(joinCommand(arguments + 3, arguments + count), input, output,
             {typed.substr(bar == std::wstring::npos ? 0 : bar + 1), input, output});
+    if (!isQuickEdit(input))
+        return ERROR_INVALID_STATE;
     if (!writeUtf8(arguments[1], readScreen(output)))
         return ERROR_WRITE_FAULT;
     return static_cast<int>(exitCode);

@@ -1,0 +1,404 @@
+#include "author/check/ElementMaker.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "elements/raw_installerXML.h"
+#include "system/ShellOperations.h"
+
+namespace {
+
+// As many as the engine makes for one, and as deep.
+constexpr size_t maxDepth = 2 * maxElementDepth;
+constexpr size_t maxTotal = 100'000;
+
+constexpr size_t idLimit = 256;
+
+bool isCumulative(const ElementKind& kind, std::wstring_view attribute) {
+    return (&kind == &directoryKind && attribute == pathAttribute) ||
+           (&kind == &registryKeyKind && attribute == L"Key");
+}
+
+bool isExpandable(const ElementKind& kind) {
+    return &kind != &variableKind && &kind != &variableConstKind;
+}
+
+/// How many elements one makes of itself: CreateElement leaves those that a run executes to the
+/// other factory.
+size_t ownCost(const ElementKind& kind) {
+    const auto lookedUp = lookedUpKinds();
+    return std::find(lookedUp.begin(), lookedUp.end(), &kind) == lookedUp.end() ? 2 : 1;
+}
+
+std::wstring kindOfPlace(std::wstring_view attributeName) {
+    return attributeName == pathAttribute ? L"no directory around it has a path"
+                                          : L"no element around it has one";
+}
+
+}  // namespace
+
+std::wstring describe(const ElementNode& element) {
+    const std::wstring_view id = element.id();
+    return inMarks(element.name) + (id.empty() ? L"" : L" " + inMarks(id));
+}
+
+bool isFolderWord(std::wstring_view word) {
+    const auto words = folderWords();
+    return std::any_of(words.begin(), words.end(),
+                       [&](const FolderWord& row) { return word == row.word; });
+}
+
+const KnownText* MadeElement::find(std::wstring_view name) const {
+    const MadeElement* asked = this;
+    while (asked) {
+        for (const auto& [attributeName, text] : asked->attributes)
+            if (name == attributeName)
+                return &text;
+        asked = asked->kind == &conditionKind ? asked->around : nullptr;
+    }
+    return nullptr;
+}
+
+ElementMaker::ElementMaker(const ScriptModel& model, const ScriptVariables& variables,
+                           NearMiss& nearMiss)
+    : model(model),
+      variables(variables),
+      nearMiss(nearMiss),
+      made(model.elements().size()),
+      states(model.elements().size(), State::unknown) {}
+
+bool ElementMaker::asksParent(const ElementKind& kind) {
+    return !kind.derived.empty() || &kind == &registryKeyKind || &kind == &conditionKind;
+}
+
+ElementNumber ElementMaker::definitionOf(ElementNumber number) const {
+    const ElementNode& element = model[number];
+    return element.reference ? model.find(*element.reference->target, element.id()) : number;
+}
+
+const MadeElement& ElementMaker::onDemand(ElementNumber number) {
+    if (states[number] != State::done)
+        demand(number);
+    return *made[number];
+}
+
+// Without recursion: what elements need can form a chain as long as the script.
+void ElementMaker::demand(ElementNumber number) {
+    std::vector<ElementNumber> open{number};
+    while (!open.empty()) {
+        const ElementNumber current = open.back();
+        if (states[current] == State::done) {
+            open.pop_back();
+            continue;
+        }
+        const ElementNumber definition = definitionOf(current);
+        const bool isNew = states[current] == State::unknown;
+        if (isNew) {
+            states[current] = State::open;
+            MadeElement& element = storage.emplace_back();
+            element.number = definition == noElement ? current : definition;
+            element.kind = model[element.number].kind;
+            element.failed = element.kind == nullptr;
+            made[current] = &element;
+        }
+        MadeElement& element = *made[current];
+        const std::vector<ElementNumber> needs =
+            element.kind ? needsOf(element.number) : std::vector<ElementNumber>{};
+        if (isNew) {
+            const size_t before = open.size();
+            for (const ElementNumber need : needs)
+                if (states[need] == State::unknown)
+                    open.push_back(need);
+            if (open.size() > before)
+                continue;
+        }
+        const auto circle = std::find_if(needs.begin(), needs.end(), [&](ElementNumber need) {
+            return states[need] == State::open;
+        });
+        if (circle != needs.end()) {
+            element.endless = true;
+            fail(element,
+                 {Fault::endlessMaking, model[element.number].place,
+                  describe(model[element.number]) + L" needs itself to be made, by way of " +
+                      describe(model[*circle]) + L".",
+                  L"take the reference out of one of their texts."});
+        } else if (element.kind) {
+            const ElementNumber parent = model[element.number].parent;
+            make(element,
+                 parent != noElement && states[parent] == State::done ? made[parent] : nullptr);
+        }
+        states[current] = State::done;
+        open.pop_back();
+    }
+}
+
+std::vector<ElementNumber> ElementMaker::needsOf(ElementNumber definition) const {
+    const ElementNode& element = model[definition];
+    std::vector<ElementNumber> needs;
+    bool needsParent = false;
+    for (const AttributeDeclaration& declaration : element.kind->declared) {
+        const AttributeNode* attribute = element.find(declaration.name);
+        if (!attribute)
+            continue;
+        needsParent |= isCumulative(*element.kind, declaration.name);
+        if (isExpandable(*element.kind) && hasReferences(attribute->value))
+            for (const TextPiece& piece : piecesOf(attribute->value))
+                if (piece.meaning == TextPiece::directory && !isFolderWord(piece.text)) {
+                    const ElementNumber need = model.find(directoryKind, piece.text);
+                    if (need != noElement)
+                        needs.push_back(need);
+                }
+    }
+    for (const AttributeDeclaration& declaration : element.kind->derived)
+        if (!element.find(declaration.name) &&
+            !(element.is(directoryKind) && isFolderWord(element.id())))
+            needsParent = true;
+    if (needsParent && element.parent != noElement)
+        needs.push_back(element.parent);
+    return needs;
+}
+
+MadeElement ElementMaker::inParent(ElementNumber number, const MadeElement& parent) {
+    MadeElement element;
+    element.number = number;
+    element.kind = model[number].kind;
+    element.around = &parent;
+    for (const ElementNumber need : needsOf(number))
+        if (model[need].is(directoryKind))
+            onDemand(need);
+    make(element, &parent);
+    return element;
+}
+
+void ElementMaker::make(MadeElement& element, const MadeElement* parent) {
+    const ElementNode& node = model[element.number];
+    element.depth = element.total = ownCost(*element.kind);
+    if (const AttributeNode* id = node.find(idAttribute); id && id->value.size() >= idLimit)
+        element.problems.push_back({Fault::idTooLong,
+                                    id->valuePlace,
+                                    L"The Id has " + std::to_wstring(id->value.size()) +
+                                        L" characters; there is room for " +
+                                        std::to_wstring(idLimit - 1) + L".",
+                                    {}});
+    readDeclared(element, parent);
+    if (!element.failed)
+        takeDerived(element, parent);
+    if (!element.endless && (element.depth > maxDepth || element.total > maxTotal)) {
+        element.endless = true;
+        fail(element, {Fault::endlessMaking, node.place,
+                       describe(node) + L" needs more elements to be made than the engine makes "
+                                        L"for one.",
+                       L"let fewer directories stand in each other's texts."});
+    }
+}
+
+bool ElementMaker::readDeclared(MadeElement& element, const MadeElement* parent) {
+    const ElementNode& node = model[element.number];
+    for (const AttributeDeclaration& declaration : element.kind->declared) {
+        const AttributeNode* attribute = node.find(declaration.name);
+        if (!attribute) {
+            if (!declaration.required)
+                continue;
+            std::wstring help;
+            std::vector<std::wstring_view> present;
+            for (const AttributeNode& other : node.attributes)
+                present.push_back(other.name);
+            if (const std::wstring near = nearMiss.find(declaration.name, present); !near.empty())
+                help = L"is " + inMarks(near) + L" meant as `" + declaration.name + L"`?";
+            fail(element, {Fault::missingAttribute, node.place,
+                           describe(node) + L" has no " + inMarks(declaration.name) + L".", help});
+            continue;
+        }
+        KnownText text;
+        if (!isExpandable(*element.kind))
+            text = KnownText::of(attribute->value);
+        else if (!expand(element, *attribute, text))
+            continue;
+        if (isCumulative(*element.kind, declaration.name) && parent) {
+            if (parent->endless)
+                blame(element, *parent);
+            if (const KnownText* above =
+                    parent->failed ? nullptr : parent->find(declaration.name)) {
+                KnownText whole = *above;
+                whole.addSeparator();
+                whole.append(text);
+                text = whole;
+            }
+            if (element.around == nullptr)
+                addCost(element, *parent);
+        }
+        element.attributes.emplace_back(declaration.name, std::move(text));
+    }
+    return !element.failed;
+}
+
+void ElementMaker::takeDerived(MadeElement& element, const MadeElement* parent) {
+    const ElementNode& node = model[element.number];
+    bool countedParent = false;
+    for (const AttributeDeclaration& declaration : element.kind->derived) {
+        if (std::any_of(element.attributes.begin(), element.attributes.end(),
+                        [&](const auto& entry) {
+                            return std::wstring_view(entry.first) == declaration.name;
+                        }))
+            continue;
+        if (element.kind == &directoryKind && isFolderWord(node.id())) {
+            element.attributes.emplace_back(declaration.name, KnownText::ofFolder(node.id()));
+            continue;
+        }
+        if (parent && element.around == nullptr && !countedParent) {
+            addCost(element, *parent);
+            countedParent = true;
+        }
+        if (parent && parent->endless)
+            blame(element, *parent);
+        const KnownText* above =
+            parent && !parent->failed ? parent->find(declaration.name) : nullptr;
+        if (above) {
+            element.attributes.emplace_back(declaration.name, *above);
+        } else if (declaration.required && !element.failed) {
+            element.failed = true;
+            if (parent && parent->failed) {
+                element.blamed.push_back(parent);
+            } else if (element.kind == &directoryKind) {
+                fail(element, {Fault::directoryWithoutPath, node.place,
+                               describe(node) + L" has no `Path`, and " +
+                                   kindOfPlace(declaration.name) + L".",
+                               didYouMean(nearMiss.find(node.id(), folderWords()))});
+            }
+        }
+    }
+}
+
+bool ElementMaker::expand(MadeElement& element, const AttributeNode& attribute, KnownText& text) {
+    if (!hasReferences(attribute.value)) {
+        text = KnownText::of(attribute.value);
+        return true;
+    }
+    bool whole = true;
+    for (const TextPiece& piece : piecesOf(attribute.value))
+        whole &= expandPiece(element, attribute, piece, text);
+    return whole;
+}
+
+bool ElementMaker::expandPiece(MadeElement& element, const AttributeNode& attribute,
+                               const TextPiece& piece, KnownText& text) {
+    const auto failAt = [&](Fault fault, std::wstring message, std::wstring help = {}) {
+        fail(element, {fault, model.spanIn(attribute, piece.from, piece.length), std::move(message),
+                       std::move(help)});
+        return false;
+    };
+    switch (piece.meaning) {
+        case TextPiece::literal:
+            text.append(piece.text);
+            return true;
+        case TextPiece::fault:
+            if (piece.reason == Fault::numberSign)
+                return failAt(piece.reason,
+                              L"The `#` in " + inMarks(piece.text) + L" names nothing.",
+                              L"write ## for a # that is meant as such.");
+            return failAt(piece.reason,
+                          L"The brackets of " + inMarks(piece.text) + L" don't match.",
+                          L"write [id], and #[ or #] for a bracket that is meant as such.");
+        case TextPiece::variable:
+            if (const ScriptVariable* variable = variables.find(piece.text);
+                variable && variable->type == VARIABLE_STRING) {
+                variable->read = true;
+                text.append(variable->asText());
+                return true;
+            }
+            return tellVariable(element, attribute, piece);
+        case TextPiece::directory:
+            break;
+    }
+    if (isFolderWord(piece.text)) {
+        KnownText folder = KnownText::ofFolder(piece.text);
+        folder.addSeparator();
+        text.append(folder);
+        return true;
+    }
+    const ElementNumber number = model.find(directoryKind, piece.text);
+    if (number == noElement) {
+        std::wstring near = nearMiss.find(piece.text, folderWords());
+        if (near.empty())
+            near = nearMiss.find(piece.text, model.idsOf(directoryKind));
+        return failAt(Fault::directoryUnknown,
+                      L"There is no `Directory` with the Id " + inMarks(piece.text) +
+                          L", and it is no folder word.",
+                      near.empty() ? near : L"did you mean `[" + near + L"]`?");
+    }
+    const MadeElement& directory = onDemand(number);
+    addCost(element, directory);
+    const KnownText* path = directory.failed ? nullptr : directory.find(pathAttribute);
+    if (!path) {
+        blame(element, directory);
+        return false;
+    }
+    KnownText place = *path;
+    place.addSeparator();
+    text.append(place);
+    element.needs.push_back(&directory);
+    return true;
+}
+
+bool ElementMaker::tellVariable(MadeElement& element, const AttributeNode& attribute,
+                                const TextPiece& piece) {
+    const auto failAt = [&](Fault fault, std::wstring message, std::wstring help) {
+        fail(element, {fault, model.spanIn(attribute, piece.from, piece.length), std::move(message),
+                       std::move(help)});
+        return false;
+    };
+    if (const ScriptVariable* variable = variables.find(piece.text)) {
+        variable->read = true;
+        return failAt(Fault::integerInText,
+                      inMarks(piece.text) + L" is an integer and can't be written into a text.",
+                      L"use a variable of the type string.");
+    }
+    const std::wstring_view front = variables.nameInFrontOf(piece.text);
+    if (!front.empty()) {
+        variables.find(front)->read = true;
+        return failAt(Fault::textBehindVariable,
+                      inMarks(piece.text) + L" is taken as a whole for the name of a variable.",
+                      L"`#" + std::wstring(front) +
+                          L"` ends only at the next # or [, or with the text: put what follows "
+                          L"into a variable or a Directory of its own.");
+    }
+    const std::wstring near = nearMiss.find(piece.text, variables.names());
+    return failAt(Fault::variableUnknown, L"There is no variable " + inMarks(piece.text) + L".",
+                  near.empty() ? L"write ## for a # that is meant as such."
+                               : L"did you mean `#" + near + L"`?");
+}
+
+void ElementMaker::fail(MadeElement& element, Problem problem) {
+    element.failed = true;
+    element.problems.push_back(std::move(problem));
+}
+
+void ElementMaker::blame(MadeElement& element, const MadeElement& cause) {
+    element.failed = true;
+    element.endless |= cause.endless;
+    element.blamed.push_back(&cause);
+}
+
+void ElementMaker::addCost(MadeElement& element, const MadeElement& need) {
+    element.depth = std::max(element.depth, ownCost(*element.kind) + need.depth);
+    element.total = std::min(element.total + need.total, maxTotal + 1);
+    if (!need.failed && (!need.problems.empty() || !need.blamed.empty()))
+        element.blamed.push_back(&need);
+}
+
+// Without recursion, for the same reason as the making.
+void ElementMaker::tellProblems(const MadeElement& element, bool surely, bool byReference,
+                                Report& report) {
+    std::vector<const MadeElement*> left{&element};
+    std::unordered_set<const MadeElement*> told;
+    while (!left.empty()) {
+        const MadeElement* current = left.back();
+        left.pop_back();
+        if (!told.insert(current).second)
+            continue;
+        for (const Problem& problem : current->problems)
+            if (problem.fault != Fault::idTooLong || current != &element || !byReference)
+                report.tell(problem.fault, problem.place, surely, problem.text, problem.help);
+        left.insert(left.end(), current->blamed.begin(), current->blamed.end());
+    }
+}

@@ -1,0 +1,96 @@
+#include "author/check/Checks.h"
+
+namespace {
+
+/// An attribute with one word that has a meaning, and what any other text counts as.
+struct SingleWord {
+    const ElementKind* kind;
+    const wchar_t* attribute;
+    const wchar_t* word;
+};
+
+constexpr SingleWord singleWords[] = {
+    {&fileKind, L"Vital", yesKeyword},
+    {&shellExcuteKind, L"Vital", yesKeyword},
+    {&serviceControlKind, L"Vital", yesKeyword},
+    {&registryValueKind, L"Vital", yesKeyword},
+    {&removeDirectoryKind, L"Vital", yesKeyword},
+    {&fileKind, L"KillProcess", yesKeyword},
+    {&fileKind, L"SupportDelayInstall", yesKeyword},
+    {&componentKind, L"SupportDelayInstall", yesKeyword},
+    {&serviceControlKind, L"Wait", yesKeyword},
+    {&customActionKind, L"Return", checkKeyword},
+    {&shellExcuteKind, L"Return", syncKeyword},
+};
+
+/// Other languages' words for yes.
+constexpr const wchar_t* affirmations[] = {L"true", L"1", L"on"};
+
+void checkSingleWord(const Action& action, const SingleWord& row) {
+    const KnownText* text = action.text(row.attribute);
+    const AttributeNode* own = action.node.find(row.attribute);
+    if (!text || !own || !text->exact || text->text == row.word || text->text == noKeyword)
+        return;
+    const wchar_t* meant[] = {row.word};
+    std::wstring near = action.checked.nearMiss.find(text->text, meant);
+    if (text->text.size() > near.size() && text->text.ends_with(near))
+        near.clear();  // as "async", which is meant as the opposite
+    for (const wchar_t* affirmation : affirmations)
+        if (row.word == yesKeyword && _wcsicmp(text->text.c_str(), affirmation) == 0)
+            near = row.word;
+    const std::wstring what = inMarks(text->text) + L" is no word of `" + row.attribute +
+                              L"` and counts as `" + noKeyword + L"`.";
+    if (near.empty())
+        action.checked.report.tellOf(
+            Fault::keywordUnknown, own->valuePlace, what,
+            std::wstring(L"the word with a meaning is `") + row.word + L"`.");
+    else
+        action.checked.report.tellOf(Fault::keywordMisspelt, own->valuePlace, what,
+                                     didYouMean(near));
+}
+
+template <class Keyword>
+std::wstring helpWith(const Action& action, const std::wstring& word,
+                      std::span<const Keyword> keywords) {
+    std::wstring help = didYouMean(action.checked.nearMiss.find(word, keywords));
+    if (!help.empty())
+        return help;
+    for (const Keyword& keyword : keywords)
+        help.append(help.empty() ? L"use " : L", ").append(inMarks(keyword.word));
+    return help + L".";
+}
+
+/// The keyword of an attribute; null, told as a fault of this kind, when there is none of it.
+template <class Keyword>
+void checkWord(const Action& action, const wchar_t* attribute, std::span<const Keyword> keywords,
+               Fault fault, const std::wstring& effect) {
+    const KnownText* text = action.text(attribute);
+    if (!text || !text->exact || findKeyword(keywords, text->text))
+        return;
+    const std::wstring what = inMarks(text->text) + L" is no word of `" + attribute + L"`" + effect;
+    const std::wstring help = helpWith(action, text->text, keywords);
+    if (action.is(registryValueKind))
+        action.tellFailure(fault, action.placeOf(attribute), what, help);
+    else
+        action.checked.report.tell(fault, action.placeOf(attribute), action.isSure(), what, help);
+}
+
+}  // namespace
+
+void checkKeywords(const Checked& checked) {
+    forEachAction(checked, [](const Action& action) {
+        for (const SingleWord& row : singleWords)
+            if (action.is(*row.kind))
+                checkSingleWord(action, row);
+        if (action.is(serviceControlKind))
+            checkWord(action, L"Action", serviceActionKeywords(), Fault::serviceActionUnknown,
+                      L", so nothing is done.");
+        if (action.is(registryKeyKind)) {
+            checkWord(action, L"Action", registryKeyActionKeywords(), Fault::keyActionUnknown,
+                      L" of a `RegistryKey`, which ends the run.");
+            checkWord(action, L"Root", registryRootKeywords(), Fault::rootUnknown, L".");
+        }
+        if (action.is(registryValueKind))
+            checkWord(action, L"Type", registryTypeKeywords(), Fault::valueTypeUnknown, L".");
+    });
+}

@@ -1,0 +1,100 @@
+#include <windows.h>
+
+#include <filesystem>
+#include <unordered_set>
+
+#include "author/check/Targets.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// What stands beside a payload to install it.
+constexpr const wchar_t* hostFiles[] = {L"temz.exe", L"TEMZC.dll", L"TEMZ.dll"};
+
+/// The payload stands in for the directory of the host program, or is a folder in it that all
+/// sources name.
+class PayloadCheck {
+public:
+    PayloadCheck(const Checked& checked, const CheckRequest& request)
+        : checked(checked), request(request), folder(fs::absolute(request.payload)) {
+        if (!folder.has_filename())
+            folder = folder.parent_path();
+    }
+
+    void check() {
+        forEachAction(checked, [this](const Action& action) {
+            if (action.is(fileKind) && (action.visit.possible & installingModes) != 0)
+                checkSource(action);
+        });
+        checkUnused();
+    }
+
+private:
+    static std::wstring keyOf(const fs::path& path) {
+        return lowered(fs::path(path).lexically_normal().make_preferred().wstring());
+    }
+
+    void checkSource(const Action& action) {
+        const KnownText& source = *action.text(L"Source");
+        if (!source.exact || source.opaqueEnd > 0 || source.text.empty())
+            return;
+        fs::path path = folder / fs::path(source.text).relative_path();
+        DWORD attributes = GetFileAttributesW(path.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES) {
+            const fs::path beside = folder.parent_path() / fs::path(source.text).relative_path();
+            if (keyOf(beside).starts_with(keyOf(folder) + L"\\")) {
+                path = beside;
+                attributes = GetFileAttributesW(path.c_str());
+            }
+        }
+        used.insert(keyOf(path));
+        const Span place = action.placeOf(L"Source");
+        if (attributes == INVALID_FILE_ATTRIBUTES)
+            checked.report.tellOf(Fault::sourceMissing, place,
+                                  inMarks(source.text) + L" isn't in the payload.",
+                                  L"correct the Source, or add the file.");
+        else if (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN))
+            checked.report.tellOf(Fault::sourceReadOnly, place,
+                                  inMarks(source.text) +
+                                      L" is read-only or hidden, so an upgrade can't replace its "
+                                      L"copy.",
+                                  L"take the attribute off the file.");
+    }
+
+    bool isOfTheHost(const fs::path& path) const {
+        for (const wchar_t* name : hostFiles)
+            if (lowered(path.filename().wstring()) == lowered(name))
+                return true;
+        const std::wstring key = keyOf(path);
+        return key == keyOf(fs::absolute(request.script)) ||
+               (!request.previous.empty() && key == keyOf(fs::absolute(request.previous)));
+    }
+
+    void checkUnused() {
+        std::error_code error;
+        for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+             entry.increment(error)) {
+            if (!entry->is_regular_file(error) || isOfTheHost(entry->path()) ||
+                used.contains(keyOf(entry->path())))
+                continue;
+            checked.report.tellOfFile(
+                Fault::payloadUnused,
+                L"No File installs " +
+                    inMarks(entry->path().lexically_relative(folder).make_preferred().wstring()) +
+                    L" of the payload.",
+                L"add a File for it, or take it out of the payload.");
+        }
+    }
+
+    const Checked& checked;
+    const CheckRequest& request;
+    fs::path folder;
+    std::unordered_set<std::wstring> used;
+};
+
+}  // namespace
+
+void checkPayload(const Checked& checked, const CheckRequest& request) {
+    PayloadCheck(checked, request).check();
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "author/check/Finding.h"
+
+/// A stretch of a script's text, in bytes.
+struct Span {
+    size_t offset = 0;
+    size_t length = 0;
+};
+
+/// The text of a script file as the parser gets it: every end of a line is a line feed, and it ends
+/// at the first NUL. Tells what stands where. Texts are shown as UTF-8 when that is what the file
+/// is, otherwise in the active code page.
+class ScriptText {
+public:
+    /// Nothing when the file can't be opened.
+    static std::optional<ScriptText> read(const std::wstring& file);
+
+    explicit ScriptText(std::string_view bytes);
+
+    const std::string& bytes() const { return text; }
+    bool isUtf8() const { return utf8; }
+    bool isAscii() const { return ascii; }
+
+    Place placeOf(Span span) const;
+    /// The line of that number, counted from 1, without its end.
+    std::wstring line(uint32_t number) const;
+    /// The place of a column that is counted in characters, both from 1.
+    Span spanAt(size_t line, size_t column, bool utf8Columns) const;
+
+private:
+    size_t lineOf(size_t offset) const;
+    std::string_view lineBytes(size_t index) const;
+    std::wstring wide(std::string_view part) const;
+
+    std::string text;
+    std::vector<size_t> lineStarts;  // behind a byte order mark
+    bool utf8 = false;
+    bool ascii = false;
+};
+
+/// How many bytes a character of UTF-8 has that begins so; 1 for what begins none.
+size_t utf8Length(char first);

@@ -1,0 +1,108 @@
+#include "author/check/TagScanner.h"
+
+#include <cctype>
+#include <string_view>
+
+namespace {
+
+bool isSpace(char letter) {
+    return std::isspace(static_cast<unsigned char>(letter)) != 0;
+}
+
+bool startsName(char letter) {
+    const auto byte = static_cast<unsigned char>(letter);
+    return byte >= 127 || std::isalpha(byte) != 0 || byte == '_';
+}
+
+bool continuesName(char letter) {
+    return startsName(letter) || std::isdigit(static_cast<unsigned char>(letter)) != 0 ||
+           letter == '-' || letter == '.' || letter == ':';
+}
+
+class TagScanner {
+public:
+    explicit TagScanner(std::string_view text) : text(text) {}
+
+    std::vector<TagPlaces> scan() {
+        std::vector<TagPlaces> tags;
+        while ((at = text.find('<', at)) != text.npos) {
+            if (startsWith("<!--"))
+                skipBehind("-->");
+            else if (startsWith("<![CDATA["))
+                skipBehind("]]>");
+            else if (at + 1 < text.size() && startsName(text[at + 1]))
+                tags.push_back(readTag());
+            else
+                skipBehind(">");
+        }
+        return tags;
+    }
+
+private:
+    bool startsWith(std::string_view mark) const { return text.substr(at).starts_with(mark); }
+
+    void skipBehind(std::string_view mark) {
+        const size_t found = text.find(mark, at + 1);
+        at = found == text.npos ? text.size() : found + mark.size();
+    }
+
+    bool atEnd() const { return at >= text.size(); }
+
+    void skipSpace() {
+        while (!atEnd() && isSpace(text[at]))
+            ++at;
+    }
+
+    Span readName() {
+        const size_t start = at;
+        while (!atEnd() && continuesName(text[at]))
+            ++at;
+        return {start, at - start};
+    }
+
+    TagPlaces readTag() {
+        ++at;
+        TagPlaces tag{readName(), {}};
+        for (skipSpace(); !atEnd() && text[at] != '>'; skipSpace()) {
+            if (startsName(text[at]))
+                tag.attributes.push_back(readAttribute());
+            else
+                ++at;
+        }
+        return tag;
+    }
+
+    TagPlaces::AttributePlaces readAttribute() {
+        const Span name = readName();
+        skipSpace();
+        if (!atEnd() && text[at] == '=')
+            ++at;
+        skipSpace();
+        return {name, readValue()};
+    }
+
+    Span readValue() {
+        if (atEnd())
+            return {at, 0};
+        const char quote = text[at];
+        if (quote == '"' || quote == '\'') {
+            const size_t start = ++at;
+            const size_t end = text.find(quote, start);
+            at = end == text.npos ? text.size() : end + 1;
+            return {start, (end == text.npos ? text.size() : end) - start};
+        }
+        const size_t start = at;
+        while (!atEnd() && !isSpace(text[at]) && text[at] != '/' && text[at] != '>')
+            ++at;
+        return {start, at - start};
+    }
+
+    std::string_view text;
+    size_t at = 0;
+};
+
+}  // namespace
+
+std::vector<TagPlaces> scanTags(const std::string& text) {
+    return TagScanner(text).scan();
+}
