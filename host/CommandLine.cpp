@@ -31,6 +31,8 @@ void takeOperand(CommandLine& line, const std::wstring& operand) {
     line.*text = operand;
 }
 
+void takeNothing(CommandLine& /*line*/, const std::wstring& /*operand*/) {}
+
 struct Topic {
     const wchar_t* word;
     Verb verb;

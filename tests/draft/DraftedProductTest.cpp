@@ -106,6 +106,19 @@ TEST_F(DraftedProductTest, IsCleanWithAnyNames) {
     expectToBeClean(3, 1);
 }
 
+TEST_F(DraftedProductTest, PassesTheCheck) {
+    pay({L"[a] b#.exe", L"in [x]\\# a\\&\\deep.txt", L"a & b.txt",
+         L"\u4E2D\u6587\\\u5B89\u88C5.txt"});
+    draft();
+
+    const ProgramRun run = temz(L"check install.xml --payload payload --warnings-as-errors");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.output, "No findings. Nothing was run.\n");
+    ship(L"payload\\more.txt", "");
+    EXPECT_NE(temz(L"check install.xml --payload payload --warnings-as-errors").exitCode, 0u);
+}
+
 TEST_F(DraftedProductTest, IsDraftedAlikeEachTime) {
     pay({L"b.exe", L"a.txt", L"c\\d.txt"});
     draft();

@@ -1,0 +1,40 @@
+#!/usr/bin/env python3
+"""Checks what temz verify --json wrote: verify-lines.py SCHEMA FILE EXIT-CODE EVENT...
+
+Every line is valid by the schema, the first is the start and the last the end, which tells the exit
+code and counts the differences, and the EVENTs, such as difference:left, are those that stand there.
+"""
+import json
+import sys
+
+import jsonschema
+
+
+def main(schema_path, path, exit_code, *wanted):
+    with open(schema_path, encoding="utf-8") as file:
+        schema = json.load(file)
+    jsonschema.Draft7Validator.check_schema(schema)
+    validator = jsonschema.Draft7Validator(schema)
+    with open(path, encoding="utf-8", errors="strict", newline="\n") as file:
+        lines = [json.loads(line) for line in file]
+    for number, line in enumerate(lines, 1):
+        for error in validator.iter_errors(line):
+            sys.exit(f"Line {number}: {line}: {error.message}")
+
+    events = [line["event"] for line in lines]
+    if events[0] != "start" or events[-1] != "end" or len(set(events[1:-1]) & {"start", "end"}):
+        sys.exit("The first line must be the start and the last the end, and no other.")
+    end = lines[-1]
+    if end["exitCode"] != int(exit_code):
+        sys.exit(f"The exit code is {exit_code}, and {end['exitCode']} is told.")
+    for what in ("left", "changed", "lost"):
+        if end[what] != sum(line.get("what") == what for line in lines):
+            sys.exit(f"{what} is counted wrong.")
+    details = {"run": "mode", "difference": "what"}
+    seen = {line["event"] + (f":{line[details[line['event']]]}" if line["event"] in details else "")
+            for line in lines[1:-1]}
+    if seen != set(wanted):
+        sys.exit(f"{sorted(seen)} in place of {sorted(wanted)}")
+
+
+main(*sys.argv[1:])
