@@ -27,7 +27,7 @@ bool isDevice(std::wstring_view name) {
 std::wstring whyUnwise(std::wstring_view part) {
     if (isDevice(part))
         return L" is the name of a device.";
-    if (part.find(L':') != part.npos)
+    if (part.find(L':') != std::wstring_view::npos)
         return L" has a colon, behind which Windows takes it for a stream of another file.";
     if (!part.empty() && part != L"." && part != L".." &&
         (part.back() == L'.' || part.back() == L' '))
