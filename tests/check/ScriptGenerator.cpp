@@ -19,8 +19,8 @@ constexpr const char* expressions[] = {"OS_BIT E 64",
 constexpr const char* modes[] = {"install", "uninstall", "upgrade", "installupgrade", ""};
 constexpr const char* titles[] = {"A title", "[DIR1]", "#TEXT", "#FIXED[DIR1]end", "a##b #[c#]"};
 // A whole path in the middle of another would make directories that can't be removed again, and
-// what a variable holds that a run can change isn't known to a check.
-constexpr const char* names[] = {"A title", "#FIXED", "a##b #[c#]"};
+// what a variable holds that a run can change, or shares with one, isn't known to a check.
+constexpr const char* names[] = {"A title", "#]plain", "a##b #[c#]"};
 
 bool isPath(const std::string& attribute) {
     return attribute == "Name" || attribute == "Path" || attribute == "Source";
@@ -310,7 +310,7 @@ void ScriptGenerator::spoilChildren(DraftElement& element, DraftElement& script)
         default: {
             const std::vector<DraftElement*> elements = script.all();
             const DraftElement copy = *elements[1 + random.below(elements.size() - 1)];
-            if (copy.name != "RegistryKey" && copy.name != "Product")
+            if (copy.name != "RegistryKey" && copy.name != "Product" && copy.name != "Directory")
                 element.children.push_back(copy);
         }
     }
