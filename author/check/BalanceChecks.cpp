@@ -112,8 +112,9 @@ void checkUpgrade(const Checked& checked, const Checked& previous) {
     const Effects before(previous);
     const Effects now(checked);
     const auto tell = [&](Fault fault, const std::wstring& name, const Visit& visit) {
+        const wchar_t* what = fault == Fault::serviceLeftByUpgrade ? L"The service " : L"";
         checked.report.tellOfFile(fault,
-                                  inMarks(name) + L" of the version before (line " +
+                                  what + inMarks(name) + L" of the version before (line " +
                                       lineIn(previous, visit) +
                                       L" of its script) is left by an upgrade.",
                                   kindOf(fault).remedy);

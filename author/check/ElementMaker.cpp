@@ -257,7 +257,7 @@ void ElementMaker::takeDerived(MadeElement& element, const MadeElement* parent) 
             element.attributes.emplace_back(declaration.name, *above);
         } else if (declaration.required && !element.failed) {
             element.failed = true;
-            if (parent && parent->failed) {
+            if (parent && (!parent->problems.empty() || !parent->blamed.empty())) {
                 element.blamed.push_back(parent);
             } else if (element.kind == &directoryKind) {
                 fail(element, {Fault::directoryWithoutPath, node.place,

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cwctype>
 #include <unordered_map>
 
 #include "author/check/Checks.h"
@@ -28,7 +27,7 @@ bool isDevice(std::wstring_view name) {
 std::wstring whyUnwise(std::wstring_view part) {
     if (isDevice(part))
         return L" is the name of a device.";
-    if (part.find(L':') != part.npos)
+    if (part.find(L':') != std::wstring_view::npos)
         return L" has a colon, behind which Windows takes it for a stream of another file.";
     if (!part.empty() && part != L"." && part != L".." &&
         (part.back() == L'.' || part.back() == L' '))
@@ -74,18 +73,36 @@ void tellLongPath(const Action& action, Span place, size_t shortest, size_t long
                                      sentence(L"may have", longest));
 }
 
+/// Whether a text begins with, or holds, the whole path of a directory.
+bool holdsWholePath(const Action& action, const wchar_t* attribute, const KnownText& text) {
+    if (text.opaqueEnd > 0 || text.text.starts_with(L"\\\\"))
+        return true;
+    const std::vector<TextPiece> pieces = piecesOf(action.node.find(attribute)->value);
+    const bool hasDirectory = std::any_of(pieces.begin(), pieces.end(), [](const TextPiece& piece) {
+        return piece.meaning == TextPiece::directory;
+    });
+    return (text.exact || hasDirectory) && text.text.find(L':') != std::wstring::npos;
+}
+
 void checkSource(const Action& action) {
     const KnownText& source = *action.text(L"Source");
-    const std::wstring& text = source.text;
-    const bool hasDrive = text.size() > 1 && text[1] == L':' && std::iswalpha(text[0]);
-    const bool hasHost = text.starts_with(L"\\\\");
-    if (source.opaqueEnd > 0 || (source.exact && (hasDrive || hasHost)))
+    if (holdsWholePath(action, L"Source", source))
         action.tellFailure(Fault::absoluteSource, action.placeOf(L"Source"),
-                           inMarks(text) +
-                               L" is put behind the directory of the host program all "
-                               L"the same.",
+                           inMarks(source.text) +
+                               L" is put behind the directory of the host "
+                               L"program all the same.",
                            L"name the file relative to the directory of the host program.",
                            installingModes);
+}
+
+void checkService(const Action& action) {
+    const KnownText& name = *action.text(L"Name");
+    const KnownText& keyword = *action.text(L"Action");
+    if (name.text.find_first_of(L"\\/") != std::wstring::npos &&
+        findKeyword(serviceActionKeywords(), keyword.text))
+        action.tellFailure(Fault::nameRefused, action.placeOf(L"Name"),
+                           inMarks(name.text) + L" can't be the name of a service.",
+                           L"services are named without a path.");
 }
 
 void checkFile(const Action& action) {
@@ -204,6 +221,8 @@ void checkFiles(const Checked& checked) {
             checkShortcut(action);
         } else if (action.is(removeDirectoryKind)) {
             checkRemoval(action);
+        } else if (action.is(serviceControlKind)) {
+            checkService(action);
         } else if (action.is(customActionKind)) {
             checkCustomAction(action);
         }

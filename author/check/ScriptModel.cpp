@@ -37,11 +37,14 @@ std::wstring keyOf(const wchar_t* name, std::wstring_view id) {
     return key += id;
 }
 
+/// No reference to a character is longer.
+constexpr size_t longestReference = 12;
+
 /// The bytes of a value that the parser takes as one: a reference, or a character.
 size_t unitLength(std::string_view rest) {
     if (rest.front() == '&') {
         const size_t end = rest.find(';');
-        if (end != rest.npos && end < 12)
+        if (end < longestReference)
             return end + 1;
     }
     return std::min(utf8Length(rest.front()), rest.size());

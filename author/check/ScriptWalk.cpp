@@ -17,7 +17,7 @@ std::wstring listOfParents(const std::wstring& child) {
 
 std::wstring article(std::wstring_view word) {
     const bool isVowel =
-        !word.empty() && std::wstring_view(L"AEIOU").find(word.front()) != word.npos;
+        !word.empty() && std::wstring_view(L"AEIOU").find(word.front()) != std::wstring_view::npos;
     return isVowel ? L"an " : L"a ";
 }
 
@@ -29,14 +29,32 @@ bool implies(const Guard* inner, const Guard* outer) {
     return inner == outer;
 }
 
-void tellExpression(const ExpressionResult& result, const AttributeNode& attribute,
-                    const ScriptModel& model, bool surely, Report& report) {
+// An expression with a text in it that a run can change may be anything; one with a path in it asks
+// for a variable of that name.
+ExpressionResult checkExpression(const MadeElement& element, const ScriptModel& model,
+                                 const ScriptVariables& variables, NearMiss& nearMiss, bool surely,
+                                 Report& report) {
+    const KnownText* expression = element.find(L"Expression");
+    const AttributeNode* attribute = model[element.number].find(L"Expression");
+    if (expression == nullptr)
+        return {};
+    if (!expression->exact || expression->opaqueEnd > 0) {
+        for (const TextPiece& piece : piecesOf(attribute->value))
+            if (piece.meaning == TextPiece::directory)
+                report.tell(
+                    Fault::expressionVariable, model.spanIn(*attribute, piece.from, piece.length),
+                    false,
+                    L"The path of " + inMarks(piece.text) + L" is no variable of this script.");
+        return {};
+    }
+    ExpressionResult result = readExpression(expression->text, variables, nearMiss);
     for (const ExpressionFault& fault : result.faults) {
-        const Span place = hasReferences(attribute.value)
-                               ? attribute.valuePlace
-                               : model.spanIn(attribute, fault.from, fault.length);
+        const Span place = hasReferences(attribute->value)
+                               ? attribute->valuePlace
+                               : model.spanIn(*attribute, fault.from, fault.length);
         report.tell(fault.fault, place, surely && fault.surely, fault.text, fault.help);
     }
+    return result;
 }
 
 ScriptWalk::ScriptWalk(const ScriptModel& model, const ScriptVariables& variables,
@@ -244,16 +262,11 @@ Modes ScriptWalk::modesOf(const Visit& visit, Modes possible, Modes& sure) {
 
 /// False when the children are never reached.
 bool ScriptWalk::decide(const Visit& visit, Modes possible, Modes& sure, const Guard*& guard) {
-    const KnownText* expression = visit.made->find(L"Expression");
-    const AttributeNode* attribute = model[visit.number].find(L"Expression");
-    ExpressionResult result;
-    if (expression && expression->exact && expression->opaqueEnd == 0) {
-        result = readExpression(expression->text, variables, nearMiss);
-        tellExpression(result, *attribute, model, sure != 0, report);
-    }
+    const ExpressionResult result =
+        checkExpression(*visit.made, model, variables, nearMiss, sure != 0, report);
     const bool hasChildren = model[visit.number].firstChild != noElement;
     if (result.value && hasChildren && possible != 0 && (!result.assigns || !*result.value))
-        report.tellOf(Fault::sameEverywhere, attribute->valuePlace,
+        report.tellOf(Fault::sameEverywhere, model[visit.number].find(L"Expression")->valuePlace,
                       *result.value ? L"The condition is true on every machine."
                                     : L"The condition is false on every machine, so what stands in "
                                       L"it is never done.",

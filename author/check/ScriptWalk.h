@@ -97,6 +97,8 @@ private:
     size_t stepCount = 0;
 };
 
-/// Tells the faults of an expression that stands in an attribute.
-void tellExpression(const ExpressionResult& result, const AttributeNode& attribute,
-                    const ScriptModel& model, bool surely, Report& report);
+/// Reads the `Expression` of an element as far as it is known, and tells what is wrong with it.
+/// `surely` tells whether every machine comes to evaluate it.
+ExpressionResult checkExpression(const MadeElement& element, const ScriptModel& model,
+                                 const ScriptVariables& variables, NearMiss& nearMiss, bool surely,
+                                 Report& report);

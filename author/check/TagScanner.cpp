@@ -25,7 +25,7 @@ public:
 
     std::vector<TagPlaces> scan() {
         std::vector<TagPlaces> tags;
-        while ((at = text.find('<', at)) != text.npos) {
+        while ((at = text.find('<', at)) != std::string_view::npos) {
             if (startsWith("<!--"))
                 skipBehind("-->");
             else if (startsWith("<![CDATA["))
@@ -43,7 +43,7 @@ private:
 
     void skipBehind(std::string_view mark) {
         const size_t found = text.find(mark, at + 1);
-        at = found == text.npos ? text.size() : found + mark.size();
+        at = found == std::string_view::npos ? text.size() : found + mark.size();
     }
 
     bool atEnd() const { return at >= text.size(); }
@@ -88,8 +88,8 @@ private:
         if (quote == '"' || quote == '\'') {
             const size_t start = ++at;
             const size_t end = text.find(quote, start);
-            at = end == text.npos ? text.size() : end + 1;
-            return {start, (end == text.npos ? text.size() : end) - start};
+            at = end == std::string_view::npos ? text.size() : end + 1;
+            return {start, (end == std::string_view::npos ? text.size() : end) - start};
         }
         const size_t start = at;
         while (!atEnd() && !isSpace(text[at]) && text[at] != '/' && text[at] != '>')

@@ -47,7 +47,7 @@ std::wstring lowered(std::wstring_view text) {
 
 std::wstring_view above(std::wstring_view path) {
     const size_t separator = path.rfind(L'\\');
-    return separator == path.npos ? std::wstring_view() : path.substr(0, separator);
+    return separator == std::wstring_view::npos ? std::wstring_view() : path.substr(0, separator);
 }
 
 size_t partsOf(std::wstring_view path) {

@@ -66,18 +66,10 @@ void checkJoined(const Action& action) {
     checkRecord(action, isKey ? L"Key" : L"Name", display);
 }
 
-void checkSearch(const Action& action) {
-    const KnownText* expression = action.text(L"Expression");
-    if (expression && expression->exact && expression->opaqueEnd == 0)
-        tellExpression(
-            readExpression(expression->text, action.checked.variables, action.checked.nearMiss),
-            *action.node.find(L"Expression"), action.checked.model, false, action.checked.report);
-}
-
 }  // namespace
 
 void checkTexts(const Checked& checked) {
-    forEachAction(checked, [](const Action& action) {
+    forEachAction(checked, [&](const Action& action) {
         for (const Announced& row : announced)
             if (const KnownText* text = action.is(*row.kind) ? action.text(row.attribute) : nullptr)
                 checkRecord(action, row.attribute, *text);
@@ -88,7 +80,9 @@ void checkTexts(const Checked& checked) {
                 action.tellFailure(Fault::emptyText, action.placeOf(row.attribute),
                                    std::wstring(L"The `") + row.attribute + L"` is empty.",
                                    L"fill it.", row.modes);
+        // Only where the file is there the expression is evaluated.
         if (action.is(fileSearchKind))
-            checkSearch(action);
+            checkExpression(*action.visit.made, checked.model, checked.variables, checked.nearMiss,
+                            false, checked.report);
     });
 }

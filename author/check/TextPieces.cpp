@@ -36,7 +36,7 @@ private:
 
     bool readDirectory() {
         const size_t end = text.find_first_of(marks, at + 1);
-        if (end == text.npos || text[end] != L']' || end == at + 1)
+        if (end == std::wstring_view::npos || text[end] != L']' || end == at + 1)
             return refuse(at, std::min(end, text.size() - 1) - at + 1, Fault::brackets);
         add(TextPiece::directory, text.substr(at + 1, end - at - 1), end + 1);
         return true;
@@ -81,5 +81,5 @@ std::vector<TextPiece> piecesOf(std::wstring_view text) {
 }
 
 bool hasReferences(std::wstring_view text) {
-    return text.find_first_of(marks) != text.npos;
+    return text.find_first_of(marks) != std::wstring_view::npos;
 }

@@ -1,0 +1,115 @@
+#include <windows.h>
+
+#include "check/CCheckTest.h"
+
+// Checks that look at more than the script itself.
+using FolderChecksTest = CCheckTest;
+
+namespace {
+
+std::string product(std::string_view inDirectory, std::string_view inSequence = {}) {
+    return "<Root><Product><Directory Id=\"R\" Path=\"C:\\x\">\n<Component Id=\"C\">" +
+           std::string(inDirectory) +
+           "</Component></Directory><InstallExecuteSequence><Feature>"
+           "<ComponentRef Id=\"C\"/></Feature>" +
+           std::string(inSequence) + "</InstallExecuteSequence></Product></Root>";
+}
+
+constexpr std::string_view twoFiles = R"(<File Name="a" Source="files\a"/>
+<File Name="b" Source="files\b"/>)";
+
+constexpr std::string_view key =
+    R"(<RegistryKey On="installupgrade" Action="create" Root="HKEY_CURRENT_USER" Key="Software\K"/>
+<RegistryKey On="uninstall" Action="remove" Root="HKEY_CURRENT_USER" Key="Software\K"/>)";
+
+constexpr std::string_view service =
+    R"(<ServiceControl Name="S" Action="start" Wait="yes" On="installupgrade"/>
+<ServiceControl Name="S" Action="stop" Wait="yes" On="uninstall"/>)";
+
+constexpr std::string_view link = R"(<Shortcut Name="l" Description="" Target="C:\x\a"/>)";
+
+}  // namespace
+
+TEST_F(FolderChecksTest, SourcesStandInThePayloadAndAllOfItIsInstalled) {
+    folder.write(L"files\\a", "");
+    folder.write(L"files\\b", "");
+    for (const wchar_t* payload : {L"", L"files", L"files\\"})
+        EXPECT_EQ(findingsIn(product(twoFiles), {{}, folder.path(payload), {}}), "");
+}
+
+TEST_F(FolderChecksTest, AMissingSourceIsToldAtItsPlace) {
+    folder.write(L"files\\a", "");
+    EXPECT_EQ(findingsIn(product(twoFiles), {{}, folder.path(), {}}),
+              "3:24 TZ521 `files\\b` isn't in the payload.\n");
+}
+
+TEST_F(FolderChecksTest, AFileThatNobodyInstallsIsToldOfTheWholeScript) {
+    folder.write(L"files\\a", "");
+    folder.write(L"files\\B", "");
+    folder.write(L"files\\sub\\c", "");
+    folder.write(L"temz.exe", "");
+    EXPECT_EQ(findingsIn(product(twoFiles), {{}, folder.path(), {}}),
+              "0:0 TZ522 No File installs `files\\sub\\c` of the payload.\n");
+}
+
+TEST_F(FolderChecksTest, AReadOnlySourceCannotBeReplacedByAnUpgrade) {
+    folder.write(L"files\\a", "");
+    SetFileAttributesW(folder.write(L"files\\b", "").c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(findingsIn(product(twoFiles), {{}, folder.path(), {}}),
+              "3:24 TZ523 `files\\b` is read-only or hidden, so an upgrade can't replace its "
+              "copy.\n");
+}
+
+TEST_F(FolderChecksTest, AnUpgradeLeavesWhatOnlyTheVersionBeforeHas) {
+    const std::string fragment = "<Fragment>" + std::string(service) + "</Fragment>";
+    const std::wstring previous = folder.write(
+        L"old.xml",
+        product(std::string(twoFiles) + std::string(link) + std::string(key), fragment));
+    EXPECT_EQ(findingsIn(product(twoFiles), {{}, {}, previous}),
+              "0:0 TZ611 `C:\\x\\l.lnk` of the version before (line 3 of its script) is left by an "
+              "upgrade.\n"
+              "0:0 TZ612 `HKEY_CURRENT_USER\\Software\\K` of the version before (line 3 of its "
+              "script) is left by an upgrade.\n"
+              "0:0 TZ613 The service `S` of the version before (line 4 of its script) is left by "
+              "an upgrade.\n");
+    EXPECT_EQ(
+        findingsIn(product(std::string(twoFiles) + std::string(link) + std::string(key), fragment),
+                   {{}, {}, previous}),
+        "");
+}
+
+TEST_F(FolderChecksTest, AnUpgradeThatEmptiesTheDirectoryLeavesNoFile) {
+    const std::wstring previous = folder.write(L"old.xml", product(twoFiles));
+    EXPECT_EQ(findingsIn(product("",
+                                 "<Fragment On=\"upgrade\"><RemoveDirectory Path=\"[R]\"/>"
+                                 "</Fragment>"),
+                         {{}, {}, previous}),
+              "");
+}
+
+TEST_F(FolderChecksTest, APreviousScriptThatCannotBeReadIsNoFinding) {
+    CheckRequest request;
+    request.script = folder.write(L"new.xml", product(twoFiles));
+    request.previous = folder.path(L"missing.xml");
+    EXPECT_EQ(checkScript(request, [](const Finding&) {}), CheckEnd::notReadable);
+}
+
+TEST_F(FolderChecksTest, AShortcutThatIsNeverRemovedIsTold) {
+    const std::string limited =
+        "<Root><Product><Directory Id=\"R\" Path=\"C:\\x\">\n"
+        "<Component Id=\"C\" On=\"install\">" +
+        std::string(link) +
+        "</Component></Directory><InstallExecuteSequence><Feature>"
+        "<ComponentRef Id=\"C\"/></Feature></InstallExecuteSequence>"
+        "</Product></Root>";
+    EXPECT_EQ(findingsIn(limited), "2:32 TZ603 `C:\\x\\l.lnk` is never removed.\n");
+}
+
+TEST_F(FolderChecksTest, ACustomActionNeedsTheDirectoryThatItIsToldOf) {
+    const std::string action =
+        "<Fragment><CustomAction DllFile=\"C:\\x\\a.dll\" DllEntry=\"e\" "
+        "Return=\"check\"/></Fragment>";
+    EXPECT_EQ(findingsIn(product(twoFiles, action)),
+              "3:133 TZ509 There is no `Directory` with the Id `APPLICATIONROOTDIRECTORY`, without "
+              "which no function is called.\n");
+}
