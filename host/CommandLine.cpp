@@ -18,8 +18,6 @@ struct Command {
     std::array<const wchar_t*, 2> needs = {};  // options that must be there
 };
 
-void takeNothing(CommandLine& /*line*/, const std::wstring& /*operand*/) {}
-
 template <temz_mode mode>
 void takeRun(CommandLine& line, const std::wstring& operand) {
     line.mode = mode;
