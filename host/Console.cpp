@@ -18,14 +18,6 @@ bool isConsole(HANDLE handle) {
     return GetConsoleMode(handle, &mode) != 0;
 }
 
-/// A program that reads lines from a file or a pipe expects the line ends of Windows there.
-std::wstring withWindowsLineEnds(const std::wstring& text) {
-    std::wstring lines;
-    for (const wchar_t character : text)
-        lines += character == L'\n' ? std::wstring(L"\r\n") : std::wstring(1, character);
-    return lines;
-}
-
 /// The bytes that a user types for the end of the input.
 constexpr wchar_t endOfInput = 0x1A;
 
@@ -50,7 +42,7 @@ void write(Stream stream, const std::wstring& text) {
         WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
         return;
     }
-    const std::string utf8 = toUtf8(withWindowsLineEnds(text));
+    const std::string utf8 = toUtf8Lines(text);
     WriteFile(handle, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr);
 }
 

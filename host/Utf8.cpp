@@ -10,3 +10,10 @@ std::string toUtf8(const std::wstring& text) {
     WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), size, nullptr, nullptr);
     return utf8;
 }
+
+std::string toUtf8Lines(const std::wstring& text) {
+    std::wstring lines;
+    for (const wchar_t character : text)
+        lines += character == L'\n' ? std::wstring(L"\r\n") : std::wstring(1, character);
+    return toUtf8(lines);
+}

@@ -145,12 +145,12 @@ TEST_F(DraftedProductTest, CanBePutTogetherFromAPart) {
 TEST_F(DraftedProductTest, IsRefusedWithAReason) {
     pay({L"a.txt"});
     const ProgramRun named = temz(L"new --name a:b --payload payload");
-    EXPECT_EQ(named.exitCode, 161u);
+    EXPECT_EQ(named.exitCode, 2u);
     EXPECT_EQ(named.error,
               "temz: The product's directory can't be called a:b: Windows allows no "
               "control character and none of <>:\"/\\|?* in a name.\n");
     const ProgramRun absent = temz(L"harvest absent");
-    EXPECT_EQ(absent.exitCode, 161u);
+    EXPECT_EQ(absent.exitCode, 2u);
     EXPECT_THAT(absent.error, HasSubstr("absent can't be read. [error 3]\n"));
     EXPECT_THAT(absent.output, IsEmpty());
 }
