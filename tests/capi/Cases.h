@@ -77,7 +77,13 @@ extern "C" {
     CASE(tracedRunEqualsAnUntracedOne)            \
     CASE(tracerMayAskForTheOutcome)               \
     CASE(whatATracerAsksIsNotTraced)              \
-    CASE(traceEndsWithItsTracer)
+    CASE(traceEndsWithItsTracer)                  \
+    CASE(traceMarksWhatChangesSomething)          \
+    CASE(permitIsAskedBeforeEachChange)           \
+    CASE(refusedChangeEndsTheRun)                 \
+    CASE(anyOtherPermitIsARefusal)                \
+    CASE(permitMayAsk)                            \
+    CASE(tracerWithNeitherFunctionIsRefused)
 
 #define DECLARE_CASE(name) void name(void);
 CASES(DECLARE_CASE)

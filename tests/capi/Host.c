@@ -30,6 +30,7 @@ static void noteCall(HeardCall* heard, const temz_call* call) {
     copyText(heard->name, sizeof heard->name / sizeof(temz_char), call->name);
     heard->failed = call->failed;
     heard->systemError = call->system_error;
+    heard->changes = call->changes;
     heard->argumentCount = call->argument_count;
     for (uint32_t i = 0; i < call->argument_count && i < MOST_ARGUMENTS; ++i)
         copyText(heard->arguments[i], sizeof heard->arguments[i] / sizeof(temz_char),
@@ -44,6 +45,14 @@ static void hearCall(void* user, const temz_call* call) {
     ++self->calls;
     if (self->inCall != NULL)
         self->inCall(call);
+}
+
+static temz_answer givePermit(void* user, const temz_call* call) {
+    Host* const self = (Host*)user;
+    noteCall(&self->asked, call);
+    if (self->inPermit != NULL)
+        self->inPermit(call);
+    return ++self->permits == self->refuseAt ? self->refusal : TEMZ_CONTINUE;
 }
 
 temz_observer observerOfHost(void) {
@@ -69,11 +78,19 @@ void trace(void) {
     CHECK_NUMBER(TEMZ_OK, temz_set_tracer(host.context, &tracer));
 }
 
+void guard(void) {
+    temz_tracer tracer = tracerOfHost();
+    tracer.call = NULL;
+    tracer.permit = givePermit;
+    CHECK_NUMBER(TEMZ_OK, temz_set_tracer(host.context, &tracer));
+}
+
 void openHost(void) {
     const temz_observer observer = observerOfHost();
     CreateDirectoryW(FOLDER, NULL);
     fillMemory(0, &host, sizeof host);
     host.stop = TEMZ_STOP;
+    host.refusal = TEMZ_STOP;
     CHECK_NUMBER(TEMZ_OK, temz_create(&host.context));
     CHECK_NUMBER(TEMZ_OK, temz_set_observer(host.context, &observer));
     CHECK_NUMBER(TEMZ_OK, temz_set_action_value(host.context, (uint64_t)(uintptr_t)&host.action));

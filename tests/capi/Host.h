@@ -44,6 +44,7 @@ typedef struct HeardCall {
     temz_char name[32];
     uint32_t failed;
     uint32_t systemError;
+    uint32_t changes;
     uint32_t argumentCount;
     temz_char arguments[MOST_ARGUMENTS][200];
     temz_char result[32];
@@ -65,6 +66,10 @@ typedef struct Host {
     void (*inUpdate)(const temz_outcome* now);
     void (*inAsk)(const temz_outcome* now);
     void (*inCall)(const temz_call* call);
+    void (*inPermit)(const temz_call* call);
+    /* Which permit, counted from 1, it refuses, and with what answer. */
+    int refuseAt;
+    temz_answer refusal;
 
     int updates;
     temz_outcome lastUpdate;
@@ -72,6 +77,8 @@ typedef struct Host {
     temz_outcome lastAsk;
     int calls;
     HeardCall heard[MOST_CALLS];
+    int permits;
+    HeardCall asked; /* the last call that a permit was asked for */
 } Host;
 extern Host host;
 
@@ -88,6 +95,8 @@ temz_observer observerOfHost(void);
 temz_tracer tracerOfHost(void);
 /* Lets the host hear every call from now on. */
 void trace(void);
+/* Lets the host be asked for a permit, and hear no call. */
+void guard(void);
 /* The nth call of this name that was heard, counted from 0; null when there is none. */
 const HeardCall* heardCall(const temz_char* name, int index);
 
