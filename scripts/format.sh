@@ -6,5 +6,5 @@ set -euo pipefail
 cd "$root"
 options=(-i)
 [ "${1:-}" != --check ] || options=(--dry-run --Werror)
-find src trace capi host tests examples benchmarks \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) -print0 |
+find src trace author capi host tests examples benchmarks \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) -print0 |
     xargs -0 clang-format "${options[@]}"

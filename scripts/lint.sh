@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$root"
 [ -e build/clang/build.ninja ] || cmake --preset clang
 report=build/clang/lint.txt
-run-clang-tidy -quiet -p build/clang "$root/(src|trace|capi|host)/.*\.cpp$" >"$report" 2>&1 || {
+run-clang-tidy -quiet -p build/clang "$root/(src|trace|author|capi|host)/.*\.cpp$" >"$report" 2>&1 || {
     grep -E -A3 '(error|warning):' "$report" >&2 || tail "$report" >&2
     exit 1
 }

@@ -1,0 +1,1 @@
+#include "author/plan/Rehearsal.h"
