@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "LoadedScript.h"
+
 namespace {
 
 struct Command {
@@ -29,6 +31,11 @@ constexpr Command commands[] = {
     {L"upgrade", L"SCRIPT", L"bring an installed product up to the script's version",
      takeRun<TEMZ_UPGRADE>},
     {L"uninstall", L"SCRIPT", L"remove it", takeRun<TEMZ_UNINSTALL>},
+    {L"plan", L"SCRIPT", L"show what a run of it would do here, and change nothing",
+     [](CommandLine& line, const std::wstring& operand) {
+         line.verb = Verb::plan;
+         line.script = operand;
+     }},
     {L"explain", L"CODE|TEXT", L"tell the cause of a code or a message, and what to do about it",
      [](CommandLine& line, const std::wstring& operand) {
          line.verb = Verb::explain;
@@ -85,9 +92,27 @@ bool takeWait(CommandLine& line, const std::wstring& value) {
     return seconds.has_value();
 }
 
-bool takeLog(CommandLine& line, const std::wstring& value) {
-    line.log = value;
+template <std::wstring CommandLine::*file>
+bool takeFile(CommandLine& line, const std::wstring& value) {
+    line.*file = value;
     return !value.empty();
+}
+
+bool takeMode(CommandLine& line, const std::wstring& value) {
+    for (const temz_mode mode : {TEMZ_INSTALL, TEMZ_UNINSTALL, TEMZ_UPGRADE})
+        if (value == modeWord(mode)) {
+            line.mode = mode;
+            return true;
+        }
+    return false;
+}
+
+bool takeAssumption(CommandLine& line, const std::wstring& value) {
+    const size_t equals = value.find(L'=');
+    if (equals == 0 || equals == std::wstring::npos)
+        return false;
+    line.assumptions.push_back({value.substr(0, equals), value.substr(equals + 1)});
+    return true;
 }
 
 template <bool CommandLine::*flag>
@@ -106,6 +131,8 @@ struct Option {
     const wchar_t* value;                     // what it may be; null when the option has none
     const wchar_t* meaning;
     bool (*take)(CommandLine& line, const std::wstring& value);
+    std::optional<Verb> onlyFor = {};  // the one kind of command that knows it
+    bool repeatable = false;
 };
 
 constexpr Option options[] = {
@@ -126,17 +153,46 @@ constexpr Option options[] = {
      nullptr,
      L"ask nothing, and show the progress",
      takeFlag<&CommandLine::passive>},
-    {{L"--log", L"/log"}, L"FILE", L"append all that is done to a file", takeLog},
+    {{L"--log", L"/log"},
+     L"FILE",
+     L"append all that is done to a file",
+     takeFile<&CommandLine::log>},
     {{L"--verbose"},
      nullptr,
      L"with every call to the system in the log",
      takeFlag<&CommandLine::verbose>},
-    {{L"--json"}, nullptr, L"show the run as one JSON object a line", takeFlag<&CommandLine::json>},
+    {{L"--json"},
+     nullptr,
+     L"show the run or plan as one JSON object a line",
+     takeFlag<&CommandLine::json>},
     {{L"--wait"}, L"SECONDS", L"wait for another run on this machine to end", takeWait},
     {{L"--drop-pending"},
      nullptr,
      L"at uninstall, take back what still waits for a restart",
      takeFlag<&CommandLine::dropPending>},
+    {{L"--plan"},
+     L"FILE",
+     L"hold each change against a plan that temz plan --out has kept, and end the run before\n"
+     L"the first that isn't the next one in it",
+     takeFile<&CommandLine::plan>,
+     Verb::run},
+    {{L"--mode"},
+     L"install|uninstall|upgrade",
+     L"which run to plan, if not an installation",
+     takeMode,
+     Verb::plan},
+    {{L"--assume"},
+     L"NAME=VALUE",
+     L"plan with another value of a variable, such as OS_BIT=32; may stand more than once",
+     takeAssumption,
+     Verb::plan,
+     true},
+    {{L"--html"}, L"FILE", L"write the plan as a page", takeFile<&CommandLine::html>, Verb::plan},
+    {{L"--out"},
+     L"FILE",
+     L"keep the plan, for temz install --plan",
+     takeFile<&CommandLine::out>,
+     Verb::plan},
     {{L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
     {{L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},
 };
@@ -193,7 +249,7 @@ private:
             words.push_back(argument);
             return true;
         }
-        if (std::find(seen.begin(), seen.end(), option) != seen.end())
+        if (!option->repeatable && std::find(seen.begin(), seen.end(), option) != seen.end())
             return refuse(std::wstring(option->spellings[0]) + L" stands twice.");
         seen.push_back(option);
         std::wstring value;
@@ -226,6 +282,10 @@ private:
         if (optional && words.size() == 2 && L"[" + words[1] + L"]" != command->operand)
             return refuse(words[1] + L" is no topic of " + command->word + L".");
         command->take(line, words.size() > 1 ? words[1] : L"");
+        for (const Option* option : seen)
+            if (option->onlyFor && option->onlyFor != line.verb)
+                return refuse(std::wstring(option->spellings[0]) + L" isn't for " + words[0] +
+                              L".");
         return true;
     }
 

@@ -2,11 +2,13 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "PlanMaker.h"
 #include "RunWatch.h"
 
 /// What the program is asked to do.
-enum class Verb { run, explain, help, helpCodes, version };
+enum class Verb { run, plan, explain, help, helpCodes, version };
 
 struct CommandLine {
     Verb verb = Verb::help;
@@ -23,6 +25,12 @@ struct CommandLine {
     bool acceptIgnored = false;
     bool dropPending = false;
     unsigned waitSeconds = 0;  ///< for the end of another run
+    std::wstring plan;         ///< the file with the plan that a run must keep to; empty for none
+
+    // Of Verb::plan.
+    std::vector<Assumption> assumptions;
+    std::wstring html;  ///< where the plan goes as a page; empty for nowhere
+    std::wstring out;   ///< where it is kept; empty for nowhere
 };
 
 /// Reads the arguments behind the program's name. Nothing when they are no command; `problem` then

@@ -1,61 +1,12 @@
 #include "JsonReporter.h"
 
-#include <concepts>
-
-#include "Console.h"
 #include "Diagnosis.h"
+#include "JsonLine.h"
 
 namespace {
 
 constexpr wchar_t schemaVersion[] = L"temz-run-1";
 constexpr const wchar_t* fateWords[] = {L"done", L"ignored", L"not-vital", L"failed", L"stopped"};
-
-std::wstring quoted(const std::wstring& text) {
-    constexpr wchar_t digits[] = L"0123456789abcdef";
-    std::wstring json = L"\"";
-    for (const wchar_t unit : text) {
-        if (unit == L'"' || unit == L'\\') {
-            json += L'\\';
-            json += unit;
-        } else if (unit < L' ') {
-            json += L"\\u00";
-            json += digits[unit >> 4];
-            json += digits[unit & 15];
-        } else {
-            json += unit;
-        }
-    }
-    return json + L"\"";
-}
-
-/// One object on one line, written when its life ends.
-class JsonLine {
-public:
-    explicit JsonLine(const wchar_t* event) { add(L"event", std::wstring(event)); }
-    JsonLine(const JsonLine&) = delete;
-    JsonLine& operator=(const JsonLine&) = delete;
-    ~JsonLine() { write(Stream::output, L"{" + members + L"}\n"); }
-
-    JsonLine& add(const wchar_t* name, const std::wstring& text) { return put(name, quoted(text)); }
-    JsonLine& add(const wchar_t* name, std::integral auto number) {
-        return put(name, std::to_wstring(number));
-    }
-    JsonLine& add(const wchar_t* name, bool value) { return put(name, value ? L"true" : L"false"); }
-    JsonLine& add(const wchar_t* name, const std::vector<std::wstring>& texts) {
-        std::wstring list;
-        for (const std::wstring& text : texts)
-            list += (list.empty() ? L"" : L",") + quoted(text);
-        return put(name, L"[" + list + L"]");
-    }
-
-private:
-    JsonLine& put(const wchar_t* name, const std::wstring& json) {
-        members += (members.empty() ? L"" : L",") + quoted(name) + L":" + json;
-        return *this;
-    }
-
-    std::wstring members;
-};
 
 }  // namespace
 

@@ -10,3 +10,11 @@ std::string toUtf8(const std::wstring& text) {
     WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), size, nullptr, nullptr);
     return utf8;
 }
+
+std::wstring fromUtf8(const std::string& text) {
+    const int bytes = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0);
+    std::wstring wide(static_cast<size_t>(size), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, wide.data(), size);
+    return wide;
+}

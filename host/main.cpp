@@ -4,6 +4,7 @@
 #include "Console.h"
 #include "ExitCodes.h"
 #include "Explain.h"
+#include "PlanCommand.h"
 #include "SafeStart.h"
 #include "ScriptRun.h"
 #include "Version.h"
@@ -27,6 +28,8 @@ Ending carryOut(const CommandLine& command) {
     switch (command.verb) {
         case Verb::run:
             return runScript(command);
+        case Verb::plan:
+            return showPlan(command);
         case Verb::explain:
             return explainSubject(command.subject);
         case Verb::helpCodes:
