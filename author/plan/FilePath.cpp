@@ -6,8 +6,9 @@
 
 namespace {
 
-bool sameLetter(wchar_t left, wchar_t right) {
-    return CompareStringOrdinal(&left, 1, &right, 1, TRUE) == CSTR_EQUAL;
+int compare(std::wstring_view left, std::wstring_view right) {
+    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
+                                static_cast<int>(right.size()), TRUE);
 }
 
 /// "C:\" has three characters, and so has no root fewer.
@@ -16,8 +17,11 @@ constexpr size_t driveRootLength = 3;
 }  // namespace
 
 bool LessIgnoringCase::operator()(std::wstring_view left, std::wstring_view right) const {
-    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
-                                static_cast<int>(right.size()), TRUE) == CSTR_LESS_THAN;
+    return compare(left, right) == CSTR_LESS_THAN;
+}
+
+bool equalIgnoringCase(std::wstring_view left, std::wstring_view right) {
+    return compare(left, right) == CSTR_EQUAL;
 }
 
 std::wstring fullPath(const wchar_t* path) {
@@ -61,7 +65,7 @@ bool matchesPattern(std::wstring_view pattern, std::wstring_view name) {
         if (at < pattern.size() && pattern[at] == L'*') {
             star = at++;
             taken = i;
-        } else if (at < pattern.size() && (pattern[at] == L'?' || sameLetter(pattern[at], name[i]))) {
+        } else if (at < pattern.size() && (pattern[at] == L'?' || equalIgnoringCase(pattern.substr(at, 1), name.substr(i, 1)))) {
             ++at;
             ++i;
         } else if (star != std::wstring_view::npos) {

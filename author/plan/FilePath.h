@@ -8,6 +8,8 @@ struct LessIgnoringCase {
     bool operator()(std::wstring_view left, std::wstring_view right) const;
 };
 
+bool equalIgnoringCase(std::wstring_view left, std::wstring_view right);
+
 /// The path from its drive on, without "." and "..", with backslashes and without one at its end
 /// that isn't a drive's; as it stands when the system can't tell.
 std::wstring fullPath(const wchar_t* path);

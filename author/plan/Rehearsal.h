@@ -4,7 +4,10 @@
 
 #include "plan/AnsweredCall.h"
 #include "plan/Change.h"
+#include "plan/EndedProcesses.h"
 #include "plan/ShadowClock.h"
+#include "plan/ShadowFiles.h"
+#include "plan/ShadowRegistry.h"
 #include "trace/CallEffect.h"
 #include "trace/CallFailure.h"
 
@@ -22,7 +25,7 @@
 /// What would come of a program or of a custom action isn't seen.
 class Rehearsal {
 public:
-    explicit Rehearsal(ChangeListener& listener) : listener(listener) {}
+    explicit Rehearsal(ChangeListener& listener) : files(ended, listener), registry(listener) {}
     Rehearsal(const Rehearsal&) = delete;
     Rehearsal& operator=(const Rehearsal&) = delete;
 
@@ -53,7 +56,12 @@ private:
     }
 
     ShadowClock& shadowOf(const ClockCalls&) { return clock; }
+    ShadowFiles& shadowOf(const FileCalls&) { return files; }
+    ShadowFiles& shadowOf(const VersionCalls&) { return files; }
+    ShadowRegistry& shadowOf(const RegistryCalls&) { return registry; }
 
-    ChangeListener& listener;
     ShadowClock clock;
+    EndedProcesses ended;
+    ShadowFiles files;
+    ShadowRegistry registry;
 };
