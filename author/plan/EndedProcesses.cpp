@@ -2,21 +2,14 @@
 
 #include <tlhelp32.h>
 
-#include "system/UniqueHandle.h"
+#include "plan/OpenedFile.h"
 
 namespace {
-
-struct SnapshotTraits {
-    using Handle = HANDLE;
-    static Handle invalid() { return INVALID_HANDLE_VALUE; }
-    static void close(Handle handle) { CloseHandle(handle); }
-};
-using Snapshot = UniqueHandle<SnapshotTraits>;
 
 /// Calls `visit` with the path of each module of a process, as long as that gives true.
 template <class Visitor>
 void visitModules(DWORD process, Visitor&& visit) {
-    const Snapshot snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process));
+    const OpenedFile snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process));
     MODULEENTRY32W module{};
     module.dwSize = sizeof module;
     if (!snapshot)
@@ -38,19 +31,22 @@ bool hasLoaded(DWORD process, const std::wstring& path) {
 
 }  // namespace
 
-void EndedProcesses::add(DWORD id) {
-    if (!ids.insert(id).second)
-        return;
-    visitModules(id, [this](const std::wstring& module) {
+std::wstring EndedProcesses::add(DWORD id) {
+    ids.insert(id);
+    std::wstring program;
+    visitModules(id, [&](const std::wstring& module) {
+        if (program.empty())  // the first module
+            program = module;
         modules.insert(module);
         return true;
     });
+    return program;
 }
 
 bool EndedProcesses::free(const std::wstring& path) const {
     if (!modules.contains(path))
         return false;
-    const Snapshot snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    const OpenedFile snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W process{};
     process.dwSize = sizeof process;
     if (!snapshot)

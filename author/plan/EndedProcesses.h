@@ -11,8 +11,8 @@
 /// of.
 class EndedProcesses {
 public:
-    /// Takes a process that still runs for an ended one.
-    void add(DWORD id);
+    /// Takes a process that still runs for an ended one. Its program; empty where that can't be told.
+    std::wstring add(DWORD id);
     bool contain(DWORD id) const { return ids.contains(id); }
 
     /// Whether a program or library that is in use on the machine isn't any more: only ended

@@ -4,26 +4,12 @@
 #include <cwchar>
 #include <vector>
 
-#include "system/UniqueHandle.h"
+#include "plan/OpenedFile.h"
 
 namespace {
 
-constexpr DWORD withEverybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-struct FileTraits {
-    using Handle = HANDLE;
-    static Handle invalid() { return INVALID_HANDLE_VALUE; }
-    static void close(Handle handle) { CloseHandle(handle); }
-};
-using File = UniqueHandle<FileTraits>;
-
-File open(const std::wstring& path, DWORD access, DWORD flags) {
-    return File(
-        CreateFileW(path.c_str(), access, withEverybody, nullptr, OPEN_EXISTING, flags, nullptr));
-}
-
 /// Fills the buffer as far as the file goes, and cuts it there.
-bool readOn(const File& file, std::vector<char>& buffer) {
+bool readOn(const OpenedFile& file, std::vector<char>& buffer) {
     DWORD read = 0;
     if (!ReadFile(file.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &read, nullptr))
         return false;
@@ -66,13 +52,13 @@ std::wstring versionText(uint64_t version) {
 }  // namespace
 
 DWORD tryToOpen(const std::wstring& path, DWORD access, DWORD flags) {
-    return open(path, access, flags) ? ERROR_SUCCESS : GetLastError();
+    return openFile(path.c_str(), access, flags) ? ERROR_SUCCESS : GetLastError();
 }
 
 bool haveSameContent(const std::wstring& left, const std::wstring& right) {
     constexpr size_t pieceSize = size_t{1} << 16;
-    const File one = open(left, GENERIC_READ, FILE_FLAG_SEQUENTIAL_SCAN);
-    const File other = open(right, GENERIC_READ, FILE_FLAG_SEQUENTIAL_SCAN);
+    const OpenedFile one = openFile(left.c_str(), GENERIC_READ, FILE_FLAG_SEQUENTIAL_SCAN);
+    const OpenedFile other = openFile(right.c_str(), GENERIC_READ, FILE_FLAG_SEQUENTIAL_SCAN);
     if (!one || !other)
         return false;
     std::vector<char> piece(pieceSize);
@@ -87,7 +73,7 @@ bool haveSameContent(const std::wstring& left, const std::wstring& right) {
 }
 
 bool isProgramFile(const std::wstring& path) {
-    const File file = open(path, GENERIC_READ, 0);
+    const OpenedFile file = openFile(path.c_str(), GENERIC_READ, 0);
     std::vector<char> start(2);
     return file && readOn(file, start) && start == std::vector<char>{'M', 'Z'};
 }

@@ -7,7 +7,12 @@
 #include "plan/EndedProcesses.h"
 #include "plan/ShadowClock.h"
 #include "plan/ShadowFiles.h"
+#include "plan/ShadowLibraries.h"
+#include "plan/ShadowLinks.h"
+#include "plan/ShadowLog.h"
+#include "plan/ShadowProcesses.h"
 #include "plan/ShadowRegistry.h"
+#include "plan/ShadowServices.h"
 #include "trace/CallEffect.h"
 #include "trace/CallFailure.h"
 
@@ -25,7 +30,12 @@
 /// What would come of a program or of a custom action isn't seen.
 class Rehearsal {
 public:
-    explicit Rehearsal(ChangeListener& listener) : files(ended, listener), registry(listener) {}
+    explicit Rehearsal(ChangeListener& listener) : files(ended, listener),
+          libraries(files, listener),
+          links(files, listener),
+          processes(files, ended, listener),
+          registry(listener),
+          services(files, ended, listener) {}
     Rehearsal(const Rehearsal&) = delete;
     Rehearsal& operator=(const Rehearsal&) = delete;
 
@@ -34,14 +44,16 @@ public:
                   std::type_identity_t<Arguments>... arguments) {
         if constexpr (requires { shadowOf(table).answer(Call<member>(), arguments...); })
             return answerIn<table, member, Result>(shadowOf(table), arguments...);
-        else
+        else {
+            static_assert(!ChangingCalls::has<member>, "no shadow answers this change");
             return real(arguments...);
+        }
     }
 
 private:
     /// The answer of a shadow, which asks the system much that isn't the engine's business.
     template <auto& table, auto member, class Result, class Shadow, class... Arguments>
-    static Result answerIn(Shadow& shadow, Arguments... arguments) {
+    static Result answerIn(Shadow& shadow, Arguments&... arguments) {
         const DWORD lastError = GetLastError();
         if constexpr (std::is_void_v<Result>) {
             shadow.answer(Call<member>(), arguments...);
@@ -58,10 +70,22 @@ private:
     ShadowClock& shadowOf(const ClockCalls&) { return clock; }
     ShadowFiles& shadowOf(const FileCalls&) { return files; }
     ShadowFiles& shadowOf(const VersionCalls&) { return files; }
+    ShadowLibraries& shadowOf(const ActionCalls&) { return libraries; }
+    ShadowLibraries& shadowOf(const LibraryCalls&) { return libraries; }
+    ShadowLinks& shadowOf(const LinkCalls&) { return links; }
+    ShadowLog& shadowOf(const LogCalls&) { return log; }
+    ShadowProcesses& shadowOf(const ProcessCalls&) { return processes; }
+    ShadowProcesses& shadowOf(const ShellCalls&) { return processes; }
     ShadowRegistry& shadowOf(const RegistryCalls&) { return registry; }
+    ShadowServices& shadowOf(const ServiceCalls&) { return services; }
 
-    ShadowClock clock;
     EndedProcesses ended;
+    ShadowClock clock;
     ShadowFiles files;
+    ShadowLibraries libraries;
+    ShadowLinks links;
+    ShadowLog log;
+    ShadowProcesses processes;
     ShadowRegistry registry;
+    ShadowServices services;
 };

@@ -56,6 +56,9 @@ public:
 
     SeenFile look(const std::wstring& path) const;
 
+    /// Version, size and time of a file, for people; empty for all else.
+    std::wstring textOf(const SeenFile& file) const;
+
     /// The error with which the system would refuse to write a file that the run makes itself.
     DWORD refusalToWrite(const wchar_t* path, DWORD newAttributes) const;
     /// The file has been written: a copy of another, or without content.
@@ -90,7 +93,6 @@ private:
     DWORD refusalOfRoom(const std::wstring& path, uint64_t bytes, uint64_t bytesFreed) const;
     std::wstring directoryOnMachine(std::wstring path) const;
 
-    std::wstring textOf(const SeenFile& file) const;
     std::optional<uint64_t> versionOf(const std::wstring& path) const;
     Change describe(ChangeKind kind, const std::wstring& path, const SeenFile& before,
                     const SeenFile& after) const;
