@@ -3,11 +3,11 @@
 #include <utility>
 #include <vector>
 
-#include "author/plan/Assumptions.h"
-#include "author/plan/PlanSteps.h"
-#include "author/plan/Rehearsal.h"
 #include "engine/CContext.h"
 #include "logging/IterfaceObserver.h"
+#include "plan/Assumptions.h"
+#include "plan/PlanSteps.h"
+#include "plan/Rehearsal.h"
 #include "system/TextFields.h"
 #include "trace/Tracer.h"
 

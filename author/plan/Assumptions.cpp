@@ -1,4 +1,4 @@
-#include "author/plan/Assumptions.h"
+#include "plan/Assumptions.h"
 
 #include "engine/CContext.h"
 #include "expression/CIntVariable.h"

@@ -1,4 +1,4 @@
-#include "author/plan/PlanSteps.h"
+#include "plan/PlanSteps.h"
 
 #include <algorithm>
 #include <cwchar>

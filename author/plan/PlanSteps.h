@@ -7,7 +7,7 @@
 #include <string>
 #include <type_traits>
 
-#include "author/plan/Change.h"
+#include "plan/Change.h"
 #include "trace/CallFailure.h"
 
 enum class StepKind {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+/// The process that runs a service and nothing else; 0 where there is none, or it can't be told.
+DWORD processOfService(const std::wstring& name);
+
+/// Whether services run that need this one.
+bool isNeededByRunning(const std::wstring& name);

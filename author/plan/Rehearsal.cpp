@@ -1,1 +1,0 @@
-#include "author/plan/Rehearsal.h"
