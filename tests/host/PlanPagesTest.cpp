@@ -29,8 +29,7 @@ TEST(PlanJsonTest, WritesAnObjectForEachStepBetweenHeaderAndSummary) {
         LR"("elementsLeftOut":0,"filesLeftOut":0})"));
     EXPECT_THAT(console.output,
                 AllOf(HasSubstr(LR"("change":"file-at-restart","object":"C:\\app\\sync.dll",)"),
-                      HasSubstr(LR"("holders":["sync.exe (4312)"]
-})"),
+                      HasSubstr(L"\"holders\":[\"sync.exe (4312)\"]}"),
                       HasSubstr(LR"("systemError":1060,"what":"Starting service X",)"),
                       HasSubstr(LR"("fate":"vital"})"), HasSubstr(LR"("on":"uninstall",)"),
                       HasSubstr(LR"({"event":"end","exitCode":1603,"filesAdded":0,)"),
