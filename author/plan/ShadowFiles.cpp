@@ -381,6 +381,9 @@ DWORD ShadowFiles::copy(const wchar_t* source, const wchar_t* target, bool keep)
         return error;
     if (const DWORD error = refusalOfRoom(to, file.size, before.isThere() ? before.size : 0))
         return error;
+    // Where the system lets a read-only file be written over, it stays read-only.
+    if (before.isThere())
+        file.attributes |= before.attributes & FILE_ATTRIBUTE_READONLY;
     const Change change =
         describe(before.isThere() ? ChangeKind::fileReplaced : ChangeKind::fileAdded, to, before, file);
     write(to, file);
