@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "logging/IterfaceObserver.h"
+#include "plan/LeftServiceHandles.h"
 #include "plan/Picture.h"
 #include "plan/RecordedRun.h"
 #include "plan/ScriptMaker.h"
@@ -22,7 +23,6 @@
 #include "support/Text.h"
 #include "support/VersionedFile.h"
 #include "system/ClockCalls.h"
-#include "system/ServiceCalls.h"
 
 namespace {
 
@@ -75,10 +75,12 @@ public:
         return answers;
     }
 
+    bool hasServices() const { return !places.services.empty(); }
+
     Picture picture() const {
         Picture all;
         addFolder(folder.path(), all);
-        addKey(key.path(), all);
+        addKey(HKEY_CURRENT_USER, key.path(), all);
         for (const std::string& service : places.services)
             addService(std::wstring(service.begin(), service.end()), all);
         addTraces(all);
@@ -149,35 +151,6 @@ private:
     std::optional<RefusedKey> refused;
 };
 
-/// Closes what a run leaves open of the service manager, which would keep a removed service.
-class LeftServiceHandles {
-public:
-    void close() {
-        for (const SC_HANDLE handle : std::exchange(handles, {}))
-            closeHandle.real(handle);
-    }
-
-private:
-    SC_HANDLE remember(SC_HANDLE handle) {
-        const DWORD lastError = GetLastError();
-        if (handle)
-            handles.insert(handle);
-        SetLastError(lastError);
-        return handle;
-    }
-
-    std::set<SC_HANDLE> handles;
-    const FakeCall<serviceCalls, &ServiceCalls::OpenSCManagerW> openManager{
-        [this](auto... arguments) { return remember(openManager.real(arguments...)); }};
-    const FakeCall<serviceCalls, &ServiceCalls::OpenServiceW> openService{
-        [this](auto... arguments) { return remember(openService.real(arguments...)); }};
-    const FakeCall<serviceCalls, &ServiceCalls::CloseServiceHandle> closeHandle{
-        [this](SC_HANDLE handle) {
-            handles.erase(handle);
-            return closeHandle.real(handle);
-        }};
-};
-
 class EqualityTest : public testing::Test {
 protected:
     void SetUp() override { REQUIRES_WINE("leaves replacements to a restart, starts programs"); }
@@ -196,7 +169,8 @@ TEST_F(EqualityTest, OfGeneratedScripts) {
         GeneratedRun generated(seed);
         generated.prepare();
         const std::wstring script = generated.writeScript();
-        const size_t count = 1 + generated.random.below(3);
+        // A service that Wine keeps until its handles are closed doesn't tell that it is to go.
+        const size_t count = generated.hasServices() ? 1 : 1 + generated.random.below(3);
         for (size_t i = 0; i < count; ++i) {
             const int32_t mode = generated.random.pick(modes);
             const std::deque<int32_t> answers = generated.makeAnswers();

@@ -34,9 +34,9 @@ void addFolder(const std::wstring& folder, Picture& picture) {
         addFile(entry.path().wstring(), picture);
 }
 
-void addKey(const std::wstring& path, Picture& picture) {
+void addKey(HKEY root, const std::wstring& path, Picture& picture) {
     HKEY key = nullptr;
-    if (const LSTATUS error = RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key)) {
+    if (const LSTATUS error = RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &key)) {
         picture.insert(path + L": error " + std::to_wstring(error));
         return;
     }
@@ -54,7 +54,7 @@ void addKey(const std::wstring& path, Picture& picture) {
     for (DWORD i = 0;
          RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
          ++i, length = std::size(name))
-        addKey(path + L"\\" + name, picture);
+        addKey(root, path + L"\\" + name, picture);
     RegCloseKey(key);
 }
 

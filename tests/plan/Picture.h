@@ -1,5 +1,7 @@
 #pragma once
 
+#include <windows.h>
+
 #include <set>
 #include <string>
 
@@ -9,8 +11,8 @@ using Picture = std::set<std::wstring>;
 /// All below a folder: attributes, size, times and content.
 void addFolder(const std::wstring& folder, Picture& picture);
 
-/// All below a key of HKEY_CURRENT_USER.
-void addKey(const std::wstring& key, Picture& picture);
+/// A key and all below it.
+void addKey(HKEY root, const std::wstring& key, Picture& picture);
 
 /// A service with its state and how it is started.
 void addService(const std::wstring& name, Picture& picture);
