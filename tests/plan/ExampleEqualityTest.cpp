@@ -135,7 +135,7 @@ public:
 
 private:
     void take(const fs::path& file) const {
-        fs::copy_file(file, folder / file.filename(), fs::copy_options::overwrite_existing);
+        EXPECT_TRUE(CopyFileW(file.c_str(), (folder / file.filename()).c_str(), FALSE));
     }
 
     const fs::path folder = testProgramDirectory() + L"\\payload";
