@@ -3,7 +3,11 @@
 #include <utility>
 #include <vector>
 
+#include "engine/CContext.h"
 #include "logging/IterfaceObserver.h"
+#include "plan/Assumptions.h"
+#include "plan/PlanSteps.h"
+#include "plan/Rehearsal.h"
 #include "system/TextFields.h"
 #include "trace/Tracer.h"
 
@@ -17,6 +21,10 @@ SAME_NUMBER(TEMZ_ABORT, ANSWER_ABORT);
 SAME_NUMBER(TEMZ_IGNORE, ANSWER_IGNORE);
 SAME_NUMBER(TEMZ_ERROR_MESSAGE, ERROR_CODE_MESSAGE);
 SAME_NUMBER(TEMZ_ERROR_REMOVE_SHORTCUT, ERROR_CODE_REMOVE_SHORTCUT);
+SAME_NUMBER(TEMZ_STEP_GROUP + static_cast<int>(StepKind::leftOut), TEMZ_STEP_LEFT_OUT);
+SAME_NUMBER(TEMZ_CHANGE_FILE_ADDED + static_cast<int>(ChangeKind::actionCalled),
+            TEMZ_CHANGE_ACTION_CALLED);
+SAME_NUMBER(TEMZ_FAILURE_ENDS_RUN, FailureFate::endsRun);
 #undef SAME_NUMBER
 
 namespace {
@@ -55,6 +63,66 @@ public:
 private:
     const Session& session;
     const temz_observer observer;  // a copy: the host may set another one meanwhile
+};
+
+/// Tells the steps of a plan to the host's function.
+class PlannerBridge final : public StepListener {
+public:
+    explicit PlannerBridge(const temz_planner& planner) : planner(planner) {}
+
+    void step(const PlanStep& step) override {
+        if (planner.step == nullptr)
+            return;
+        temz_step record{};
+        record.size = sizeof record;
+        record.kind = static_cast<uint32_t>(step.kind) + TEMZ_STEP_GROUP;
+        record.depth = step.depth;
+        record.line = step.line;
+        record.element = step.element.c_str();
+        record.id = step.id.c_str();
+        record.object = step.object.c_str();
+        record.detail = step.detail.c_str();
+        record.before = step.before.c_str();
+        record.after = step.after.c_str();
+        record.message = step.message.c_str();
+        record.bytes = step.bytes;
+        record.bytes_before = step.bytesBefore;
+        record.code = step.kind == StepKind::change
+                          ? static_cast<uint32_t>(step.change) + TEMZ_CHANGE_FILE_ADDED
+                          : step.code;
+        record.system_error = step.systemError;
+        record.holds = step.holds ? 1 : 0;
+        record.fate = static_cast<uint32_t>(step.fate);
+        record.same_content = step.sameContent ? 1 : 0;
+        record.unforeseeable = step.unforeseeable ? 1 : 0;
+        record.elements = step.leftOut.elements;
+        record.files = step.leftOut.files;
+        planner.step(planner.user, &record);
+    }
+
+private:
+    const temz_planner& planner;
+};
+
+/// Follows a plan on behalf of the host's observer, if there is one, and goes on past failures.
+class PlanObserver final : public IterfaceObserver {
+public:
+    PlanObserver(PlanSteps& steps, IterfaceObserver* host) : steps(steps), host(host) {}
+
+    void update(IterfaceProduct* product) override {
+        if (host)
+            host->update(product);
+        steps.announced();
+    }
+
+    ObserverAnswer askOnError(ErrorInfo*) override {
+        steps.failed();
+        return ANSWER_IGNORE;
+    }
+
+private:
+    PlanSteps& steps;
+    IterfaceObserver* const host;
 };
 
 /// Hands the engine's calls on to the host's function.
@@ -97,6 +165,20 @@ private:
     }
 
     const temz_tracer tracer;
+};
+
+/// The host's tracer, if there is one, for the length of a run.
+class TracerScope {
+public:
+    explicit TracerScope(const std::optional<temz_tracer>& tracer) {
+        if (tracer)
+            wrapper.emplace(traced.emplace(listener.emplace(*tracer)));
+    }
+
+private:
+    std::optional<TracerBridge> listener;
+    std::optional<Tracer> traced;
+    std::optional<CallWrapper<Tracer>> wrapper;
 };
 
 /// The product's observer for the length of a run.
@@ -149,22 +231,66 @@ void Session::unload() {
     result = 0;
 }
 
-temz_status Session::run(temz_mode mode) {
+IterfaceProduct& Session::prepareProduct(temz_mode mode) {
     IterfaceProduct& product = *context->getProduct();
     context->runMode = mode;
     // The engine never looks at it, and hands it on as the number that it is.
     // NOLINTNEXTLINE(performance-no-int-to-ptr)
     product.observerData = reinterpret_cast<void*>(static_cast<uintptr_t>(actionValue));
+    return product;
+}
+
+temz_status Session::run(temz_mode mode) {
+    IterfaceProduct& product = prepareProduct(mode);
     std::optional<ObserverBridge> bridge;
     if (observer)
         bridge.emplace(*this, *observer);
     const ObserverScope observed(product, bridge ? &*bridge : nullptr);
-    if (!tracer)
-        return runProduct(product);
-    TracerBridge listener(*tracer);
-    Tracer traced(listener);
-    const CallWrapper<Tracer> wrapper(traced);
+    const TracerScope traced(tracer);
     return runProduct(product);
+}
+
+// From within: what answers in the machine's place, the host's tracer, and what tells the steps.
+temz_status Session::plan(temz_mode mode, const temz_planner& planner) {
+    auto& engine = static_cast<CContext&>(*context);
+    const Assumptions assumptions(engine);
+    for (uint32_t i = 0; i < planner.assumption_count; ++i)
+        Assumptions::assume(engine, planner.assumptions[i].name, planner.assumptions[i].value);
+
+    IterfaceProduct& product = prepareProduct(mode);
+    std::optional<ObserverBridge> bridge;
+    if (observer)
+        bridge.emplace(*this, *observer);
+    PlannerBridge listener(planner);
+    PlanSteps steps(engine, listener);
+    PlanObserver planObserver(steps, bridge ? &*bridge : nullptr);
+    const ObserverScope observed(product, &planObserver);
+
+    Rehearsal rehearsal(steps);
+    const CallWrapper<Rehearsal> rehearsed(rehearsal);
+    const TracerScope traced(tracer);
+    const CallWrapper<PlanSteps> followed(steps);
+    const temz_status status = runProduct(product);
+    if (status == TEMZ_RUN_FAILED)
+        steps.ended();
+    return status;
+}
+
+temz_status Session::checkAssumption(const temz_assumption& assumption) {
+    if (assumption.name == nullptr || assumption.value == nullptr)
+        return TEMZ_NULL_ARGUMENT;
+    lastFailure.clear();
+    switch (
+        Assumptions::check(static_cast<CContext&>(*context), assumption.name, assumption.value)) {
+        case Assumptions::Answer::unknownVariable:
+            lastFailure = assumption.name;
+            return TEMZ_NOT_FOUND;
+        case Assumptions::Answer::noInteger:
+            lastFailure = assumption.name;
+            return TEMZ_BAD_VALUE;
+        default:
+            return TEMZ_OK;
+    }
 }
 
 temz_status Session::runProduct(IterfaceProduct& product) {

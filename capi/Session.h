@@ -25,6 +25,10 @@ public:
 
     /// Carries out the script in a mode that is one.
     temz_status run(temz_mode mode);
+    /// The same without changing anything. What is assumed must be possible.
+    temz_status plan(temz_mode mode, const temz_planner& planner);
+    /// Whether a plan can assume this; otherwise failure() names it.
+    temz_status checkAssumption(const temz_assumption& assumption);
     /// The state of the last run, or of the one that is going on. Needs a loaded script.
     temz_outcome outcome() const;
 
@@ -41,6 +45,8 @@ public:
 private:
     explicit Session(IterfaceContext* context) : context(context) {}
 
+    /// Makes the product ready for a run in a mode.
+    IterfaceProduct& prepareProduct(temz_mode mode);
     temz_status runProduct(IterfaceProduct& product);
 
     IterfaceContext* const context;

@@ -136,6 +136,32 @@ bool isMode(temz_mode mode) {
     return mode >= TEMZ_INSTALL && mode <= TEMZ_UPGRADE;
 }
 
+/// What a run and a plan demand of their common arguments.
+temz_status checkRun(temz_context* context, temz_mode mode, const temz_outcome* outcome) {
+    if (context == nullptr)
+        return TEMZ_NULL_ARGUMENT;
+    if (!isContext(context))
+        return TEMZ_BAD_CONTEXT;
+    if (!context->session->isLoaded())
+        return TEMZ_NOT_LOADED;
+    if (!isMode(mode))
+        return TEMZ_BAD_MODE;
+    return outcome == nullptr || hasSizeOfRecord(*outcome) ? TEMZ_OK : TEMZ_BAD_SIZE;
+}
+
+temz_status checkPlanner(Session& session, const temz_planner* planner) {
+    if (planner == nullptr)
+        return TEMZ_OK;
+    if (!hasSizeOfRecord(*planner))
+        return TEMZ_BAD_SIZE;
+    if (planner->assumptions == nullptr && planner->assumption_count > 0)
+        return TEMZ_NULL_ARGUMENT;
+    for (uint32_t i = 0; i < planner->assumption_count; ++i)
+        if (const temz_status status = session.checkAssumption(planner->assumptions[i]))
+            return status;
+    return TEMZ_OK;
+}
+
 }  // namespace
 
 uint32_t temz_version() {
@@ -221,22 +247,28 @@ temz_status temz_set_action_value(temz_context* context, uint64_t value) {
 }
 
 temz_status temz_run(temz_context* context, temz_mode mode, temz_outcome* outcome) {
-    Session* session = nullptr;
+    const auto prepare = [&] { return checkRun(context, mode, outcome); };
+    return gate.passRun(prepare, [&] {
+        const OutcomeScope told(*context->session, outcome);
+        return context->session->run(mode);
+    });
+}
+
+temz_status temz_plan(temz_context* context, temz_mode mode, const temz_planner* planner,
+                      temz_outcome* outcome) {
+    temz_planner taken{};
     const auto prepare = [&]() -> temz_status {
-        if (context == nullptr)
-            return TEMZ_NULL_ARGUMENT;
-        if (!isContext(context))
-            return TEMZ_BAD_CONTEXT;
-        session = context->session.get();
-        if (!session->isLoaded())
-            return TEMZ_NOT_LOADED;
-        if (!isMode(mode))
-            return TEMZ_BAD_MODE;
-        return outcome == nullptr || hasSizeOfRecord(*outcome) ? TEMZ_OK : TEMZ_BAD_SIZE;
+        if (const temz_status status = checkRun(context, mode, outcome))
+            return status;
+        if (const temz_status status = checkPlanner(*context->session, planner))
+            return status;
+        if (planner != nullptr)
+            taken = readRecord(*planner);
+        return TEMZ_OK;
     };
     return gate.passRun(prepare, [&] {
-        const OutcomeScope told(*session, outcome);
-        return session->run(mode);
+        const OutcomeScope told(*context->session, outcome);
+        return context->session->plan(mode, taken);
     });
 }
 

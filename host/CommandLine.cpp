@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "LoadedScript.h"
+
 namespace {
 
 struct Command {
@@ -54,6 +56,8 @@ constexpr Command commands[] = {
     {Verb::run, L"upgrade", L"SCRIPT", L"bring an installed product up to the script's version",
      takeRun<TEMZ_UPGRADE>},
     {Verb::run, L"uninstall", L"SCRIPT", L"remove it", takeRun<TEMZ_UNINSTALL>},
+    {Verb::plan, L"plan", L"SCRIPT", L"show what a run of it would do here, and change nothing",
+     takeOperand<&CommandLine::script>},
     {Verb::check, L"check", L"SCRIPT",
      L"tell what is wrong with an install script, and run nothing",
      takeOperand<&CommandLine::script>},
@@ -135,6 +139,23 @@ bool takeIgnored(CommandLine& line, const std::wstring& value) {
     return !value.empty();
 }
 
+bool takeMode(CommandLine& line, const std::wstring& value) {
+    for (const temz_mode mode : {TEMZ_INSTALL, TEMZ_UNINSTALL, TEMZ_UPGRADE})
+        if (value == modeWord(mode)) {
+            line.mode = mode;
+            return true;
+        }
+    return false;
+}
+
+bool takeAssumption(CommandLine& line, const std::wstring& value) {
+    const size_t equals = value.find(L'=');
+    if (equals == 0 || equals == std::wstring::npos)
+        return false;
+    line.assumptions.push_back({value.substr(0, equals), value.substr(equals + 1)});
+    return true;
+}
+
 template <bool CommandLine::*flag>
 bool takeFlag(CommandLine& line, const std::wstring& /*value*/) {
     return line.*flag = true;
@@ -151,6 +172,7 @@ constexpr unsigned verbBit(Verb verb) {
     return 1U << static_cast<unsigned>(verb);
 }
 constexpr unsigned runs = verbBit(Verb::run);
+constexpr unsigned plans = verbBit(Verb::plan);
 constexpr unsigned checks = verbBit(Verb::check);
 constexpr unsigned verifies = verbBit(Verb::verify);
 constexpr unsigned givesText =
@@ -198,7 +220,7 @@ constexpr Option options[] = {
      nullptr,
      L"with every call to the system in the log, or in JSON",
      takeFlag<&CommandLine::verbose>},
-    {runs | checks | verifies,
+    {runs | plans | checks | verifies,
      {L"--json"},
      nullptr,
      L"show everything as one JSON object a line",
@@ -214,6 +236,24 @@ constexpr Option options[] = {
      nullptr,
      L"start without checking the script first",
      takeFlag<&CommandLine::noCheck>},
+    {runs,
+     {L"--plan"},
+     L"FILE",
+     L"hold each change against a plan that temz plan --out has kept, and end the run before\n"
+     L"the first that isn't the next one in it",
+     takeText<&CommandLine::plan>},
+    {plans,
+     {L"--mode"},
+     L"install|uninstall|upgrade",
+     L"which run to plan, if not an installation",
+     takeMode},
+    {plans,
+     {L"--assume"},
+     L"NAME=VALUE",
+     L"plan with another value of a variable, such as OS_BIT=32; may stand several times",
+     takeAssumption,
+     true},
+    {plans, {L"--html"}, L"FILE", L"write the plan as a page", takeText<&CommandLine::html>},
     {checks | verbBit(Verb::draftProduct),
      {L"--payload"},
      L"DIR",
@@ -255,10 +295,11 @@ constexpr Option options[] = {
      L"NAME",
      L"how the product is called",
      takeText<&CommandLine::name>},
-    {givesText,
+    {plans | givesText,
      {L"--out"},
      L"FILE",
-     L"write the text to a file, in place of showing it",
+     L"write the text to a file, in place of showing it; a plan is kept there, for temz\n"
+     L"install --plan",
      takeText<&CommandLine::out>},
     {anything, {L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
     {anything, {L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},

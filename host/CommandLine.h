@@ -4,12 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "PlanMaker.h"
 #include "RunWatch.h"
 
 /// What the program is asked to do.
 enum class Verb {
     run,
     check,
+    plan,
     verify,
     draftProduct,
     draftPart,
@@ -24,7 +26,7 @@ enum class Verb {
 struct CommandLine {
     Verb verb = Verb::help;
     temz_mode mode = TEMZ_INSTALL;
-    std::wstring script;   ///< that is run, checked or verified
+    std::wstring script;   ///< that is run, planned, checked or verified
     std::wstring subject;  ///< of Verb::explain
 
     std::optional<ErrorPolicy> onError;  ///< nothing: ask the user, or abort where nobody answers
@@ -46,13 +48,18 @@ struct CommandLine {
     std::vector<std::wstring> ignored;  ///< codes of findings
     bool warningsAsErrors = false;
 
+    std::wstring plan;  ///< the file with the plan that a run must keep to; empty for none
+
+    // Of Verb::plan.
+    std::vector<Assumption> assumptions;
+    std::wstring html;  ///< where the plan goes as a page; empty for nowhere
+
     // Of Verb::verify.
     std::wstring upgradeFrom;  ///< the script of the version before; empty for none
     bool onThisMachine = false;
 
-    // Of those that give a text.
     std::wstring name;  ///< of a product to be drafted
-    std::wstring out;   ///< where the text goes; empty for the standard output
+    std::wstring out;   ///< where a text goes, or a plan is kept; empty for nowhere
 
     bool mayAsk() const { return !quiet && !passive && !json; }
 };

@@ -30,6 +30,13 @@ bool isTerminal(Stream stream) {
     return isConsole(handleOf(stream));
 }
 
+bool canShowColours() {
+    constexpr DWORD sequences = 0x4;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING, from Windows 10 on
+    const HANDLE output = handleOf(Stream::output);
+    DWORD mode = 0;
+    return GetConsoleMode(output, &mode) && SetConsoleMode(output, mode | sequences);
+}
+
 bool canAsk() {
     return isConsole(GetStdHandle(STD_INPUT_HANDLE)) && isTerminal(Stream::error) &&
            isConsoleSeen();

@@ -17,6 +17,10 @@ void write(Stream stream, const std::wstring& text);
 /// Reads one line from the terminal. False when there is none any more, or Ctrl+Z in it.
 bool readLine(std::wstring& line);
 
+/// Whether the output goes to a terminal that understands control sequences for colours; has it do
+/// so.
+bool canShowColours();
+
 /// Columns of the terminal that the output goes to.
 size_t terminalWidth();
 

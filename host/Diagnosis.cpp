@@ -401,10 +401,10 @@ Failure diagnose(const Action& action, const temz_error& error, const Witnesses&
     return failure;
 }
 
-std::wstring callText(const Call& call) {
-    std::wstring text = call.name + L"(";
-    for (size_t i = 0; i < call.arguments.size(); ++i)
-        text += (i == 0 ? L"" : L", ") + call.arguments[i];
+std::wstring callText(const std::wstring& name, const std::vector<std::wstring>& arguments) {
+    std::wstring text = name + L"(";
+    for (size_t i = 0; i < arguments.size(); ++i)
+        text += (i == 0 ? L"" : L", ") + arguments[i];
     return text + L")";
 }
 

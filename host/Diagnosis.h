@@ -36,7 +36,10 @@ struct Places {
 Places placesOf(const Action& action);
 
 /// A call with its arguments: "CopyFileW(a, b, 0)".
-std::wstring callText(const Call& call);
+std::wstring callText(const std::wstring& name, const std::vector<std::wstring>& arguments);
+inline std::wstring callText(const Call& call) {
+    return callText(call.name, call.arguments);
+}
 
 /// What to do about an error code of the system's, whatever the call; empty when there is nothing
 /// to say.

@@ -40,7 +40,7 @@ constexpr ExitCode codes[] = {
      L"The first action that failed wants an administrator, and the program isn't run as one.",
      L"Run it from an administrator's prompt."},
     {Ending::faultsFound, 1,
-     L"A check has found errors, or a verification something that isn't as it was before.",
+     L"A check has found errors, a plan a failure, or a verification something left behind.",
      L"Mend the script by what was told.", true},
     {Ending::notCarriedOut, 2,
      L"A command that runs nothing can't be carried out, or its result can't be written.",

@@ -36,6 +36,10 @@ JsonObject& JsonObject::add(const wchar_t* name, const std::vector<std::wstring>
     return put(name, listOf(texts, jsonText));
 }
 
+JsonObject& JsonObject::add(const wchar_t* name, const std::vector<uint64_t>& numbers) {
+    return put(name, listOf(numbers, [](uint64_t number) { return std::to_wstring(number); }));
+}
+
 JsonObject& JsonObject::add(const wchar_t* name, const std::vector<JsonObject>& objects) {
     return put(name, listOf(objects, [](const JsonObject& object) { return object.text(); }));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ public:
         return put(name, object.text());
     }
     JsonObject& add(const wchar_t* name, const std::vector<std::wstring>& texts);
+    JsonObject& add(const wchar_t* name, const std::vector<uint64_t>& numbers);
     JsonObject& add(const wchar_t* name, const std::vector<JsonObject>& objects);
 
     std::wstring text() const { return L"{" + members + L"}"; }

@@ -15,6 +15,12 @@ constexpr std::wstring_view notVitalLine = L"The last error isn't vital - ignore
 constexpr std::chrono::milliseconds firstPause{250};
 constexpr std::chrono::milliseconds longestPause{2000};
 
+PlannedCall plannedCall(const Call& call) {
+    return {call.group, call.name, call.arguments};
+}
+
+}  // namespace
+
 Call copyOf(const temz_call& call) {
     Call copy;
     copy.group = call.group;
@@ -26,8 +32,6 @@ Call copyOf(const temz_call& call) {
     copy.duration = std::chrono::nanoseconds(call.duration);
     return copy;
 }
-
-}  // namespace
 
 RunWatch::RunWatch(std::vector<Reporter*> reporters, std::optional<ErrorPolicy> policy,
                    WatchDuties duties)
@@ -50,9 +54,14 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
     tracer.call = [](void* watch, const temz_call* call) {
         static_cast<RunWatch*>(watch)->hear(*call);
     };
+    if (duties.plan)
+        tracer.permit = [](void* watch, const temz_call* call) {
+            return static_cast<RunWatch*>(watch)->permit(*call);
+        };
     temz_set_observer(context, &observer);
     temz_set_tracer(context, &tracer);
-    const temz_status status = temz_run(context, mode, &outcome);
+    const temz_status ended = temz_run(context, mode, &outcome);
+    const temz_status status = planLeft ? temz_status{TEMZ_RUN_FAILED} : ended;
     temz_set_observer(context, nullptr);
     temz_set_tracer(context, nullptr);
 
@@ -76,6 +85,8 @@ temz_answer RunWatch::update(const temz_outcome& now) {
         return TEMZ_CONTINUE;
     }
     endAction();
+    if (duties.plan)
+        duties.plan->announced();
     percent = std::max(percent, std::min<unsigned>(now.progress, 100));
     action = {++counted.actions, percent,          now.action.code,
               now.action.text1,  now.action.text2, std::move(calls)};
@@ -105,6 +116,8 @@ temz_answer RunWatch::decide(const temz_error& error) {
     Failure failure = tellFailure(error);
     const temz_answer answer = policy ? answerByPolicy() : answerByUser();
     retrying = answer == TEMZ_RETRY;
+    if (retrying && duties.plan)
+        duties.plan->retried();
     if (!retrying)
         settle(std::move(failure), answer == TEMZ_IGNORE ? Fate::ignored : Fate::failed);
     return answer;
@@ -150,6 +163,27 @@ void RunWatch::hear(const temz_call& heard) {
     now.size = sizeof now;
     temz_get_outcome(context, &now);
     settle(tellFailure(now.error), Fate::nonVital);
+}
+
+temz_answer RunWatch::permit(const temz_call& call) {
+    const Call coming = copyOf(call);
+    if (duties.plan->take(plannedCall(coming)))
+        return TEMZ_CONTINUE;
+    if (duties.plan->isBetweenActions()) {
+        endAction();
+        action = {};
+    }
+    const PlannedCall* next = duties.plan->next();
+    Failure failure;
+    failure.code = TEMZ_ERROR_MESSAGE;
+    failure.what = L"The run was about to leave its plan";
+    failure.why = L"it comes to " + callText(coming.name, coming.arguments) + L", and the plan " +
+                  (next ? L"has " + callText(next->name, next->arguments) : L"has nothing more");
+    failure.advice = L"See what has changed by temz plan, and have the new plan approved.";
+    tell([&](Reporter& reporter) { reporter.failed(action, failure, 1); });
+    settle(std::move(failure), Fate::failed);
+    planLeft = true;
+    return TEMZ_STOP;
 }
 
 Failure RunWatch::tellFailure(const temz_error& error) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "PlanFile.h"
 #include "Report.h"
 
 /// What is done about a vital failure when nobody is asked.
@@ -28,7 +29,12 @@ struct WatchDuties {
     std::function<std::optional<temz_answer>()> ask;
     /// Waits; ends at once when the user wants the run to end.
     std::function<void(std::chrono::milliseconds)> wait;
+    /// The plan that the run must keep to; null for none.
+    PlanHold* plan = nullptr;
 };
+
+/// A copy that outlives the callback.
+Call copyOf(const temz_call& call);
 
 /// Follows a run through the engine's callbacks: tells the reporters, keeps the calls of the action
 /// that is under way, counts, and decides about failures.
@@ -39,7 +45,8 @@ public:
     RunWatch(const RunWatch&) = delete;
     RunWatch& operator=(const RunWatch&) = delete;
 
-    /// Carries out the script that the context has loaded. The status is temz_run's.
+    /// Carries out the script that the context has loaded. The status is temz_run's, or
+    /// TEMZ_RUN_FAILED for a run that was to leave its plan.
     temz_status run(temz_context* context, temz_mode mode, temz_outcome& outcome);
 
     /// What has been counted; the exit code is the caller's to decide.
@@ -53,6 +60,7 @@ private:
     temz_answer update(const temz_outcome& now);
     temz_answer decide(const temz_error& error);
     void hear(const temz_call& heard);
+    temz_answer permit(const temz_call& call);
 
     temz_answer answerByPolicy();
     temz_answer answerByUser();
@@ -84,4 +92,5 @@ private:
     RunSummary counted;
     std::optional<Failure> first;
     bool userEnded = false;
+    bool planLeft = false;
 };

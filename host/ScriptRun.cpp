@@ -10,40 +10,20 @@
 #include "Diagnosis.h"
 #include "Findings.h"
 #include "JsonReporter.h"
+#include "LoadedScript.h"
 #include "LogReporter.h"
 #include "Machine.h"
 #include "PendingFiles.h"
+#include "PlanFile.h"
+#include "PlanMaker.h"
 #include "RunEnd.h"
 #include "RunGuard.h"
 #include "RunWarnings.h"
 #include "RunWatch.h"
-#include "ScriptFile.h"
 #include "StopRequest.h"
 #include "Version.h"
 
 namespace {
-
-constexpr const wchar_t* modeWords[] = {L"install", L"uninstall", L"upgrade"};
-
-struct ContextDeleter {
-    void operator()(temz_context* context) const { temz_free(context); }
-};
-using ContextPtr = std::unique_ptr<temz_context, ContextDeleter>;
-
-ContextPtr makeContext() {
-    temz_context* context = nullptr;
-    temz_create(&context);
-    return ContextPtr(context);
-}
-
-std::wstring lastFailure(temz_context* context) {
-    size_t length = 0;
-    temz_last_failure(context, nullptr, 0, &length);
-    std::wstring text(length, L'\0');
-    temz_last_failure(context, text.data(), text.size(), &length);
-    text.resize(length - 1);
-    return text;
-}
 
 RunHeader headerWithoutCommand() {
     RunHeader header;
@@ -161,39 +141,34 @@ private:
 
     RunHeader header() const {
         RunHeader header = headerWithoutCommand();
-        header.mode = modeWords[command.mode];
+        header.mode = modeWord(command.mode);
         header.script = wholePath(command.script);
         header.scriptHash = sha256OfFile(header.script);
         return header;
     }
 
     Ending runLoaded() {
-        const std::wstring problem = findOpenProblem(command.script);
-        if (!problem.empty())
-            return refuse(Ending::scriptNotOpened,
-                          command.script + L" can't be opened: " + problem);
-        const std::wstring reading = findReadingProblem(command.script);
-        if (!reading.empty())
-            warn(command.script + L" may be misread: " + reading);
+        LoadProblem problem;
+        const std::wstring path = findScript(
+            command.script, [this](const std::wstring& text) { warn(text); }, problem);
+        if (path.empty())
+            return refuse(problem.ending, problem.text);
         if (!command.noCheck && hasFatalFaults())
             return refuse(Ending::scriptNotLoaded,
                           command.script +
                               L" isn't started: a run would surely end half-way. temz "
                               L"check tells more, --no-check starts it all the same.");
-        const std::wstring path = findLoadablePath(wholePath(command.script));
-        if (path.empty())
-            return refuse(
-                Ending::scriptNotOpened,
-                command.script + L" can't be opened: its name isn't in the active code page.");
+        std::optional<PlanHold> plan;
+        if (!command.plan.empty())
+            if (const std::wstring reason = readApprovedPlan(plan); !reason.empty())
+                return refuse(Ending::scriptNotLoaded, reason);
         const RunGuard guard{std::chrono::seconds(command.waitSeconds)};
         if (!guard)
             return refuse(Ending::otherRunGoesOn, L"Another run goes on on this machine.");
-        const ContextPtr context = makeContext();
-        const temz_status loaded = temz_load(context.get(), path.c_str());
-        if (loaded != TEMZ_OK)
-            return refuse(loaded == TEMZ_LOAD_FAILED ? Ending::scriptNotLoaded : Ending::failed,
-                          command.script + L" can't be loaded: " + reasonOf(loaded, context.get()));
-        return run(context.get());
+        const ContextPtr context = loadScript(command.script, path, problem);
+        if (!context)
+            return refuse(problem.ending, problem.text);
+        return run(context.get(), plan ? &*plan : nullptr);
     }
 
     /// Tells of what ends a run in any mode: what can be installed must be removable, too.
@@ -206,11 +181,17 @@ private:
         return !findings.empty();
     }
 
-    static std::wstring reasonOf(temz_status status, temz_context* context) {
-        if (status != TEMZ_LOAD_FAILED)
-            return temz_status_text(status);
-        const std::wstring reason = lastFailure(context);
-        return reason.empty() ? L"It is no XML that the engine can read." : reason;
+    /// Reads the plan that the run must keep to. Why it can't; empty when it can.
+    std::wstring readApprovedPlan(std::optional<PlanHold>& plan) {
+        std::wstring reason;
+        std::optional<KeptPlan> kept = readPlan(command.plan, reason);
+        if (kept && kept->scriptHash != header().scriptHash)
+            reason = L"It is of another script.";
+        else if (kept && kept->mode != modeWord(command.mode))
+            reason = L"It is of another mode: " + kept->mode + L".";
+        else if (kept)
+            plan.emplace(*std::move(kept));
+        return plan ? L"" : L"The plan " + command.plan + L" can't be kept to. " + reason;
     }
 
     Ending refuse(Ending ending, const std::wstring& reason) {
@@ -222,7 +203,8 @@ private:
         tell([&text](Reporter& reporter) { reporter.warned(text); });
     }
 
-    Ending run(temz_context* context) {
+    Ending run(temz_context* context, PlanHold* plan) {
+        const unsigned total = countActions(context, command.mode);
         const QuickEditOff quickEditOff;
         StopRequest stop;
         ActionWatch current(stop);
@@ -237,11 +219,15 @@ private:
                             return diagnose(action, error, realWitnesses);
                         },
                         [asks] { return asks ? askUser() : std::nullopt; },
-                        [&stop](std::chrono::milliseconds time) { stop.wait(time); }});
+                        [&stop](std::chrono::milliseconds time) { stop.wait(time); }, plan});
         temz_outcome outcome{};
         outcome.size = sizeof outcome;
         const temz_status status = watch.run(context, command.mode, outcome);
         summary = watch.summary();
+        summary.total = total;
+        if (plan && status == TEMZ_OK && plan->left() > 0)
+            warn(L"The plan has more than there was to do: its last calls, " +
+                 std::to_wstring(plan->left()) + L" of them, weren't made.");
         const std::optional<Failure>& first = watch.firstFailure();
         return endingOf({status, watch.endedByUser(), summary.ignored > 0 && !command.acceptIgnored,
                          summary.restartNeeded, first && first->notElevated});

@@ -17,3 +17,11 @@ std::string toUtf8Lines(const std::wstring& text) {
         lines += character == L'\n' ? std::wstring(L"\r\n") : std::wstring(1, character);
     return toUtf8(lines);
 }
+
+std::wstring fromUtf8(const std::string& text) {
+    const int bytes = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0);
+    std::wstring wide(static_cast<size_t>(size), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, wide.data(), size);
+    return wide;
+}

@@ -8,6 +8,7 @@
 #include "ExitCodes.h"
 #include "Explain.h"
 #include "Findings.h"
+#include "PlanCommand.h"
 #include "SafeStart.h"
 #include "SchemaCommand.h"
 #include "ScriptRun.h"
@@ -38,6 +39,8 @@ Ending carryOut(const CommandLine& command) {
             return runScript(command);
         case Verb::check:
             return checkScriptFile(command);
+        case Verb::plan:
+            return showPlan(command);
         case Verb::explain:
             return explainSubject(command);
         case Verb::verify:

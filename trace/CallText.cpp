@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cwchar>
 #include <iterator>
+#include <string_view>
 
 #include "elements/Vocabulary.h"
 #include "system/HexText.h"
+#include "system/PathText.h"
 #include "system/TextConversion.h"
 
 namespace {
@@ -30,11 +32,15 @@ std::wstring HandleNames::find(const void* handle) const {
         if (static_cast<uintptr_t>(static_cast<intptr_t>(static_cast<int32_t>(root.number))) ==
             number)
             return root.word;
-    return L"(object)";
+    return textOfObject(handle);
 }
 
 std::wstring textOf(const wchar_t* text) {
     return text ? text : absent;
+}
+
+std::wstring textOfObject(const void* object) {
+    return object ? L"(object)" : absent;
 }
 
 std::wstring textOf(const char* text) {
@@ -106,4 +112,13 @@ std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size) {
 
 std::wstring filledText(const wchar_t* buffer, size_t capacity) {
     return buffer ? std::wstring(buffer, wcsnlen(buffer, capacity)) : absent;
+}
+
+void hideNameStamp(std::wstring& text) {
+    constexpr std::wstring_view word = L"<time>";
+    const std::wstring_view stamp = nameStamp();
+    if (stamp.empty())
+        return;
+    for (size_t at = text.find(stamp); at != std::wstring::npos; at = text.find(stamp, at))
+        text.replace(at, stamp.size(), word);
 }

@@ -20,6 +20,7 @@ private:
 // The texts of arguments and results. What a call fills in has a text only when the call succeeded.
 std::wstring textOf(const wchar_t* text);
 std::wstring textOf(const char* text);
+std::wstring textOfObject(const void* object);
 std::wstring textOf(const WIN32_FIND_DATAW& found);
 std::wstring textOf(const PROCESSENTRY32W& process);
 std::wstring textOf(const MODULEENTRY32W& module);
@@ -34,6 +35,9 @@ std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size);
 
 /// What is told to the shell of a change, which is a path where the flags say so.
 std::wstring textOfChanged(UINT flags, const void* item);
+/// Has "<time>" stand for the time stamp that this process puts into names, so that what is told is
+/// the same in the next one.
+void hideNameStamp(std::wstring& text);
 
 /// A text that a call has written into a buffer, of which at most `capacity` characters are read.
 std::wstring filledText(const wchar_t* buffer, size_t capacity);
@@ -58,6 +62,11 @@ std::wstring textOfArgument(const HandleNames& handles, bool filled, Argument ar
         // What describes a program to start is the caller's; all other records are filled in.
         const bool there = filled || std::is_same_v<Target, SHELLEXECUTEINFOW>;
         return there && argument ? textOf(*argument) : std::wstring();
+    } else if constexpr (std::is_pointer_v<Argument> &&
+                         (std::is_const_v<std::remove_pointer_t<Argument>> ||
+                          std::is_base_of_v<IUnknown, Target>)) {
+        // No handle, though it may stand where one stood.
+        return textOfObject(argument);
     } else if constexpr (std::is_pointer_v<Argument>) {
         return handles.find(reinterpret_cast<const void*>(argument));
     } else {

@@ -59,6 +59,12 @@ public:
     /// Copies the attribute of that name; false when the element has none.
     virtual bool getAttribute(const wchar_t* attributeName, AttributeRecord& record) const;
 
+    /// As the script spells them; the id is empty where there is none.
+    const wchar_t* getName() const { return name; }
+    const wchar_t* getId() const { return id; }
+    /// Stays the element's.
+    const XmlHandle* getNode() const { return node.get(); }
+
     /// "(name,id)", which opens most messages.
     std::wstring describe() const;
 

@@ -187,6 +187,11 @@ WideText getElementName(const XmlHandle* handle) {
     return element ? toWideText(element->Value()) : nullptr;
 }
 
+uint32_t getElementLine(const XmlHandle* handle) {
+    const TiXmlElement* element = elementOf(handle);
+    return element ? static_cast<uint32_t>(element->Row()) : 0;
+}
+
 void getNodeName(const XmlHandle* handle, std::wstring& name) {
     const TiXmlNode* node = nodeOf(handle);
     if (const WideText wide = node ? toWideText(node->Value()) : nullptr)

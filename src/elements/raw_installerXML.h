@@ -68,6 +68,10 @@ XmlHandlePtr asElement(const XmlHandle* handle);
 /// The name of an element; null for every other node.
 WideText getElementName(const XmlHandle* handle);
 
+/// The line of the script, from 1, on which an element begins; 0 for every other node and for what
+/// was read from no script.
+uint32_t getElementLine(const XmlHandle* handle);
+
 /// Assigns the name, or content, of any node; `name` stays as it is when it can't be converted.
 void getNodeName(const XmlHandle* handle, std::wstring& name);
 

@@ -36,6 +36,9 @@ public:
     /// The first variable of that name, in the order of their making; null if there is none.
     CVariable* findVariable(const wchar_t* name) const;
 
+    /// All variables, in the order of their making.
+    const std::vector<CVariablePtr>& getVariables() const { return variables; }
+
     /// The first element below the product with this name and `Id`; null if there is none.
     XmlHandlePtr findElementById(const wchar_t* elementName, const wchar_t* id);
 

@@ -13,9 +13,6 @@ public:
     bool getDirectory(std::wstring& path, const wchar_t* directoryId,
                       IterfaceContext* context) override;
 
-    /// Where searches begin; stays the element's.
-    const XmlHandle* getNode() const { return node.get(); }
-
 private:
     bool findDirectory(std::wstring& path, const wchar_t* directoryId, CContext& context,
                        std::wstring& error);

@@ -1,5 +1,7 @@
 #include "expression/CVariableElement.h"
 
+#include <cwchar>
+
 namespace {
 
 constexpr wchar_t valueAttribute[] = L"Value";
@@ -32,4 +34,10 @@ void CVariableElement::setValueText(const std::wstring& text) {
     record.value = text;
     if (!updateAttribute(record))  // can't be, as the attribute has just been found
         throw std::wstring(L"failed to update attribute when assignment.");
+}
+
+void CVariableElement::exchangeValueText(std::wstring& text) noexcept {
+    for (AttributeRecord& record : attributes)
+        if (wcscmp(record.name, valueAttribute) == 0)
+            record.value.swap(text);
 }

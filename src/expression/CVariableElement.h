@@ -12,10 +12,11 @@ public:
     bool isExpandable() const override { return false; }
     void getAttributes(std::vector<AttributeDeclaration>& list) const override;
 
-    const wchar_t* getId() const { return id; }
     VariableType getVariableType() const;
     /// Throws a message when the element has no `Value`.
     std::wstring getValueText() const;
     /// Does nothing when the element has no `Value`. Throws a message when it can't be replaced.
     void setValueText(const std::wstring& text);
+    /// Exchanges the value for another, also that of a const variable, and needs no memory for it.
+    void exchangeValueText(std::wstring& text) noexcept;
 };

@@ -99,7 +99,7 @@ int32_t CMotionElement::runAction(CContext& context) {
         if (isVital(context))
             answer = context.subject().askObserver(&context.subject().errorInfo);
         else
-            writeLog(WARNNING, "The last error isn't vital - ignore.");
+            writeLog(WARNNING, notVitalMessage);
 
         if (answer == ANSWER_IGNORE)
             return 0;

@@ -7,6 +7,9 @@
 
 class CMotionElement;
 
+/// What the log tells when an action has failed and that doesn't matter to the script.
+inline constexpr char notVitalMessage[] = "The last error isn't vital - ignore.";
+
 using MotionElementPtr = BaseOwner<CMotionElement, CElement>;
 
 /// The base of all elements that do something on the machine. It fixes the shape of a visit: the

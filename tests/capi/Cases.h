@@ -86,7 +86,28 @@ extern "C" {
     CASE(checkNeedsAFileThatCanBeRead)            \
     CASE(misusedChecksAreTold)                    \
     CASE(checkInsideARunIsRefused)                \
-    CASE(eachKindOfFindingCanBeAsked)
+    CASE(eachKindOfFindingCanBeAsked)             \
+    CASE(traceMarksWhatChangesSomething)          \
+    CASE(permitIsAskedBeforeEachChange)           \
+    CASE(refusedChangeEndsTheRun)                 \
+    CASE(anyOtherPermitIsARefusal)                \
+    CASE(permitMayAsk)                            \
+    CASE(tracerWithNeitherFunctionIsRefused)      \
+    /* PlanCases.c */                             \
+    CASE(planChangesNothing)                      \
+    CASE(planTellsItsStepsInOrder)                \
+    CASE(planTellsWhatIsLeftOut)                  \
+    CASE(planTellsSearches)                       \
+    CASE(planIsTracedAndPermittedLikeARun)        \
+    CASE(planGoesOnPastAFailure)                  \
+    CASE(planEndsWhereARunEndsUnasked)            \
+    CASE(planCanBeStopped)                        \
+    CASE(planNeedsNeitherPlannerNorOutcome)       \
+    CASE(planLeavesVariablesAsTheyWere)           \
+    CASE(planAssumesOtherValues)                  \
+    CASE(assumptionsMustBePossible)               \
+    CASE(stepsMayAskAndSetButNotChange)           \
+    CASE(plannerIsGoodForItsPlanOnly)
 
 #define DECLARE_CASE(name) void name(void);
 CASES(DECLARE_CASE)

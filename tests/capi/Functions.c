@@ -23,6 +23,10 @@ static temz_status callRun(temz_context* context) {
     return temz_run(context, TEMZ_INSTALL, NULL);
 }
 
+static temz_status callPlan(temz_context* context) {
+    return temz_plan(context, TEMZ_INSTALL, NULL, NULL);
+}
+
 static temz_status callGetOutcome(temz_context* context) {
     temz_outcome outcome = usedOutcome();
     return temz_get_outcome(context, &outcome);
@@ -50,6 +54,7 @@ const Function functions[FUNCTION_COUNT] = {
     {"temz_set_tracer", callSetTracer, TEMZ_OK, TEMZ_OK},
     {"temz_set_action_value", callSetActionValue, TEMZ_OK, TEMZ_OK},
     {"temz_run", callRun, TEMZ_NOT_LOADED, TEMZ_IN_CALLBACK},
+    {"temz_plan", callPlan, TEMZ_NOT_LOADED, TEMZ_IN_CALLBACK},
     {"temz_get_outcome", callGetOutcome, TEMZ_NOT_LOADED, TEMZ_OK},
     {"temz_last_failure", callLastFailure, TEMZ_OK, TEMZ_OK},
     {"temz_get_variable", callGetVariable, TEMZ_NOT_LOADED, TEMZ_OK},

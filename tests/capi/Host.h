@@ -36,7 +36,7 @@ extern "C" {
         L"<Fragment><CustomAction DllFile='temz_test_actions.dll' DllEntry='answer'" \
         L" Return='check' Title='A title'/></Fragment>")
 
-enum { MOST_ANSWERS = 4, MOST_CALLS = 256, MOST_ARGUMENTS = 6 };
+enum { MOST_ANSWERS = 4, MOST_CALLS = 256, MOST_ARGUMENTS = 6, MOST_STEPS = 32 };
 
 /* A call as the tracer heard it: as much of its texts as fits. */
 typedef struct HeardCall {
@@ -44,10 +44,21 @@ typedef struct HeardCall {
     temz_char name[32];
     uint32_t failed;
     uint32_t systemError;
+    uint32_t changes;
     uint32_t argumentCount;
     temz_char arguments[MOST_ARGUMENTS][200];
     temz_char result[32];
 } HeardCall;
+
+/* A step as the planner heard it: as much of its texts as fits. */
+typedef struct HeardStep {
+    temz_step step; /* but for its texts */
+    temz_char element[32];
+    temz_char id[32];
+    temz_char object[200];
+    temz_char detail[200];
+    temz_char message[200];
+} HeardStep;
 
 /* A host of the library, one for each case: it does what the case says and notes what it hears. */
 typedef struct Host {
@@ -65,6 +76,10 @@ typedef struct Host {
     void (*inUpdate)(const temz_outcome* now);
     void (*inAsk)(const temz_outcome* now);
     void (*inCall)(const temz_call* call);
+    void (*inPermit)(const temz_call* call);
+    /* Which permit, counted from 1, it refuses, and with what answer. */
+    int refuseAt;
+    temz_answer refusal;
 
     int updates;
     temz_outcome lastUpdate;
@@ -72,6 +87,11 @@ typedef struct Host {
     temz_outcome lastAsk;
     int calls;
     HeardCall heard[MOST_CALLS];
+    int permits;
+    HeardCall asked; /* the last call that a permit was asked for */
+    int steps;
+    HeardStep heardSteps[MOST_STEPS];
+    void (*inStep)(const temz_step* step);
 } Host;
 extern Host host;
 
@@ -84,10 +104,20 @@ void closeHost(void);
 temz_status load(const temz_char* script);
 temz_status run(temz_mode mode);
 
+/* Makes a plan, of which the host hears every step. */
+temz_status plan(temz_mode mode);
+/* The same with other values of some variables. */
+temz_status planAssuming(const temz_assumption* assumptions, uint32_t count);
+/* The nth step of this kind that was heard, counted from 0; null when there is none. */
+const HeardStep* heardStep(uint32_t kind, int index);
+
 temz_observer observerOfHost(void);
+temz_planner plannerOfHost(void);
 temz_tracer tracerOfHost(void);
 /* Lets the host hear every call from now on. */
 void trace(void);
+/* Lets the host be asked for a permit, and hear no call. */
+void guard(void);
 /* The nth call of this name that was heard, counted from 0; null when there is none. */
 const HeardCall* heardCall(const temz_char* name, int index);
 

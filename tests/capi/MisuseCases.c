@@ -46,6 +46,7 @@ void scriptMustBeLoaded(void) {
                     __FILE__, __LINE__);
     CHECK_NUMBER(TEMZ_NOT_LOADED, temz_get_outcome(host.context, NULL));
     CHECK_NUMBER(TEMZ_NOT_LOADED, temz_run(host.context, -1, NULL));
+    CHECK_NUMBER(TEMZ_NOT_LOADED, temz_plan(host.context, -1, NULL, NULL));
 }
 
 void scriptIsLoadedOnce(void) {
@@ -69,11 +70,14 @@ void modesAreThree(void) {
 }
 
 /* Records of sizes that no library has known: refused, and nothing is changed by them. */
-static void expectRefused(uint32_t sizeOfObserver, uint32_t sizeOfTracer, uint32_t sizeOfOutcome) {
+static void expectRefused(uint32_t sizeOfObserver, uint32_t sizeOfTracer, uint32_t sizeOfOutcome,
+                          uint32_t sizeOfPlanner) {
     temz_observer observer = observerOfHost();
     temz_tracer tracer = tracerOfHost();
     temz_outcome outcome = usedOutcome();
     temz_outcome before = usedOutcome();
+    temz_planner planner = plannerOfHost();
+    planner.size = sizeOfPlanner;
     observer.size = sizeOfObserver;
     observer.update = NULL;
     tracer.size = sizeOfTracer;
@@ -83,15 +87,18 @@ static void expectRefused(uint32_t sizeOfObserver, uint32_t sizeOfTracer, uint32
     CHECK_NUMBER(TEMZ_BAD_SIZE, temz_set_observer(host.context, &observer));
     CHECK_NUMBER(TEMZ_BAD_SIZE, temz_set_tracer(host.context, &tracer));
     CHECK_NUMBER(TEMZ_BAD_SIZE, temz_run(host.context, TEMZ_INSTALL, &outcome));
+    CHECK_NUMBER(TEMZ_BAD_SIZE, temz_plan(host.context, TEMZ_INSTALL, NULL, &outcome));
+    CHECK_NUMBER(TEMZ_BAD_SIZE, temz_plan(host.context, TEMZ_INSTALL, &planner, NULL));
     CHECK_NUMBER(TEMZ_BAD_SIZE, temz_get_outcome(host.context, &outcome));
     CHECK(isSameMemory(&before, &outcome, sizeof outcome));
 }
 
 void smallerRecordsAreRefused(void) {
     CHECK_NUMBER(TEMZ_OK, load(ONE_CAUTION));
-    expectRefused(0, 0, 0);
-    expectRefused(4, 4, 4);
-    expectRefused(sizeof(temz_observer) - 1, sizeof(temz_tracer) - 1, sizeof(temz_outcome) - 1);
+    expectRefused(0, 0, 0, 0);
+    expectRefused(4, 4, 4, 4);
+    expectRefused(sizeof(temz_observer) - 1, sizeof(temz_tracer) - 1, sizeof(temz_outcome) - 1,
+                  sizeof(temz_planner) - 1);
     CHECK_NUMBER(0, host.updates);
     CHECK_NUMBER(TEMZ_OK, run(TEMZ_INSTALL));
     CHECK_NUMBER(1, host.updates);
@@ -116,6 +123,11 @@ typedef struct LargerTracer {
     unsigned char more[MORE];
 } LargerTracer;
 
+typedef struct LargerPlanner {
+    temz_planner planner;
+    unsigned char more[MORE];
+} LargerPlanner;
+
 static void expectServed(const LargerOutcome* larger) {
     CHECK_NUMBER(sizeof *larger, larger->outcome.size);
     CHECK_NUMBER(TEMZ_ACTION_CUSTOM_ACTION, larger->outcome.action.code);
@@ -126,6 +138,10 @@ void largerRecordsAreServed(void) {
     LargerOutcome outcome;
     LargerObserver observer;
     LargerTracer tracer;
+    LargerPlanner planner;
+    fillMemory(USED, &planner, sizeof planner);
+    planner.planner = plannerOfHost();
+    planner.planner.size = sizeof planner;
     fillMemory(USED, &outcome, sizeof outcome);
     fillMemory(USED, &observer, sizeof observer);
     fillMemory(USED, &tracer, sizeof tracer);
@@ -146,4 +162,9 @@ void largerRecordsAreServed(void) {
     fillMemory(USED, &outcome.outcome.result, sizeof outcome - sizeof outcome.outcome.size);
     CHECK_NUMBER(TEMZ_OK, temz_get_outcome(host.context, &outcome.outcome));
     expectServed(&outcome);
+    fillMemory(USED, &outcome.outcome.result, sizeof outcome - sizeof outcome.outcome.size);
+    CHECK_NUMBER(TEMZ_OK,
+                 temz_plan(host.context, TEMZ_INSTALL, &planner.planner, &outcome.outcome));
+    expectServed(&outcome);
+    CHECK(host.steps > 0);
 }

@@ -162,3 +162,101 @@ void traceEndsWithItsTracer(void) {
     CHECK_NUMBER(TEMZ_OK, run(TEMZ_INSTALL));
     CHECK_NUMBER(calls, host.calls);
 }
+
+void traceMarksWhatChangesSomething(void) {
+    trace();
+    CHECK_NUMBER(TEMZ_OK, load(THREE_FILES));
+    CHECK_NUMBER(TEMZ_OK, run(TEMZ_INSTALL));
+    CHECK_NUMBER(TEMZ_OK, run(TEMZ_UNINSTALL));
+
+    static const temz_char* const changing[] = {L"CreateDirectoryW", L"CopyFileW", L"DeleteFileW"};
+    for (size_t i = 0; i < sizeof changing / sizeof *changing; ++i) {
+        const HeardCall* const call = heardCall(changing[i], 0);
+        CHECK(call != NULL && call->changes == 1);
+    }
+    const HeardCall* const question = heardCall(L"FindFirstFileW", 0);
+    CHECK(question != NULL && question->changes == 0);
+}
+
+static void copyIsStillToCome(const temz_call* call) {
+    CHECK_NUMBER(sizeof *call, call->size);
+    CHECK_NUMBER(1, call->changes);
+    CHECK_NUMBER(0, call->failed);
+    CHECK_NUMBER(0, call->duration);
+    CHECK_TEXT(L"", call->result);
+    if (isSameText(call->name, L"CopyFileW"))
+        CHECK(!isThere(call->arguments[1]));
+}
+
+void permitIsAskedBeforeEachChange(void) {
+    host.inPermit = copyIsStillToCome;
+    guard();
+    CHECK_NUMBER(TEMZ_OK, load(THREE_FILES));
+    CHECK_NUMBER(0, host.permits);
+
+    CHECK_NUMBER(TEMZ_OK, run(TEMZ_INSTALL));
+
+    CHECK_NUMBER(6, host.permits); /* the directory and the copy of each file */
+    CHECK_NUMBER(0, host.calls);
+    CHECK_TEXT(L"file", host.asked.group);
+    CHECK_TEXT(L"CopyFileW", host.asked.name);
+    CHECK_NUMBER(3, host.asked.argumentCount);
+    CHECK_TEXT(APP L"\\3.txt", host.asked.arguments[1]);
+    CHECK(isThere(APP L"\\3.txt"));
+}
+
+void refusedChangeEndsTheRun(void) {
+    host.refuseAt = 4;
+    guard();
+    CHECK_NUMBER(TEMZ_OK, load(THREE_FILES));
+
+    CHECK_NUMBER(TEMZ_STOPPED, run(TEMZ_INSTALL));
+
+    CHECK_NUMBER(4, host.permits);
+    CHECK_NUMBER(0, host.asks);
+    CHECK_NUMBER(0, host.outcome.result);
+    CHECK_NUMBER(TEMZ_ACTION_COPY_FILE, host.outcome.action.code);
+    CHECK_TEXT(L"2.txt", host.outcome.action.text1);
+    CHECK(isThere(APP L"\\1.txt"));
+    CHECK(!isThere(APP L"\\2.txt"));
+    CHECK_NUMBER(TEMZ_OK, run(TEMZ_INSTALL));
+    CHECK(isThere(APP L"\\3.txt"));
+}
+
+void anyOtherPermitIsARefusal(void) {
+    host.refuseAt = 1;
+    host.refusal = 7;
+    guard();
+    CHECK_NUMBER(TEMZ_OK, load(THREE_FILES));
+    CHECK_NUMBER(TEMZ_STOPPED, run(TEMZ_INSTALL));
+    CHECK(!isThere(APP));
+}
+
+static void askForOutcomeAndDirectory(const temz_call* call) {
+    const int permits = host.permits;
+    temz_outcome outcome = usedOutcome();
+    (void)call;
+    CHECK_NUMBER(TEMZ_OK, temz_get_outcome(host.context, &outcome));
+    CHECK_NUMBER(TEMZ_OK, temz_get_directory(host.context, L"System32Folder", NULL, 0, NULL));
+    CHECK_NUMBER(TEMZ_IN_CALLBACK, temz_unload(host.context));
+    CHECK_NUMBER(permits, host.permits);
+}
+
+void permitMayAsk(void) {
+    host.inPermit = askForOutcomeAndDirectory;
+    guard();
+    CHECK_NUMBER(TEMZ_OK, load(THREE_FILES));
+    CHECK_NUMBER(TEMZ_OK, run(TEMZ_INSTALL));
+    CHECK_NUMBER(6, host.permits);
+    CHECK(isThere(APP L"\\3.txt"));
+}
+
+void tracerWithNeitherFunctionIsRefused(void) {
+    temz_tracer tracer = tracerOfHost();
+    tracer.call = NULL;
+    guard();
+    CHECK_NUMBER(TEMZ_NULL_ARGUMENT, temz_set_tracer(host.context, &tracer));
+    CHECK_NUMBER(TEMZ_OK, load(THREE_FILES));
+    CHECK_NUMBER(TEMZ_OK, run(TEMZ_INSTALL));
+    CHECK_NUMBER(6, host.permits); /* by the tracer that was set before */
+}

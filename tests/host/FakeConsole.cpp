@@ -20,6 +20,10 @@ bool isTerminal(Stream) {
     return console->terminal;
 }
 
+bool canShowColours() {
+    return console->terminal;
+}
+
 bool canAsk() {
     return console->someoneAnswers;
 }

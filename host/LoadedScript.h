@@ -1,0 +1,34 @@
+#pragma once
+
+#include <temz/temz.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "ExitCodes.h"
+
+/// What a run does with the product, as it is told.
+std::wstring modeWord(temz_mode mode);
+
+struct ContextDeleter {
+    void operator()(temz_context* context) const { temz_free(context); }
+};
+using ContextPtr = std::unique_ptr<temz_context, ContextDeleter>;
+
+/// What has kept a script from being loaded.
+struct LoadProblem {
+    Ending ending = Ending::done;
+    std::wstring text;
+};
+
+/// The path under which the engine finds the script of a command. Empty, with the problem, when it
+/// can't be opened. `warn` is told when the engine may misread it.
+std::wstring findScript(const std::wstring& script,
+                        const std::function<void(const std::wstring&)>& warn, LoadProblem& problem);
+
+/// A context with the script that was found. Null, with the problem, when it can't be loaded.
+ContextPtr loadScript(const std::wstring& script, const std::wstring& path, LoadProblem& problem);
+
+/// The text of temz_last_failure.
+std::wstring lastFailure(temz_context* context);
