@@ -68,7 +68,9 @@ PlanSummary summaryOf(const Plan& plan) {
             countChange(step, summary);
         if (step.kind != TEMZ_STEP_FAILURE)
             continue;
-        summary.vitalFailures += step.fate == TEMZ_FAILURE_VITAL;
+        const bool isVital = step.fate == TEMZ_FAILURE_VITAL;
+        summary.vitalFailures += isVital && !step.uncertain;
+        summary.uncertainFailures += isVital && step.uncertain;
         summary.otherFailures += step.fate == TEMZ_FAILURE_NOT_VITAL;
         summary.endsUnasked = summary.endsUnasked || step.fate == TEMZ_FAILURE_ENDS_RUN;
     }

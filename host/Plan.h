@@ -35,6 +35,7 @@ struct Step {
 
     std::vector<std::wstring> holders;  ///< of a file that waits for the restart: "sync.exe (4312)"
     Failure failure;                    ///< of TEMZ_STEP_FAILURE
+    bool uncertain = false;             ///< it fails, unless what can't be foreseen prevents that
 };
 
 /// A call that changes something, by which a run is held against its plan.
@@ -84,6 +85,7 @@ struct PlanSummary {
     std::map<std::wstring, uint64_t> bytesNeeded;  ///< by the drive
     unsigned vitalFailures = 0;                    ///< at each of which a run asks, or ends
     unsigned otherFailures = 0;
+    unsigned uncertainFailures = 0;
     bool endsUnasked = false;
     unsigned unforeseeable = 0;
 };

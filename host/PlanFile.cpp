@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -82,6 +83,10 @@ std::wstring textOf(const Plan& plan) {
     return text + line({L"end"});
 }
 
+uint32_t lineNumber(const std::wstring& field) {
+    return static_cast<uint32_t>(std::wcstoul(field.c_str(), nullptr, 10));
+}
+
 /// Reads the lines behind the first. What it finds wrong is in `problem`.
 class PlanReader {
 public:
@@ -116,7 +121,7 @@ private:
         else if (kind == L"mode" && fields.size() == 2)
             plan.mode = fields[1];
         else if (kind == L"element" && fields.size() == 3)
-            plan.elements.push_back({plan.calls.size(), fields[1], 0});
+            plan.elements.push_back({plan.calls.size(), fields[1], lineNumber(fields[2])});
         else if (kind == L"call" && fields.size() >= 3)
             plan.calls.push_back({fields[1], fields[2], {fields.begin() + 3, fields.end()}});
         else if (kind == L"end" && fields.size() == 1)

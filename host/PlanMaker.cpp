@@ -87,11 +87,13 @@ private:
                 action.text2 = step.detail;
                 break;
             case TEMZ_STEP_CHANGE:
+                unforeseeable = unforeseeable || step.unforeseeable;
                 if (step.code == TEMZ_CHANGE_FILE_AT_RESTART)
                     step.holders = witnesses.holdersOf(step.object);
                 break;
             case TEMZ_STEP_FAILURE:
                 step.failure = diagnose(action, errorOf(told), witnesses);
+                step.uncertain = unforeseeable;
                 break;
             default:
                 break;
@@ -116,6 +118,7 @@ private:
     const Witnesses& witnesses;
     Plan& plan;
     Action action;
+    bool unforeseeable = false;  // something was, so far
 };
 
 }  // namespace

@@ -83,6 +83,10 @@ std::wstring failuresText(const PlanSummary& summary) {
     if (summary.vitalFailures > 0)
         append(text, L"; ",
                counted(summary.vitalFailures, L"vital action fails", L"vital actions fail"));
+    if (summary.uncertainFailures > 0)
+        append(
+            text, L"; ",
+            counted(summary.uncertainFailures, L"vital action", L"vital actions") + L" may fail");
     if (summary.otherFailures > 0)
         append(text, L"; ",
                counted(summary.otherFailures, L"action fails that isn't vital",
@@ -129,7 +133,7 @@ std::wstring failureLine(const Step& step) {
     const Failure& failure = step.failure;
     std::wstring text = failure.what;
     if (failure.code != TEMZ_ERROR_MESSAGE)
-        text += L" fails";
+        text += step.uncertain ? L" may fail" : L" fails";
     if (!failure.why.empty())
         text += L": " + failure.why;
     if (text.empty() || text.back() != L'.')
@@ -184,7 +188,7 @@ std::wstring summaryTextOf(const PlanSummary& summary) {
     append(text, L"; ", failuresText(summary));
     if (summary.unforeseeable > 0)
         append(text, L"; ",
-               L"what " + counted(summary.unforeseeable, L"program does", L"programs do") +
+               L"the effect of " + counted(summary.unforeseeable, L"step", L"steps") +
                    L" can't be foreseen");
     return text;
 }

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <string_view>
 
 #include "elements/Vocabulary.h"
 #include "system/HexText.h"
+#include "system/PathText.h"
 #include "system/TextConversion.h"
 
 namespace {
@@ -87,4 +89,13 @@ std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size) {
 
 std::wstring filledText(const wchar_t* buffer, size_t capacity) {
     return buffer ? std::wstring(buffer, wcsnlen(buffer, capacity)) : absent;
+}
+
+void hideNameStamp(std::wstring& text) {
+    constexpr std::wstring_view word = L"<time>";
+    const std::wstring_view stamp = nameStamp();
+    if (stamp.empty())
+        return;
+    for (size_t at = text.find(stamp); at != std::wstring::npos; at = text.find(stamp, at))
+        text.replace(at, stamp.size(), word);
 }

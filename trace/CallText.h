@@ -31,6 +31,10 @@ std::wstring textOf(const OSVERSIONINFOW& version);
 /// The data of a registry value: a number, a text, or bytes.
 std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size);
 
+/// Has "<time>" stand for the time stamp that this process puts into names, so that what is told is
+/// the same in the next one.
+void hideNameStamp(std::wstring& text);
+
 /// A text that a call has written into a buffer, of which at most `capacity` characters are read.
 std::wstring filledText(const wchar_t* buffer, size_t capacity);
 

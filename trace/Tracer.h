@@ -32,6 +32,7 @@ public:
     /// Whether `permit` is to be asked.
     virtual bool givesPermits() const { return false; }
     /// One of ChangingCalls is about to be made; what it is to fill in, and its result, are empty.
+    /// In its arguments "<time>" stands for the time stamp that the process puts into names.
     /// What this throws keeps the call from being made, and leaves the engine through the run.
     virtual void permit(const TracedCall& /*call*/) {}
 
@@ -116,6 +117,8 @@ private:
             const LastErrorScope scope;
             TracedCall call = describe<table, member>(name);
             call.arguments = argumentsOf<member>(false, arguments...);
+            for (std::wstring& argument : call.arguments)
+                hideNameStamp(argument);
             const ListeningScope listeningScope(listening);
             listener.permit(call);
         }

@@ -11,6 +11,7 @@
 #include "logging/CSubject.h"
 #include "system/PathText.h"
 #include "system/TextParsing.h"
+#include "trace/CallText.h"
 
 namespace {
 
@@ -98,6 +99,8 @@ void PlanSteps::planned(const Change& change) {
     step.after = change.after;
     step.bytes = change.bytes;
     step.bytesBefore = change.bytesBefore;
+    hideNameStamp(step.object);
+    hideNameStamp(step.detail);
     step.sameContent = change.sameContent;
     step.unforeseeable = change.unforeseeable;
     listener.step(step);

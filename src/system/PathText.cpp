@@ -72,6 +72,10 @@ void makeStampedName(const wchar_t* path, std::wstring& name) {
     name.insert(dot == std::wstring::npos ? name.size() : dot, processStamp);
 }
 
+const wchar_t* nameStamp() {
+    return processStamp;
+}
+
 bool equalIgnoringCase(const wchar_t* left, const wchar_t* right) {
     return CompareStringOrdinal(left, -1, right, -1, TRUE) == CSTR_EQUAL;
 }

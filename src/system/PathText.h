@@ -24,6 +24,9 @@ WideText parentDirectory(const wchar_t* path);
 /// without one. All calls of a process use the stamp of the first. A null path counts as empty.
 void makeStampedName(const wchar_t* path, std::wstring& name);
 
+/// That stamp; empty before the first call.
+const wchar_t* nameStamp();
+
 /// Whether two texts are the same but for case, by the case table that file names obey.
 bool equalIgnoringCase(const wchar_t* left, const wchar_t* right);
 

@@ -39,7 +39,7 @@ TEST_F(FailureTest, TellsOfAFileInUseFromWhereToWhereItShouldGoAndWhatToDo) {
               copyFailed("a.txt", "the file is in use by another program", ERROR_SHARING_VIOLATION,
                          "Close the program, or give the file KillProcess or SupportDelayInstall "
                          "in the script.") +
-                  "Failed after 0 actions (1603). What was done before stays.\n");
+                  "Failed after 0 of 1 action (1603). What was done before stays.\n");
 }
 
 TEST_F(FailureTest, TellsOfAReadOnlyFileThatItIs) {

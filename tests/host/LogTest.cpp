@@ -57,7 +57,7 @@ TEST_F(LogTest, TellsLineByLineWhatIsDone) {
                 utf8(app(L"lacking.txt")) + ", 0): " + utf8(systemMessage(ERROR_FILE_NOT_FOUND)),
             "    Put it where the script's Source says, counted from the folder of temz.exe.",
             "2. Copying lacking.txt, " + whereTo("lacking.txt") + ": failed",
-            "Failed after 1 action (1603). What was done before stays.", "Exit code 1603"));
+            "Failed after 1 of 2 actions (1603). What was done before stays.", "Exit code 1603"));
 }
 
 TEST_F(LogTest, IsContinuedByTheNextRun) {

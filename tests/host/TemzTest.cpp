@@ -108,7 +108,7 @@ TEST_F(TemzTest, HasMadeItselfSafeBeforeTheScriptRuns) {
 
     EXPECT_EQ(temz(L"install install.xml").error,
               "temz: Custom action tellStart failed: error mode 32771, an apartment. [error 1]\n" +
-                  failedAfter("0 actions (1603)"));
+                  failedAfter("0 of 1 action (1603)"));
 }
 
 TEST_F(TemzTest, LooksForLibrariesWithoutAPathInTheSystemDirectoryOnly) {
@@ -121,7 +121,7 @@ TEST_F(TemzTest, LooksForLibrariesWithoutAPathInTheSystemDirectoryOnly) {
         "temz: Failed to load library(temz_start_probe.dll): the library, or one that it needs, "
         "isn't there. [error 126]\n"
         "      Give its whole path in the script, and link what it needs statically.\n" +
-            failedAfter("0 actions (1603)"));
+            failedAfter("0 of 1 action (1603)"));
 }
 
 TEST_F(TemzTest, TellsThatARestartIsNeeded) {
@@ -154,7 +154,7 @@ TEST_F(TemzTest, FailsEvenIfARestartIsNeeded) {
 
     EXPECT_EQ(run.exitCode, 3017u);
     EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\n");
-    EXPECT_EQ(run.error, missing("lacking.txt") + failedAfter("1 action (3017)", waiting()));
+    EXPECT_EQ(run.error, missing("lacking.txt") + failedAfter("1 of 2 actions (3017)", waiting()));
 }
 
 TEST_F(TemzTest, NeedsARestartEvenIfAFailureIsIgnored) {
@@ -176,7 +176,7 @@ TEST_F(TemzTest, EndsAtTheFirstFailureWhereNobodyCanBeAsked) {
 
         EXPECT_EQ(run.exitCode, 1603u);
         EXPECT_EQ(run.output, "Copying a.txt\nCopying lacking.txt\n");
-        EXPECT_EQ(run.error, missing("lacking.txt") + failedAfter("1 action (1603)"));
+        EXPECT_EQ(run.error, missing("lacking.txt") + failedAfter("1 of 3 actions (1603)"));
         EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
     }
 }
@@ -189,7 +189,7 @@ TEST_F(TemzTest, GoesOnWhenToldToIgnoreFailuresAndTellsWhatIsLeftOut) {
     const ProgramRun failed = temz(L"install install.xml --on-error ignore");
     EXPECT_EQ(failed.exitCode, 1603u);
     EXPECT_EQ(failed.output, copied);
-    EXPECT_EQ(failed.error, missing("lacking.txt") + failedAfter("2 actions (1603)", leftOut));
+    EXPECT_EQ(failed.error, missing("lacking.txt") + failedAfter("2 of 3 actions (1603)", leftOut));
 
     const ProgramRun accepted = temz(L"install install.xml --on-error=ignore --accept-ignored");
     EXPECT_EQ(accepted.exitCode, 0u);
@@ -205,7 +205,7 @@ TEST_F(TemzTest, TriesAsOftenAgainAsItIsTold) {
     const std::string failed = missing("lacking.txt");
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "Copying lacking.txt\n");
-    EXPECT_EQ(run.error, failed + failed + failed + failedAfter("0 actions (1603)"));
+    EXPECT_EQ(run.error, failed + failed + failed + failedAfter("0 of 2 actions (1603)"));
 }
 
 TEST_F(TemzTest, GoesOnWhenARetrySucceeds) {
@@ -243,7 +243,7 @@ TEST_F(TemzTest, TellsWhichFileCouldNotBeDeleted) {
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "Deleting a.txt\n");
     EXPECT_EQ(run.error, held("Deleting a.txt") + "      at " + utf8(app(L"a.txt")) + "\n" +
-                             closeIt + failedAfter("0 actions (1603)"));
+                             closeIt + failedAfter("0 of 1 action (1603)"));
 }
 
 TEST_F(TemzTest, SurvivesTheFailureOfWhatIsNotVitalButTellsOfIt) {
@@ -335,7 +335,7 @@ TEST_F(TemzTest, WritesUtf8) {
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_EQ(run.output, "Caution: Caf\u00E9\nCopying Pr\u00E9nom.txt\n");
-    EXPECT_EQ(run.error, missing("Pr\u00E9nom.txt") + failedAfter("1 action (1603)"));
+    EXPECT_EQ(run.error, missing("Pr\u00E9nom.txt") + failedAfter("1 of 2 actions (1603)"));
 }
 
 TEST_F(TemzTest, ReadsUtf8) {

@@ -90,7 +90,7 @@ TEST_F(TerminalTest, AsksAfterEachRetryUntilTheUserAborts) {
     EXPECT_EQ(run.exitCode, 1602u);
     const std::string failed = missing("a.txt") + question;
     EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + failed + "r\n" + failed + "r\n" + failed +
-                              "a\n" + endedAfter("0 actions"));
+                              "a\n" + endedAfter("0 of 2 actions"));
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
@@ -100,7 +100,7 @@ TEST_F(TerminalTest, IsAbortedByTheEndOfTheInput) {
     const ProgramRun run = temzAtTerminal(L"install install.xml", L"Z,");
 
     EXPECT_EQ(run.exitCode, 1602u);
-    EXPECT_TRUE(run.output.ends_with("\n" + endedAfter("0 actions"))) << run.output;
+    EXPECT_TRUE(run.output.ends_with("\n" + endedAfter("0 of 1 action"))) << run.output;
 }
 
 TEST_F(TerminalTest, TakesNoAnswerThatWasTypedBeforeTheQuestion) {
@@ -110,7 +110,7 @@ TEST_F(TerminalTest, TakesNoAnswerThatWasTypedBeforeTheQuestion) {
 
     EXPECT_EQ(run.exitCode, 1602u);
     EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") + question + "a\n" +
-                              endedAfter("0 actions"));
+                              endedAfter("0 of 1 action"));
 }
 
 TEST_F(TerminalTest, ShowsHowFarTheRunHasComeAtEachFailure) {
@@ -118,13 +118,14 @@ TEST_F(TerminalTest, ShowsHowFarTheRunHasComeAtEachFailure) {
 
     const ProgramRun run = temzAtTerminal(L"install install.xml", L"i,i,a,");
 
-    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") + question + "i\n" +
-                              bar(9, " 33% Copying b.txt") + missing("b.txt") + question + "i\n" +
-                              bar(19, " 66% Copying c.txt") + missing("c.txt") + question + "a\n" +
-                              wrapped("Ended by the user after 0 actions (1602). What was done "
-                                      "before stays. Left out: Copying a.txt (the file to copy "
-                                      "isn't there); Copying b.txt (the file to copy isn't "
-                                      "there).\n"));
+    EXPECT_EQ(run.output,
+              bar(0, "  0% Copying a.txt") + missing("a.txt") + question + "i\n" +
+                  bar(9, " 33% Copying b.txt") + missing("b.txt") + question + "i\n" +
+                  bar(19, " 66% Copying c.txt") + missing("c.txt") + question + "a\n" +
+                  wrapped("Ended by the user after 0 of 3 actions (1602). What was done "
+                          "before stays. Left out: Copying a.txt (the file to copy "
+                          "isn't there); Copying b.txt (the file to copy isn't "
+                          "there).\n"));
 }
 
 TEST_F(TerminalTest, KeepsACautionOnALineOfItsOwn) {
@@ -174,8 +175,8 @@ TEST_F(TerminalTest, AbortsWithoutAQuestionWhenPassive) {
     const ProgramRun run = temzAtTerminal(L"install install.xml /passive", L"i,");
 
     EXPECT_EQ(run.exitCode, 1603u);
-    EXPECT_EQ(run.output,
-              bar(0, "  0% Copying a.txt") + missing("a.txt") + failedAfter("0 actions (1603)"));
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") +
+                              failedAfter("0 of 1 action (1603)"));
 }
 
 TEST_F(TerminalTest, ShowsFailuresOnlyAndAsksNothingWhenQuiet) {
@@ -186,7 +187,7 @@ TEST_F(TerminalTest, ShowsFailuresOnlyAndAsksNothingWhenQuiet) {
     const ProgramRun run = temzAtTerminal(L"install install.xml --quiet", L"i,");
 
     EXPECT_EQ(run.exitCode, 1603u);
-    EXPECT_EQ(run.output, missing("a.txt") + failedAfter("1 action (1603)"));
+    EXPECT_EQ(run.output, missing("a.txt") + failedAfter("1 of 2 actions (1603)"));
 }
 
 TEST_F(TerminalTest, EndsBehindTheActionThatCtrlCInterrupts) {
@@ -196,13 +197,14 @@ TEST_F(TerminalTest, EndsBehindTheActionThatCtrlCInterrupts) {
     const ProgramRun run = temzAtTerminal(L"install install.xml");
 
     EXPECT_EQ(run.exitCode, 1602u);
-    EXPECT_EQ(run.output,
-              bar(0, "  0% Custom action pressCtrlC") +
-                  wrapped("temz: The run ends behind this action: Custom action pressCtrlC. Press "
-                          "Ctrl+C once more to end it at once.\n") +
-                  "\n" +
-                  wrapped("Stopped before Copying a.txt, after 1 action (1602). What was done "
-                          "before stays.\n"));
+    EXPECT_EQ(
+        run.output,
+        bar(0, "  0% Custom action pressCtrlC") +
+            wrapped("temz: The run ends behind this action: Custom action pressCtrlC. Press "
+                    "Ctrl+C once more to end it at once.\n") +
+            "\n" +
+            wrapped("Stopped before Copying a.txt, after 1 of 2 actions (1602). What was done "
+                    "before stays.\n"));
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
@@ -216,7 +218,7 @@ TEST_F(TerminalTest, AbortsWhereTheQuestionWouldNotBeSeen) {
     EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt"));
     EXPECT_EQ(withoutReturns(readFile(setup(L"error.txt"))),
               SetupTest::missing("a.txt") +
-                  "Failed after 0 actions (1603). What was done before stays.\n");
+                  "Failed after 0 of 1 action (1603). What was done before stays.\n");
 }
 
 TEST_F(TerminalTest, AbortsWhereTheAnswerIsNotTyped) {
@@ -225,8 +227,8 @@ TEST_F(TerminalTest, AbortsWhereTheAnswerIsNotTyped) {
     const ProgramRun run = atTerminal(L"cmd /c \"temz.exe install install.xml <NUL\"", L"i,");
 
     EXPECT_EQ(run.exitCode, 1603u);
-    EXPECT_EQ(run.output,
-              bar(0, "  0% Copying a.txt") + missing("a.txt") + failedAfter("0 actions (1603)"));
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") +
+                              failedAfter("0 of 1 action (1603)"));
 }
 
 TEST_F(TerminalTest, AbortsWhereTheConsoleHasNoWindow) {
@@ -235,8 +237,8 @@ TEST_F(TerminalTest, AbortsWhereTheConsoleHasNoWindow) {
     const ProgramRun run = temzWithoutWindow(L"install install.xml", L"i,");
 
     EXPECT_EQ(run.exitCode, 1603u);
-    EXPECT_EQ(run.output,
-              bar(0, "  0% Copying a.txt") + missing("a.txt") + failedAfter("0 actions (1603)"));
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + missing("a.txt") +
+                              failedAfter("0 of 1 action (1603)"));
 }
 
 TEST_F(TerminalTest, AsksAlsoWhereThePlainLinesGoToAFile) {
@@ -246,7 +248,7 @@ TEST_F(TerminalTest, AsksAlsoWhereThePlainLinesGoToAFile) {
         atTerminal(L"cmd /c \"temz.exe install install.xml >output.txt\"", L"a,");
 
     EXPECT_EQ(run.exitCode, 1602u);
-    EXPECT_EQ(run.output, missing("a.txt") + question + "a\n" + endedAfter("0 actions"));
+    EXPECT_EQ(run.output, missing("a.txt") + question + "a\n" + endedAfter("0 of 1 action"));
     EXPECT_EQ(withoutReturns(readFile(setup(L"output.txt"))), "Copying a.txt\n");
 }
 

@@ -7,6 +7,7 @@
 #include "logging/Log.h"
 #include "support/FakeCall.h"
 #include "support/FakeFileCalls.h"
+#include "system/PathText.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -326,6 +327,21 @@ TEST_F(TracerTest, CallThatIsRefusedIsNotMade) {
     guard.refuses = false;
     fileCalls.MoveFileExW(L"C:\\a", L"C:\\b", 0);
     EXPECT_EQ(move.count, 1);
+}
+
+TEST_F(TracerTest, PermitIsAskedWithAWordForTheTimeInNames) {
+    const FakeCall<fileCalls, &FileCalls::CopyFileW> copy([](auto...) { return TRUE; });
+    Guard guard;
+    Tracer tracer(guard);
+    const CallWrapper<Tracer> wrapper(tracer);
+    std::wstring target;
+    makeStampedName(L"C:\\a.ico", target);
+
+    fileCalls.CopyFileW(target.c_str(), (target + target).c_str(), FALSE);
+
+    ASSERT_THAT(guard.asked, SizeIs(1));
+    EXPECT_THAT(guard.asked[0].arguments,
+                ElementsAre(L"C:\\a<time>.ico", L"C:\\a<time>.icoC:\\a<time>.ico", L"0"));
 }
 
 // How arguments and results are told.

@@ -1,0 +1,144 @@
+#include "host/PlanFile.h"
+
+#include <gmock/gmock.h>
+
+#include "support/TestFolder.h"
+
+using testing::ElementsAre;
+using testing::StartsWith;
+
+namespace {
+
+const PlannedCall makeDirectory{L"file", L"CreateDirectoryW", {L"C:\\app"}};
+const PlannedCall copyA{L"file", L"CopyFileW", {L"a", L"C:\\app\\a", L"0"}};
+const PlannedCall copyB{L"file", L"CopyFileW", {L"b", L"C:\\app\\b", L"0"}};
+
+/// Two files, each with the making of its directory.
+Plan planOfTwo() {
+    Plan plan;
+    plan.header.scriptHash = L"0a1b";
+    plan.header.mode = L"install";
+    plan.elements = {{0, L"File", 3}, {2, L"File", 4}};
+    plan.calls = {makeDirectory, copyA, makeDirectory, copyB};
+    return plan;
+}
+
+PlanHold holdOf(const Plan& plan) {
+    return PlanHold({plan.header.scriptHash, plan.header.mode, plan.calls, plan.elements});
+}
+
+class PlanFileTest : public testing::Test {
+protected:
+    std::optional<KeptPlan> read(std::string_view text) {
+        return readPlan(folder.write(L"plan", text), problem);
+    }
+
+    const TestFolder folder;
+    std::wstring problem;
+};
+
+TEST_F(PlanFileTest, KeepsCallsInALineEach) {
+    ASSERT_TRUE(keepPlan(planOfTwo(), folder.path(L"plan")));
+    EXPECT_EQ(
+        readFile(folder.path(L"plan")),
+        "temz-plan\t1\nsha256\t0a1b\nmode\tinstall\nelement\tFile\t3\n"
+        "call\tfile\tCreateDirectoryW\tC:\\\\app\ncall\tfile\tCopyFileW\ta\tC:\\\\app\\\\a\t0\n"
+        "element\tFile\t4\ncall\tfile\tCreateDirectoryW\tC:\\\\app\n"
+        "call\tfile\tCopyFileW\tb\tC:\\\\app\\\\b\t0\nend\n");
+}
+
+TEST_F(PlanFileTest, GivesBackWhatItHasKept) {
+    Plan plan = planOfTwo();
+    plan.calls[0].arguments = {L"", L"\\n\n\r\t\\", L"\u00E4\u5B89\U0001F4BE", L""};
+    plan.calls[1].arguments = {};
+    ASSERT_TRUE(keepPlan(plan, folder.path(L"plan")));
+
+    const std::optional<KeptPlan> kept = readPlan(folder.path(L"plan"), problem);
+
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->scriptHash, L"0a1b");
+    EXPECT_EQ(kept->mode, L"install");
+    EXPECT_EQ(kept->calls, plan.calls);
+    ASSERT_EQ(kept->elements.size(), 2u);
+    EXPECT_EQ(kept->elements[1].firstCall, 2u);
+    EXPECT_EQ(kept->elements[1].line, 4u);
+}
+
+TEST_F(PlanFileTest, RefusesWhatIsNoWholePlan) {
+    const struct {
+        const char* text;
+        const wchar_t* problem;
+    } files[] = {
+        {"", L"It is no plan."},
+        {"<Script/>", L"It is no plan."},
+        {"temz-plan\t2\nend\n", L"It is a plan of another version of the program."},
+        {"temz-plan\t1\nmode\tinstall\n", L"It isn't complete."},
+        {"temz-plan\t1\nnonsense\nend\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t1\ncall\tfile\nend\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t1\nend\ncall\tfile\tCopyFileW\n", L"It has a line that is none of a plan."},
+    };
+    for (const auto& [text, expected] : files) {
+        EXPECT_FALSE(read(text)) << text;
+        EXPECT_EQ(problem, expected) << text;
+    }
+    EXPECT_FALSE(readPlan(folder.path(L"none"), problem));
+    EXPECT_EQ(problem, L"It can't be opened.");
+    EXPECT_FALSE(keepPlan(Plan(), folder.path(L"none\\plan")));
+}
+
+TEST(PlanHoldTest, TakesTheCallsInTheirOrderOnly) {
+    PlanHold hold = holdOf(planOfTwo());
+    EXPECT_FALSE(hold.take(copyA));
+    EXPECT_TRUE(hold.take(makeDirectory));
+    hold.announced();
+    EXPECT_FALSE(hold.take(makeDirectory));
+    EXPECT_FALSE(hold.take(copyB));
+    EXPECT_EQ(*hold.next(), copyA);
+    EXPECT_EQ(hold.left(), 3u);
+    EXPECT_TRUE(hold.take(copyA));
+    EXPECT_TRUE(hold.take(makeDirectory));
+    EXPECT_TRUE(hold.take(copyB));
+    EXPECT_EQ(hold.next(), nullptr);
+    EXPECT_EQ(hold.left(), 0u);
+    EXPECT_FALSE(hold.take(copyB));
+}
+
+TEST(PlanHoldTest, LetsAnActionBeginAnewWhenItIsRetried) {
+    PlanHold hold = holdOf(planOfTwo());
+    hold.take(makeDirectory);
+    hold.announced();
+    hold.take(copyA);
+    hold.take(makeDirectory);
+    hold.announced();
+    hold.take(copyB);
+    hold.retried();
+    EXPECT_FALSE(hold.take(copyA));
+    EXPECT_TRUE(hold.take(makeDirectory));
+    EXPECT_FALSE(hold.take(makeDirectory));
+    EXPECT_TRUE(hold.take(copyB));
+    hold.retried();
+    EXPECT_TRUE(hold.take(copyB));
+}
+
+TEST(PlanHoldTest, GoesOnBehindARetriedActionThatMadeNoCall) {
+    PlanHold hold = holdOf(planOfTwo());
+    hold.announced();
+    hold.retried();
+    EXPECT_TRUE(hold.take(makeDirectory));
+    EXPECT_TRUE(hold.take(copyA));
+}
+
+TEST(PlanHoldTest, KnowsWhetherAnActionIsOver) {
+    PlanHold hold = holdOf(planOfTwo());
+    hold.take(makeDirectory);
+    EXPECT_FALSE(hold.isBetweenActions());
+    hold.announced();
+    EXPECT_FALSE(hold.isBetweenActions());
+    hold.take(copyA);
+    EXPECT_TRUE(hold.isBetweenActions());
+    hold.take(makeDirectory);
+    hold.announced();
+    EXPECT_FALSE(hold.isBetweenActions());
+}
+
+}  // namespace
