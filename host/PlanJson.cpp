@@ -46,6 +46,7 @@ void addOfKind(const Step& step, JsonLine& line) {
                 .add(L"what", step.failure.what)
                 .add(L"why", step.failure.why)
                 .add(L"advice", step.failure.advice)
+                .add(L"uncertain", step.uncertain)
                 .add(L"fate", std::wstring(fateWords[step.fate]));
             break;
         case TEMZ_STEP_LEFT_OUT:
@@ -89,6 +90,7 @@ void writeSummary(const PlanSummary& summary, int exitCode) {
         .add(L"drives", drives)
         .add(L"bytesNeeded", bytes)
         .add(L"vitalFailures", summary.vitalFailures)
+        .add(L"uncertainFailures", summary.uncertainFailures)
         .add(L"otherFailures", summary.otherFailures)
         .add(L"endsUnasked", summary.endsUnasked)
         .add(L"unforeseeable", summary.unforeseeable);

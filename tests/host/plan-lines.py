@@ -1,0 +1,35 @@
+#!/usr/bin/env python3
+"""Checks what temz plan --json wrote: plan-lines.py SCHEMA FILE KIND...
+
+Every line is valid by the schema, the first is the plan and the last its end, and each KIND of step,
+or kind of change such as change:file-added, stands there.
+"""
+import json
+import sys
+
+import jsonschema
+
+
+def main(schema_path, path, *wanted):
+    with open(schema_path, encoding="utf-8") as file:
+        schema = json.load(file)
+    jsonschema.Draft7Validator.check_schema(schema)
+    validator = jsonschema.Draft7Validator(schema)
+    with open(path, encoding="utf-8", errors="strict", newline="\n") as file:
+        lines = [json.loads(line) for line in file]
+    for number, line in enumerate(lines, 1):
+        for error in validator.iter_errors(line):
+            sys.exit(f"Line {number}: {line}: {error.message}")
+    events = [line["event"] for line in lines]
+    if events != ["plan"] + ["step"] * (len(lines) - 2) + ["end"]:
+        sys.exit("A plan is its header, its steps and its end.")
+    steps = lines[1:-1]
+    seen = {step["kind"] for step in steps}
+    seen |= {f"change:{step['change']}" for step in steps if step["kind"] == "change"}
+    seen.add(f"end:{lines[-1]['exitCode']}")
+    missing = set(wanted) - seen
+    if missing:
+        sys.exit(f"Missing: {sorted(missing)} among {sorted(seen)}")
+
+
+main(*sys.argv[1:])

@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Plans scripts by temz.exe ($1), which needs the library $2, and has what it writes looked at by what
+# has nothing to do with the program: each line of --json by a validator with the schema $3, the page
+# of --html by a browser, where there is one.
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+wine_run=$here/../../scripts/wine-run.sh
+schema=$3
+work=$(dirname "$1")/plan-lines
+rm -rf "$work"
+mkdir "$work"
+cp "$1" "$2" "$work"
+cd "$work"
+folder="Z:${work//\//\\}"
+echo content >there.txt
+
+status=0
+fail() {
+    echo "$*" >&2
+    status=1
+}
+
+printf '%s' "<Script><Product><Directory Path='$folder\\app'><Component Id='C'>" \
+    "<File Name='a.txt' Source='there.txt'/><Condition Expression='OS_BIT E 32'>" \
+    "<File Name='b.txt' Source='there.txt'/></Condition>" \
+    "<FileSearch Name='there.txt' Path='$folder' Expression='OS_BIT E 64'/>" \
+    "<File Name='missing.txt' Source='nowhere.txt'/>" \
+    "<RegistryKey Action='create' Root='HKEY_CURRENT_USER' Key='Software\\temz &lt;b&gt;'/>" \
+    "<Caution Title='&quot;quoted&quot; \\ ä 安 &#9; &#x1F4BE; &lt;script&gt;'/></Component></Directory>" \
+    "<InstallExecuteSequence><Feature><ComponentRef Id='C'/></Feature>" \
+    "<Fragment On='uninstall'/></InstallExecuteSequence></Product></Script>" >install.xml
+
+# check EXIT-CODE ARGUMENTS -- KIND...: a plan, and what must stand among its lines.
+check() {
+    local expected=$1 code=0
+    shift
+    local arguments=()
+    while [ "$1" != -- ]; do
+        arguments+=("$1")
+        shift
+    done
+    shift
+    "$wine_run" "$work/temz.exe" plan install.xml --json "${arguments[@]}" </dev/null >plan.out || code=$?
+    # The shell keeps eight bits of an exit code.
+    [ "$code" = $((expected % 256)) ] || fail "${arguments[*]}: exit code $code, not $((expected % 256))."
+    "$here/plan-lines.py" "$schema" plan.out "end:$expected" "$@" || fail "${arguments[*]}: see $work/plan.out"
+}
+
+check 1603 --html plan.html -- group element condition search action failure left-out \
+    change:file-added change:directory-added change:key-added
+check 0 --mode uninstall -- group condition
+
+# lines FRAGMENT: what the page shows when it is opened with this search and these filters.
+lines() {
+    chromium --headless --no-sandbox --disable-gpu --user-data-dir="$work/browser" \
+        --dump-dom "file://$work/plan.html#$1" 2>/dev/null | grep '^<li' | grep -v ' hidden' || true
+}
+
+if command -v chromium >/dev/null; then
+    all=$(lines '')
+    files=$(lines 'show=file')
+    found=$(lines 'show=file,condition,registry&search=KEY+new')
+    [ "$(wc -l <<<"$all")" -ge 9 ] || fail "Lines are missing on the page: $all"
+    grep -q 'missing.txt' <<<"$all" || fail "The page lacks the failure."
+    grep -q 'a\.txt' <<<"$files" || fail "The page lacks files when they are chosen."
+    ! grep -q 'data-area="failure"' <<<"$files" || fail "The page shows what isn't chosen."
+    grep -q 'data-area="group"' <<<"$files" || fail "The page hides what is around a line."
+    grep -q 'temz &lt;b&gt;' <<<"$found" || fail "The page doesn't find a key."
+    ! grep -q 'a\.txt' <<<"$found" || fail "The page shows what isn't searched."
+    [ -z "$(lines 'search=nothing-of-it')" ] || fail "The page shows lines when nothing is found."
+else
+    echo "The page wasn't looked at: there is no chromium."
+fi
+exit $status
