@@ -31,11 +31,15 @@ std::wstring HandleNames::find(const void* handle) const {
         if (static_cast<uintptr_t>(static_cast<intptr_t>(static_cast<int32_t>(root.number))) ==
             number)
             return root.word;
-    return L"(object)";
+    return textOfObject(handle);
 }
 
 std::wstring textOf(const wchar_t* text) {
     return text ? text : absent;
+}
+
+std::wstring textOfObject(const void* object) {
+    return object ? L"(object)" : absent;
 }
 
 std::wstring textOf(const char* text) {

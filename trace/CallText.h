@@ -20,6 +20,7 @@ private:
 // The texts of arguments and results. What a call fills in has a text only when the call succeeded.
 std::wstring textOf(const wchar_t* text);
 std::wstring textOf(const char* text);
+std::wstring textOfObject(const void* object);
 std::wstring textOf(const WIN32_FIND_DATAW& found);
 std::wstring textOf(const PROCESSENTRY32W& process);
 std::wstring textOf(const MODULEENTRY32W& module);
@@ -58,6 +59,11 @@ std::wstring textOfArgument(const HandleNames& handles, bool filled, Argument ar
         // What describes a program to start is the caller's; all other records are filled in.
         const bool there = filled || std::is_same_v<Target, SHELLEXECUTEINFOW>;
         return there && argument ? textOf(*argument) : std::wstring();
+    } else if constexpr (std::is_pointer_v<Argument> &&
+                         (std::is_const_v<std::remove_pointer_t<Argument>> ||
+                          std::is_base_of_v<IUnknown, Target>)) {
+        // No handle, though it may stand where one stood.
+        return textOfObject(argument);
     } else if constexpr (std::is_pointer_v<Argument>) {
         return handles.find(reinterpret_cast<const void*>(argument));
     } else {

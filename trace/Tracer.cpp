@@ -25,6 +25,15 @@ std::vector<std::wstring> Tracer::valueArguments(HKEY key, const wchar_t* name, 
             std::to_wstring(size)};
 }
 
+std::vector<std::wstring> Tracer::noticeArguments(LONG event, UINT flags, const void* one,
+                                                  const void* other) {
+    const auto textOfItem = [flags](const void* item) {
+        return (flags & SHCNF_TYPE) == SHCNF_PATHW ? textOf(static_cast<const wchar_t*>(item))
+                                                   : textOfObject(item);
+    };
+    return {std::to_wstring(event), std::to_wstring(flags), textOfItem(one), textOfItem(other)};
+}
+
 std::vector<std::wstring> Tracer::entryArguments(CustomActionEntry entry,
                                                  const CustomActionParams* params,
                                                  const wchar_t* message, uint32_t capacity) const {

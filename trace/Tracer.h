@@ -213,6 +213,8 @@ private:
         else if constexpr (isCall<member>(&ProcessCalls::FormatMessageW) ||
                            isCall<member>(&ProcessCalls::FormatMessageA))
             return messageArguments(arguments...);
+        else if constexpr (isCall<member>(&ShellCalls::SHChangeNotify))
+            return noticeArguments(arguments...);
         else if constexpr (isCall<member>(&ActionCalls::CallEntry))
             return entryArguments(arguments...);
         else
@@ -229,6 +231,8 @@ private:
                                                       va_list* /*inserts*/) {
         return {std::to_wstring(flags), std::to_wstring(code), std::to_wstring(language)};
     }
+    static std::vector<std::wstring> noticeArguments(LONG event, UINT flags, const void* one,
+                                                     const void* other);
     std::vector<std::wstring> entryArguments(CustomActionEntry entry,
                                              const CustomActionParams* params,
                                              const wchar_t* message, uint32_t capacity) const;

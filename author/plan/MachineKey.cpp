@@ -30,16 +30,44 @@ struct Hive {
 const Hive hives[] = {{L"\\REGISTRY\\MACHINE", HKEY_LOCAL_MACHINE},
                       {L"\\REGISTRY\\USER", HKEY_USERS}};
 
+/// The predefined keys that stand for others. Opened themselves they would only give themselves.
+struct Link {
+    HKEY root;
+    const wchar_t* path;  ///< in HKEY_LOCAL_MACHINE
+};
+const Link links[] = {
+    {HKEY_CLASSES_ROOT, L"Software\\Classes"},
+    {HKEY_CURRENT_CONFIG, L"System\\CurrentControlSet\\Hardware Profiles\\Current"}};
+
+std::wstring nameIn(HKEY root, const wchar_t* path) {
+    HKEY key = nullptr;
+    const LSTATUS error = RegOpenKeyExW(root, path, 0, MAXIMUM_ALLOWED, &key);
+    const MachineKey owner(key);
+    return error ? std::wstring() : systemName(key);
+}
+
 }  // namespace
 
-std::wstring systemName(const MachineKey& key) {
+std::wstring systemName(HKEY key) {
+    for (const Hive& hive : hives)
+        if (hive.root == key)
+            return std::wstring(hive.name);
+    for (const Link& link : links)
+        if (link.root == key)
+            return nameIn(HKEY_LOCAL_MACHINE, link.path);
+    if (key == HKEY_CURRENT_USER) {
+        HKEY user = nullptr;
+        const LSTATUS error = RegOpenCurrentUser(MAXIMUM_ALLOWED, &user);
+        const MachineKey owner(user);
+        return error ? std::wstring() : systemName(user);
+    }
     static const QueryKey query = queryKey();
     ULONG size = 0;
     if (query == nullptr)
         return {};
-    query(key.get(), keyNameInformation, nullptr, 0, &size);
+    query(key, keyNameInformation, nullptr, 0, &size);
     std::vector<ULONG> buffer(size / sizeof(ULONG) + 1);
-    if (query(key.get(), keyNameInformation, buffer.data(), size, &size) < 0)
+    if (query(key, keyNameInformation, buffer.data(), size, &size) < 0)
         return {};
     const auto* information = reinterpret_cast<const KeyNameInformation*>(buffer.data());
     return {information->name, information->length / sizeof(wchar_t)};

@@ -17,7 +17,7 @@ using MachineKey = UniqueHandle<MachineKeyTraits>;
 
 /// The system's own name of a key, which is one however the key was opened:
 /// "\REGISTRY\USER\S-1-5-21...\Software".
-std::wstring systemName(const MachineKey& key);
+std::wstring systemName(HKEY key);
 
 /// Opens a key by its system name.
 LSTATUS openBySystemName(const RegistryCalls& system, const std::wstring& name, REGSAM access,

@@ -28,6 +28,15 @@ DWORD processOfService(const std::wstring& name) {
     return status.dwServiceType == SERVICE_WIN32_OWN_PROCESS ? status.dwProcessId : 0;
 }
 
+bool isMarkedForRemoval(const std::wstring& name) {
+    const std::wstring key = L"System\\CurrentControlSet\\Services\\" + name;
+    DWORD flag = 0;
+    DWORD size = sizeof flag;
+    return RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), L"DeleteFlag", RRF_RT_REG_DWORD, nullptr,
+                        &flag, &size) == ERROR_SUCCESS &&
+           flag != 0;
+}
+
 bool isNeededByRunning(const std::wstring& name) {
     const Service service = open(name, SERVICE_ENUMERATE_DEPENDENTS);
     DWORD needed = 0;

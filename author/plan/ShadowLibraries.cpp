@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "plan/LibraryFile.h"
+#include "plan/MachineFile.h"
 #include "system/FileOperations.h"
 #include "system/PathText.h"
 #include "trace/CallText.h"
@@ -81,11 +82,14 @@ std::wstring ShadowLibraries::find(const wchar_t* given) const {
 
 HMODULE ShadowLibraries::answer(Call<&LibraryCalls::LoadLibraryW>, const wchar_t* name) {
     const std::wstring path = find(name);
-    const auto exports = path.empty() ? std::nullopt : exportedNames(files.look(path).content);
-    if (!exports) {
-        SetLastError(path.empty() ? ERROR_MOD_NOT_FOUND : ERROR_BAD_EXE_FORMAT);
+    const std::wstring content = files.look(path).content;
+    DWORD error = path.empty() ? DWORD{ERROR_MOD_NOT_FOUND}
+                               : tryToOpen(content, GENERIC_READ | GENERIC_EXECUTE);
+    const auto exports = error ? std::nullopt : exportedNames(content);
+    if (!error && !exports)
+        error = ERROR_BAD_EXE_FORMAT;
+    if (!answerOf(error))
         return nullptr;
-    }
     Change change{};
     change.kind = ChangeKind::libraryLoaded;
     change.object = path;

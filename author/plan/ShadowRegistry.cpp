@@ -39,7 +39,7 @@ std::wstring joined(const std::wstring& path, const std::wstring& name) {
 
 // Which key it is.
 
-/// Opens what the machine has there with all rights that can be had.
+/// Opens what the machine has below a key with all rights that can be had.
 LSTATUS ShadowRegistry::openOnMachine(HKEY parent, const std::wstring& path,
                                       MachineKey& key) const {
     if (const OpenKey* own = openKeys.find(parent))
@@ -55,19 +55,22 @@ LSTATUS ShadowRegistry::openOnMachine(HKEY parent, const std::wstring& path,
 ShadowRegistry::Place ShadowRegistry::onMachine(HKEY parent, const std::wstring& path) const {
     Place place;
     std::wstring there = path;
-    for (;;) {
+    for (; !there.empty(); there = parentKey(there)) {
         MachineKey key;
         place.error = openOnMachine(parent, there, key);
-        if (place.error == ERROR_SUCCESS) {
-            place.path = joined(systemName(key), plainPath(path.substr(there.size())));
+        place.path = systemName(key.get());
+        if (place.error == ERROR_SUCCESS)
+            break;
+        if (place.error != ERROR_FILE_NOT_FOUND && place.error != ERROR_ACCESS_DENIED)
             return place;
-        }
-        const bool isElsewhere =
-            place.error == ERROR_FILE_NOT_FOUND || place.error == ERROR_ACCESS_DENIED;
-        if (!isElsewhere || there.empty())
-            return place;
-        there = parentKey(there);
     }
+    if (there.empty()) {
+        const OpenKey* const own = openKeys.find(parent);
+        place.path = own ? own->place.path : systemName(parent);
+        place.error = place.path.empty() ? ERROR_INVALID_HANDLE : ERROR_SUCCESS;
+    }
+    place.path = joined(place.path, plainPath(path.substr(there.size())));
+    return place;
 }
 
 ShadowRegistry::Place ShadowRegistry::placeOf(HKEY parent, const wchar_t* path) const {

@@ -74,6 +74,8 @@ SC_HANDLE ShadowServices::answer(Call<&ServiceCalls::OpenServiceW>, SC_HANDLE ma
     const SC_HANDLE real = system.OpenServiceW(realOf(manager), name, access);
     if (real == nullptr)
         return nullptr;
+    if (known == services.end())
+        services[name].isMarked = isMarkedForRemoval(name);
     ++services[name].handles;
     return handles.give({real, name, access});
 }

@@ -264,6 +264,33 @@ TEST_F(TracerTest, CallWithoutAResultCannotFail) {
     EXPECT_THAT(listener.calls[0].arguments, ElementsAre(L"0", L"0", L"null", L"null"));
 }
 
+TEST_F(TracerTest, NoticeToTheShellIsToldWithItsPaths) {
+    const FakeCall<shellCalls, &ShellCalls::SHChangeNotify> notify([](auto...) {});
+    Tracer tracer(listener);
+    const CallWrapper<Tracer> wrapper(tracer);
+
+    shellCalls.SHChangeNotify(SHCNE_CREATE, SHCNF_PATHW, L"C:\\a", nullptr);
+
+    ASSERT_THAT(listener.calls, SizeIs(1));
+    EXPECT_THAT(listener.calls[0].arguments, ElementsAre(L"2", L"5", L"C:\\a", L"null"));
+}
+
+// An address is used again when what stood there is gone.
+TEST_F(TracerTest, ObjectIsNotTakenForAHandleThatStoodThere) {
+    int place = 0;
+    const auto handle = reinterpret_cast<HMODULE>(&place);
+    const FakeCall<libraryCalls, &LibraryCalls::LoadLibraryW> load([&](auto) { return handle; });
+    const FakeCall<linkCalls, &LinkCalls::Save> save([](auto...) { return S_OK; });
+    Tracer tracer(listener);
+    const CallWrapper<Tracer> wrapper(tracer);
+
+    libraryCalls.LoadLibraryW(L"a.dll");
+    linkCalls.Save(reinterpret_cast<IPersistFile*>(&place), L"a.lnk", TRUE);
+
+    ASSERT_THAT(listener.calls, SizeIs(2));
+    EXPECT_THAT(listener.calls[1].arguments, ElementsAre(L"(object)", L"a.lnk", L"1"));
+}
+
 // What asks, and what changes.
 
 TEST_F(TracerTest, CallsThatChangeTheMachineAreMarked) {
