@@ -14,6 +14,7 @@ public:
 
     void make(temz_context* context, temz_mode mode, const std::vector<Assumption>& assumptions) {
         std::vector<temz_assumption> records;
+        records.reserve(assumptions.size());
         for (const Assumption& assumption : assumptions)
             records.push_back({assumption.name.c_str(), assumption.value.c_str()});
         temz_planner planner{};

@@ -30,7 +30,7 @@ const wchar_t* colourOf(wchar_t symbol) {
 }
 
 std::wstring lineText(const PlanLine& line, bool inColour) {
-    std::wstring text(2 * (line.depth + 1), L' ');
+    std::wstring text(2 * (size_t{line.depth} + 1), L' ');
     if (line.symbol != L' ')
         text += std::wstring(1, line.symbol) + L" ";
     text += line.object;

@@ -124,23 +124,23 @@ std::wstring effectText(const Step& change) {
     return text;
 }
 
-std::wstring failureLine(const Step& step) {
+std::wstring failureLine(const Step& failing) {
     constexpr const wchar_t* fates[] = {
         L"A run asks here, and ends unless it goes on.",
         L"A run goes on: it isn't vital.",
         L"A run ends here.",
     };
-    const Failure& failure = step.failure;
+    const Failure& failure = failing.failure;
     std::wstring text = failure.what;
     if (failure.code != TEMZ_ERROR_MESSAGE)
-        text += step.uncertain ? L" may fail" : L" fails";
+        text += failing.uncertain ? L" may fail" : L" fails";
     if (!failure.why.empty())
         text += L": " + failure.why;
     if (text.empty() || text.back() != L'.')
         text += L'.';
     if (failure.systemError != 0)
         text += L" [error " + std::to_wstring(failure.systemError) + L"]";
-    return text + L" " + fates[step.fate];
+    return text + L" " + fates[failing.fate];
 }
 
 std::wstring leftOutText(const Step& step) {

@@ -23,7 +23,7 @@ const ChangeWords& wordsOf(const Step& change);
 /// What is done with the object of a change, from what to what: "1.3.0, 800 KB -> 1.4.0, 812 KB".
 std::wstring effectText(const Step& change);
 /// A failure, and what a run does there.
-std::wstring failureLine(const Step& failure);
+std::wstring failureLine(const Step& failing);
 /// What a condition was decided by, and what that leaves out.
 std::wstring decisionText(const Step& condition);
 std::wstring searchText(const Step& search);
