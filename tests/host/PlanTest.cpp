@@ -138,6 +138,47 @@ TEST_F(PlanTest, RunIsEndedBeforeTheFirstChangeThatIsNotInIt) {
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a1")));
 }
 
+TEST_F(PlanTest, ActionBeforeTheDepartureCountsAsDone) {
+    ship(L"a.txt", "a1");
+    writeScript(file("a.txt") + file("a.txt"));
+    approve();
+    std::string text = readFile(setup(L"approved.plan"));
+    text.replace(text.rfind("CreateDirectoryW"), 16, "RemoveDirectoryW");
+    ship(L"approved.plan", text);
+
+    const ProgramRun run = installAsApproved();
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_THAT(run.error, HasSubstr("Failed after 1 of 2 actions (1603)."));
+}
+
+TEST_F(PlanTest, RunThatHasLessToDoIsToldSo) {
+    ship(L"a.txt", "a1");
+    folder.write(L"app\\a.txt", "a1");
+    writeScript(file("a.txt"));
+    ASSERT_EQ(temz(L"plan install.xml --mode uninstall --out approved.plan").exitCode, 0u);
+    std::filesystem::remove(app(L"a.txt"));
+
+    const ProgramRun run = temz(L"uninstall install.xml --plan approved.plan");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.error,
+              "temz: The plan has more than there was to do: its last calls, 1 of them, "
+              "weren't made.\n");
+}
+
+TEST_F(PlanTest, FailureBehindWhatCannotBeForeseenIsNoCertainty) {
+    ship(L"a.cmd", "");
+    writeScript("<ShellExcute File='" + utf8(setup(L"a.cmd")) +
+                "' Return='sync'/><ServiceControl Name='temz-none' Action='start' Wait='no'/>");
+
+    const ProgramRun plan = temz(L"plan install.xml");
+
+    EXPECT_EQ(plan.exitCode, 0u);
+    EXPECT_THAT(plan.output, AllOf(HasSubstr("1 vital action may fail"),
+                                   HasSubstr("x Starting service temz-none may fail: ")));
+}
+
 TEST_F(PlanTest, OfAnotherScriptModeOrFormatIsRefusedAtOnce) {
     shipTwo();
     approve();
