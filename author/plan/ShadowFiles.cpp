@@ -289,7 +289,7 @@ DWORD ShadowFiles::refusalToWrite(const wchar_t* target, DWORD newAttributes) co
             const DWORD refusal = refusalToAdd(path, FILE_ADD_FILE);
             return isNotFound(refusal) ? error : refusal;
         }
-        if (error != ERROR_SUCCESS && !(error == ERROR_SHARING_VIOLATION && ended.free(path)))
+        if (error != ERROR_SUCCESS && !(error == ERROR_SHARING_VIOLATION && ended.haveReleased(path)))
             return error;
     } else if (!before.isThere()) {
         return before.error == ERROR_PATH_NOT_FOUND ? before.error
@@ -401,7 +401,7 @@ DWORD ShadowFiles::remove(const wchar_t* name) {
     const bool real = isOnMachine(path);
     if (real) {
         const DWORD error = tryToOpen(name, DELETE, asLink);
-        if (error != ERROR_SUCCESS && !(error == ERROR_SHARING_VIOLATION && ended.free(path)))
+        if (error != ERROR_SUCCESS && !(error == ERROR_SHARING_VIOLATION && ended.haveReleased(path)))
             return error;
     }
     const SeenFile file = look(path);
@@ -411,7 +411,7 @@ DWORD ShadowFiles::remove(const wchar_t* name) {
         return ERROR_ACCESS_DENIED;
     // A program that runs can be opened for deletion, but not be deleted.
     if (real && tryToOpen(name, FILE_WRITE_DATA) == ERROR_SHARING_VIOLATION && isProgramFile(path) &&
-        !ended.free(path))
+        !ended.haveReleased(path))
         return ERROR_ACCESS_DENIED;
     const Change change =
         describe(ChangeKind::fileRemoved, path, file, missing(ERROR_FILE_NOT_FOUND));
