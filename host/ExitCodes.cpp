@@ -30,7 +30,8 @@ constexpr ExitCode codes[] = {
     {Ending::scriptNotOpened, ERROR_INSTALL_PACKAGE_OPEN_FAILED,
      L"The script can't be opened. Nothing was done.", L"Look at its path and its rights."},
     {Ending::scriptNotLoaded, ERROR_INSTALL_PACKAGE_INVALID,
-     L"The script can't be loaded, or a run would surely end half-way. Nothing was done.",
+     L"The script can't be loaded, a run would surely end half-way, or the plan isn't of this run. "
+     L"Nothing was done.",
      L"Mend the script; temz check tells all that is wrong with it."},
     {Ending::logNotOpened, ERROR_INSTALL_LOG_FAILURE, L"The log can't be opened. Nothing was done.",
      L"Name a file in a directory that is there and can be written to."},

@@ -43,7 +43,7 @@ std::wstring EndedProcesses::add(DWORD id) {
     return program;
 }
 
-bool EndedProcesses::free(const std::wstring& path) const {
+bool EndedProcesses::haveReleased(const std::wstring& path) const {
     if (!modules.contains(path))
         return false;
     const OpenedFile snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));

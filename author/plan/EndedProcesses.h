@@ -18,7 +18,7 @@ public:
 
     /// Whether a program or library that is in use on the machine isn't any more: only ended
     /// processes had it loaded. Other files that they hold open aren't known.
-    bool free(const std::wstring& path) const;
+    bool haveReleased(const std::wstring& path) const;
 
 private:
     std::set<DWORD> ids;

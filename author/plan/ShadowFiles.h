@@ -60,7 +60,7 @@ public:
     std::wstring textOf(const SeenFile& file) const;
 
     /// The error with which the system would refuse to write a file that the run makes itself.
-    DWORD refusalToWrite(const wchar_t* path, DWORD newAttributes) const;
+    DWORD refusalToWrite(const wchar_t* target, DWORD newAttributes) const;
     /// The file has been written: a copy of another, or without content.
     void write(const std::wstring& path, const SeenFile& file);
 
@@ -83,11 +83,11 @@ private:
     bool isEmpty(const std::wstring& directory) const;
 
     DWORD copy(const wchar_t* source, const wchar_t* target, bool keep);
-    DWORD remove(const wchar_t* path);
+    DWORD remove(const wchar_t* name);
     DWORD replaceAtRestart(const wchar_t* source, const wchar_t* target);
-    DWORD makeDirectory(const wchar_t* path);
-    DWORD removeDirectory(const wchar_t* path);
-    DWORD setAttributes(const wchar_t* path, DWORD attributes);
+    DWORD makeDirectory(const wchar_t* name);
+    DWORD removeDirectory(const wchar_t* name);
+    DWORD setAttributes(const wchar_t* name, DWORD attributes);
 
     DWORD refusalToAdd(const std::wstring& path, DWORD right) const;
     DWORD refusalOfRoom(const std::wstring& path, uint64_t bytes, uint64_t bytesFreed) const;

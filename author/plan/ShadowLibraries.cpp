@@ -73,7 +73,7 @@ std::wstring ShadowLibraries::find(const wchar_t* given) const {
     if (const HMODULE loaded = GetModuleHandleW(name.c_str()))
         return fileOf(loaded);
     for (const std::wstring& folder : searchedFolders()) {
-        const std::wstring path = fullPath((withSeparator(folder) + name).c_str());
+        std::wstring path = fullPath((withSeparator(folder) + name).c_str());
         if (!folder.empty() && isFile(path))
             return path;
     }

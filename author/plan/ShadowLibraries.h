@@ -18,7 +18,7 @@ public:
         : files(files), listener(listener) {}
 
     HMODULE answer(Call<&LibraryCalls::LoadLibraryW>, const wchar_t* name);
-    FARPROC answer(Call<&LibraryCalls::GetProcAddress>, HMODULE library, const char* name);
+    FARPROC answer(Call<&LibraryCalls::GetProcAddress>, HMODULE handle, const char* name);
     BOOL answer(Call<&LibraryCalls::FreeLibrary>, HMODULE library);
     uint32_t answer(Call<&ActionCalls::CallEntry>, CustomActionEntry entry,
                     CustomActionParams* params, wchar_t* message, uint32_t capacity);
@@ -32,7 +32,7 @@ private:
         std::wstring name;  ///< with that of its library
     };
 
-    std::wstring find(const wchar_t* name) const;
+    std::wstring find(const wchar_t* given) const;
 
     const ShadowFiles& files;
     ChangeListener& listener;

@@ -157,6 +157,7 @@ BOOL ShadowProcesses::answer(Call<&ShellCalls::ShellExecuteExW>, SHELLEXECUTEINF
     if (error != ERROR_SUCCESS)
         return answerOf(error);
     start->hProcess = programs.give({path});
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is all it is
     start->hInstApp = reinterpret_cast<HINSTANCE>(anySuccess);
     Change change{};
     change.kind = ChangeKind::programStarted;

@@ -23,15 +23,15 @@ public:
                    SECURITY_ATTRIBUTES* security, HKEY* key, DWORD* disposition);
     LSTATUS answer(Call<&RegistryCalls::RegOpenKeyExW>, HKEY parent, const wchar_t* path,
                    DWORD options, REGSAM access, HKEY* key);
-    LSTATUS answer(Call<&RegistryCalls::RegQueryInfoKeyW>, HKEY key, wchar_t* keyClass,
+    LSTATUS answer(Call<&RegistryCalls::RegQueryInfoKeyW>, HKEY handle, wchar_t* keyClass,
                    DWORD* classLength, DWORD* reserved, DWORD* subkeys, DWORD* longestSubkey,
-                   DWORD* longestClass, DWORD* values, DWORD* longestName, DWORD* longestData,
+                   DWORD* longestClass, DWORD* valueCount, DWORD* longestName, DWORD* longestData,
                    DWORD* descriptorSize, FILETIME* written);
-    LSTATUS answer(Call<&RegistryCalls::RegEnumKeyExW>, HKEY key, DWORD index, wchar_t* name,
+    LSTATUS answer(Call<&RegistryCalls::RegEnumKeyExW>, HKEY handle, DWORD index, wchar_t* name,
                    DWORD* length, DWORD* reserved, wchar_t* keyClass, DWORD* classLength,
                    FILETIME* written);
     LSTATUS answer(Call<&RegistryCalls::RegDeleteKeyW>, HKEY parent, const wchar_t* path);
-    LSTATUS answer(Call<&RegistryCalls::RegSetValueExW>, HKEY key, const wchar_t* name,
+    LSTATUS answer(Call<&RegistryCalls::RegSetValueExW>, HKEY handle, const wchar_t* name,
                    DWORD reserved, DWORD type, const BYTE* data, DWORD size);
     LSTATUS answer(Call<&RegistryCalls::RegCloseKey>, HKEY key);
 

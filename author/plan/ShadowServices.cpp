@@ -1,5 +1,6 @@
 #include "plan/ShadowServices.h"
 
+#include <cwchar>
 #include <vector>
 
 #include "plan/MachineService.h"
@@ -43,7 +44,8 @@ bool isPending(DWORD state) {
 std::wstring withVariables(const std::wstring& text) {
     std::wstring expanded(ExpandEnvironmentStringsW(text.c_str(), nullptr, 0), L'\0');
     ExpandEnvironmentStringsW(text.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
-    return expanded.c_str();
+    expanded.resize(std::wcslen(expanded.c_str()));
+    return expanded;
 }
 
 }  // namespace

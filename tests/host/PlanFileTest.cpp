@@ -120,6 +120,20 @@ TEST(PlanHoldTest, LetsAnActionBeginAnewWhenItIsRetried) {
     EXPECT_TRUE(hold.take(copyB));
 }
 
+TEST(PlanHoldTest, KeepsWhatIsRetriedToItsOwnCalls) {
+    Plan plan;
+    plan.elements = {{0, L"File", 3}, {1, L"File", 4}};
+    plan.calls = {copyA, copyB};
+    PlanHold hold = holdOf(plan);
+    hold.announced();
+    hold.take(copyA);
+    hold.announced();
+    hold.take(copyB);
+    hold.retried();
+    EXPECT_FALSE(hold.take(copyA));
+    EXPECT_TRUE(hold.take(copyB));
+}
+
 TEST(PlanHoldTest, GoesOnBehindARetriedActionThatMadeNoCall) {
     PlanHold hold = holdOf(planOfTwo());
     hold.announced();

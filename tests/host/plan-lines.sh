@@ -47,7 +47,7 @@ check() {
     "$here/plan-lines.py" "$schema" plan.out "end:$expected" "$@" || fail "${arguments[*]}: see $work/plan.out"
 }
 
-check 1603 --html plan.html -- group element condition search action failure left-out \
+check 1 --html plan.html -- group element condition search action failure left-out \
     change:file-added change:directory-added change:key-added
 check 0 --mode uninstall -- group condition
 

@@ -158,6 +158,12 @@ TEST_F(ShadowRegistryTest, EnumerationTellsWhatIsAndWhatIsPlannedInOrder) {
         names.emplace_back(name, length);
     EXPECT_THAT(names, ElementsAre(L"a", L"b", L"C", L"e"));
     EXPECT_EQ(count, 4u);
+    EXPECT_TRUE(removeTree(L"In\\a"));
+    DWORD nameLength = 3;
+    EXPECT_EQ(registryCalls.RegEnumKeyExW(opened, 0, name, &nameLength, nullptr, nullptr, nullptr,
+                                          nullptr),
+              ERROR_SUCCESS);
+    EXPECT_STREQ(name, L"b");
     DWORD tooShort = 1;
     EXPECT_EQ(
         registryCalls.RegEnumKeyExW(opened, 0, name, &tooShort, nullptr, nullptr, nullptr, nullptr),
@@ -180,6 +186,9 @@ TEST_F(ShadowRegistryTest, KeyIsOneByWhateverRootItIsReached) {
 TEST_F(ShadowRegistryTest, HiveIsNotRemoved) {
     EXPECT_EQ(remove(HKEY_LOCAL_MACHINE, L"Software"), ERROR_ACCESS_DENIED);
     EXPECT_EQ(remove(HKEY_CURRENT_USER, L""), ERROR_ACCESS_DENIED);
+    EXPECT_FALSE(deleteKeyTree(HKEY_CURRENT_USER, L""));
+    EXPECT_EQ(open(HKEY_CURRENT_USER, L"Software"), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(open(HKEY_CURRENT_USER, L""), ERROR_SUCCESS);
 }
 
 }  // namespace
