@@ -130,6 +130,9 @@ public:
         summary.ending =
             logProblem.empty() ? runLoaded() : refuse(Ending::logNotOpened, logProblem);
         tell([this](Reporter& reporter) { reporter.finished(summary); });
+        if (log && log->writeError() != ERROR_SUCCESS)
+            write(Stream::error,
+                  L"temz: The log is incomplete: " + systemTextWithCode(log->writeError()) + L"\n");
         return summary.ending;
     }
 
@@ -137,15 +140,16 @@ private:
     /// Gives why the log can't be opened; empty when it can, or there is to be none.
     std::wstring openReporters() {
         std::wstring problem;
-        std::wstring log;
+        std::wstring logPath;
         if (!command.log.empty()) {
             auto reporter = LogReporter::open(
                 command.log,
                 command.verbose ? LogReporter::Detail::calls : LogReporter::Detail::actions,
                 problem);
             if (reporter) {
+                log = reporter.get();
                 reporters.push_back(std::move(reporter));
-                log = wholePath(command.log);
+                logPath = wholePath(command.log);
             }
         }
         if (command.json)
@@ -155,7 +159,7 @@ private:
             reporters.push_back(std::make_unique<ConsoleReporter>(
                 command.quiet ? ConsoleReporter::Detail::failuresOnly
                               : ConsoleReporter::Detail::all,
-                log));
+                logPath));
         return problem;
     }
 
@@ -255,6 +259,7 @@ private:
 
     const CommandLine& command;
     std::vector<std::unique_ptr<Reporter>> reporters;
+    const LogReporter* log = nullptr;  // of the reporters; null when there is none
     RunSummary summary;
 };
 
