@@ -18,6 +18,7 @@
 #include "RunWarnings.h"
 #include "RunWatch.h"
 #include "ScriptFile.h"
+#include "SessionEnd.h"
 #include "StopRequest.h"
 #include "Version.h"
 
@@ -129,6 +130,8 @@ public:
             warn(text);
         summary.ending =
             logProblem.empty() ? runLoaded() : refuse(Ending::logNotOpened, logProblem);
+        if (summary.ending == Ending::stoppedByUser && stop.isSessionEnding())
+            warn(L"Windows ends the session.");
         tell([this](Reporter& reporter) { reporter.finished(summary); });
         if (log && log->writeError() != ERROR_SUCCESS)
             write(Stream::error,
@@ -228,7 +231,6 @@ private:
 
     Ending run(temz_context* context) {
         const QuickEditOff quickEditOff;
-        StopRequest stop;
         ActionWatch current(stop);
         PendingWatch pending(reporters, command.dropPending);
         std::vector<Reporter*> watchers{&current, &pending};
@@ -236,12 +238,12 @@ private:
             watchers.push_back(reporter.get());
         const bool asks = command.mayAsk();
         RunWatch watch(watchers, command.onError,
-                       {[&stop] { return stop.wanted(); },
+                       {[this] { return stop.wanted(); },
                         [](const Action& action, const temz_error& error) {
                             return diagnose(action, error, realWitnesses);
                         },
                         [asks] { return asks ? askUser() : std::nullopt; },
-                        [&stop](std::chrono::milliseconds time) { stop.wait(time); }});
+                        [this](std::chrono::milliseconds time) { stop.wait(time); }});
         temz_outcome outcome{};
         outcome.size = sizeof outcome;
         const temz_status status = watch.run(context, command.mode, outcome);
@@ -258,6 +260,8 @@ private:
     }
 
     const CommandLine& command;
+    StopRequest stop;
+    const SessionEnd sessionEnd{stop};
     std::vector<std::unique_ptr<Reporter>> reporters;
     const LogReporter* log = nullptr;  // of the reporters; null when there is none
     RunSummary summary;
