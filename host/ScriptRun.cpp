@@ -192,7 +192,13 @@ private:
             return refuse(
                 Ending::scriptNotOpened,
                 command.script + L" can't be opened: its name isn't in the active code page.");
-        const RunGuard guard{std::chrono::seconds(command.waitSeconds)};
+        RunGuard guard;
+        if (!guard && command.waitSeconds > 0) {
+            warn(L"Another run goes on on this machine, and is waited for.");
+            guard.wait(std::chrono::seconds(command.waitSeconds), stop.event());
+        }
+        if (!guard && stop.wanted())
+            return refuse(Ending::stoppedByUser, L"The wait for another run was ended.");
         if (!guard)
             return refuse(Ending::otherRunGoesOn, L"Another run goes on on this machine.");
         const ContextPtr context = makeContext();
