@@ -348,7 +348,8 @@ private:
     }
 
     bool readArgument(const std::wstring& argument) {
-        const size_t equals = argument.find(L'=');
+        // "/log:FILE" is as customary as "/log=FILE".
+        const size_t equals = argument.find_first_of(argument.starts_with(L'/') ? L":=" : L"=");
         const std::wstring name = argument.substr(0, equals);
         const Option* option = findOption(name);
         if (option == nullptr) {

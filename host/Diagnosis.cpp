@@ -415,3 +415,7 @@ std::wstring systemText(uint32_t code) {
                        text, static_cast<DWORD>(std::size(text)), nullptr);
     return withoutLineEnd(std::wstring(text, length));
 }
+
+std::wstring systemTextWithCode(uint32_t code) {
+    return systemText(code) + L" [error " + std::to_wstring(code) + L"]";
+}

@@ -30,8 +30,7 @@ std::unique_ptr<LogReporter> LogReporter::open(const std::wstring& path, Detail 
                              OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) {
         const DWORD error = GetLastError();
-        problem = path + L" can't be opened: " + systemText(error) + L" [error " +
-                  std::to_wstring(error) + L"]";
+        problem = path + L" can't be opened: " + systemTextWithCode(error);
         return nullptr;
     }
     return std::unique_ptr<LogReporter>(new LogReporter(std::move(file), detail));
@@ -40,7 +39,10 @@ std::unique_ptr<LogReporter> LogReporter::open(const std::wstring& path, Detail 
 void LogReporter::line(const std::wstring& text) {
     const std::string bytes = toUtf8(timeStamp() + L" " + text + L"\r\n");
     DWORD written = 0;
-    WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    const bool success = logCalls.WriteFile(file.get(), bytes.data(),
+                                            static_cast<DWORD>(bytes.size()), &written, nullptr);
+    if (firstError == ERROR_SUCCESS && (!success || written < bytes.size()))
+        firstError = success ? ERROR_DISK_FULL : GetLastError();
 }
 
 void LogReporter::started(const RunHeader& header) {

@@ -1,10 +1,19 @@
 #pragma once
 
+#include <windows.h>
+
 #include <memory>
 #include <string>
 
 #include "Handles.h"
 #include "Report.h"
+
+/// The Win32 call that writes a log; tests replace it, to have a disk that is full.
+struct LogCalls {
+    decltype(&::WriteFile) WriteFile = ::WriteFile;
+};
+
+inline LogCalls logCalls;
 
 /// Writes a run to a file, in UTF-8: a header, each action with its whole paths, each failure with
 /// the call that failed, and the end. The file is appended to and can be read meanwhile.
@@ -15,6 +24,10 @@ public:
     /// Null when the file can't be opened; `problem` then tells why.
     static std::unique_ptr<LogReporter> open(const std::wstring& path, Detail detail,
                                              std::wstring& problem);
+
+    /// Why lines are missing: the system's error code of the first that couldn't be written; 0 when
+    /// all stand there.
+    DWORD writeError() const { return firstError; }
 
     void started(const RunHeader& header) override;
     void called(const Call& call) override;
@@ -31,4 +44,5 @@ private:
 
     FilePtr file;
     const Detail detail;
+    DWORD firstError = ERROR_SUCCESS;
 };

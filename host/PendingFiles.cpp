@@ -43,11 +43,6 @@ std::wstring plainPath(std::wstring_view path) {
     return std::wstring(path);
 }
 
-bool isSamePath(const std::wstring& a, const std::wstring& b) {
-    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(),
-                                static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
-}
-
 /// The engine's own entry, of which the value holds two texts: the staged file and its target.
 bool replaces(const std::wstring& source, const std::wstring& destination,
               const std::wstring& target) {
@@ -76,6 +71,11 @@ bool writeValue(const std::vector<std::wstring>& texts) {
 }
 
 }  // namespace
+
+bool isSamePath(const std::wstring& a, const std::wstring& b) {
+    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(),
+                                static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
+}
 
 bool isReplacementPending(const std::wstring& target) {
     const std::vector<std::wstring> texts = readValue();

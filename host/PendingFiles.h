@@ -6,6 +6,8 @@
 // file that it couldn't replace. They stand in the registry; what others have registered there is
 // never touched.
 
+bool isSamePath(const std::wstring& a, const std::wstring& b);
+
 /// Whether a replacement of the engine's own would put a file at `target`.
 bool isReplacementPending(const std::wstring& target);
 

@@ -22,14 +22,18 @@ HandlePtr openMutex() {
 
 }  // namespace
 
-RunGuard::RunGuard(std::chrono::seconds patience) : mutex(openMutex()) {
-    if (!mutex)
-        return;
+RunGuard::RunGuard() : mutex(openMutex()) {
+    const DWORD answer = WaitForSingleObject(mutex.get(), 0);
+    held = answer == WAIT_OBJECT_0 || answer == WAIT_ABANDONED;
+}
+
+void RunGuard::wait(std::chrono::seconds patience, HANDLE unless) {
     // More than the system can count is for ever.
     const std::chrono::milliseconds limit =
         std::min(patience, std::chrono::seconds(INFINITE / 1000));
-    const DWORD answer = WaitForSingleObject(mutex.get(), static_cast<DWORD>(limit.count()));
-    held = answer == WAIT_OBJECT_0 || answer == WAIT_ABANDONED;
+    const HANDLE both[] = {unless, mutex.get()};  // of the two the event counts first
+    const DWORD answer = WaitForMultipleObjects(2, both, FALSE, static_cast<DWORD>(limit.count()));
+    held = answer == WAIT_OBJECT_0 + 1 || answer == WAIT_ABANDONED_0 + 1;
 }
 
 RunGuard::~RunGuard() {

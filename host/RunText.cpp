@@ -8,10 +8,19 @@ std::wstring counted(unsigned number, const wchar_t* one, const wchar_t* many) {
     return std::to_wstring(number) + L" " + (number == 1 ? one : many);
 }
 
-/// The endings of a run that hasn't begun.
-bool nothingWasTried(Ending ending) {
-    return ending == Ending::otherRunGoesOn || ending == Ending::scriptNotOpened ||
-           ending == Ending::scriptNotLoaded || ending == Ending::logNotOpened;
+/// Whether the run hasn't begun.
+bool nothingWasTried(const RunSummary& summary) {
+    switch (summary.ending) {
+        case Ending::otherRunGoesOn:
+        case Ending::scriptNotOpened:
+        case Ending::scriptNotLoaded:
+        case Ending::logNotOpened:
+            return true;
+        case Ending::stoppedByUser:
+            return !summary.reason.empty();
+        default:
+            return false;
+    }
 }
 
 std::wstring headline(const RunSummary& summary) {
@@ -25,7 +34,7 @@ std::wstring headline(const RunSummary& summary) {
                L". What was done before stays.";
     if (succeeded(summary.ending))
         return L"Done: " + counted(summary.done, L"action", L"actions") + L".";
-    if (nothingWasTried(summary.ending))
+    if (nothingWasTried(summary))
         return L"Nothing was done" + code + L".";
     if (summary.ending == Ending::stoppedByUser)
         return L"Ended by the user after " + done + code + L". What was done before stays.";

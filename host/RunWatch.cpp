@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Diagnosis.h"
+#include "PendingFiles.h"
 
 namespace {
 
@@ -154,7 +155,7 @@ void RunWatch::hear(const temz_call& heard) {
     Call call = copyOf(heard);
     tell([&call](Reporter& reporter) { reporter.called(call); });
     if (call.name == L"MoveFileExW" && !call.failed)
-        counted.waiting.push_back(call.arguments[1]);
+        addWaiting(call.arguments[1]);
     const bool notVital = call.group == L"log" && call.arguments[0].ends_with(notVitalLine);
     action.calls.push_back(std::move(call));
     if (!notVital)
@@ -184,6 +185,14 @@ temz_answer RunWatch::permit(const temz_call& call) {
     settle(std::move(failure), Fate::failed);
     planLeft = true;
     return TEMZ_STOP;
+}
+
+void RunWatch::addWaiting(const std::wstring& path) {
+    const bool known =
+        std::any_of(counted.waiting.begin(), counted.waiting.end(),
+                    [&path](const std::wstring& other) { return isSamePath(path, other); });
+    if (!known)
+        counted.waiting.push_back(path);
 }
 
 Failure RunWatch::tellFailure(const temz_error& error) {

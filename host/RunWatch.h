@@ -70,6 +70,8 @@ private:
     /// Takes a failure for final.
     void settle(Failure failure, Fate itsFate);
     void endAction();
+    /// Several elements may name the same file.
+    void addWaiting(const std::wstring& path);
     std::vector<Call> takeCallsAhead(uint32_t code);
 
     template <class Tell>

@@ -60,7 +60,7 @@ std::wstring findOpenProblem(const std::wstring& script) {
                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     const DWORD error = GetLastError();
     if (!file)
-        return systemText(error) + L" [error " + std::to_wstring(error) + L"]";
+        return systemTextWithCode(error);
     return L"";
 }
 

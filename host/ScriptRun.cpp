@@ -20,6 +20,7 @@
 #include "RunGuard.h"
 #include "RunWarnings.h"
 #include "RunWatch.h"
+#include "SessionEnd.h"
 #include "StopRequest.h"
 #include "Version.h"
 
@@ -109,7 +110,12 @@ public:
             warn(text);
         summary.ending =
             logProblem.empty() ? runLoaded() : refuse(Ending::logNotOpened, logProblem);
+        if (summary.ending == Ending::stoppedByUser && stop.isSessionEnding())
+            warn(L"Windows ends the session.");
         tell([this](Reporter& reporter) { reporter.finished(summary); });
+        if (log && log->writeError() != ERROR_SUCCESS)
+            write(Stream::error,
+                  L"temz: The log is incomplete: " + systemTextWithCode(log->writeError()) + L"\n");
         return summary.ending;
     }
 
@@ -117,15 +123,16 @@ private:
     /// Gives why the log can't be opened; empty when it can, or there is to be none.
     std::wstring openReporters() {
         std::wstring problem;
-        std::wstring log;
+        std::wstring logPath;
         if (!command.log.empty()) {
             auto reporter = LogReporter::open(
                 command.log,
                 command.verbose ? LogReporter::Detail::calls : LogReporter::Detail::actions,
                 problem);
             if (reporter) {
+                log = reporter.get();
                 reporters.push_back(std::move(reporter));
-                log = wholePath(command.log);
+                logPath = wholePath(command.log);
             }
         }
         if (command.json)
@@ -135,7 +142,7 @@ private:
             reporters.push_back(std::make_unique<ConsoleReporter>(
                 command.quiet ? ConsoleReporter::Detail::failuresOnly
                               : ConsoleReporter::Detail::all,
-                log));
+                logPath));
         return problem;
     }
 
@@ -162,7 +169,13 @@ private:
         if (!command.plan.empty())
             if (const std::wstring reason = readApprovedPlan(plan); !reason.empty())
                 return refuse(Ending::scriptNotLoaded, reason);
-        const RunGuard guard{std::chrono::seconds(command.waitSeconds)};
+        RunGuard guard;
+        if (!guard && command.waitSeconds > 0) {
+            warn(L"Another run goes on on this machine, and is waited for.");
+            guard.wait(std::chrono::seconds(command.waitSeconds), stop.event());
+        }
+        if (!guard && stop.wanted())
+            return refuse(Ending::stoppedByUser, L"The wait for another run was ended.");
         if (!guard)
             return refuse(Ending::otherRunGoesOn, L"Another run goes on on this machine.");
         const ContextPtr context = loadScript(command.script, path, problem);
@@ -206,7 +219,6 @@ private:
     Ending run(temz_context* context, PlanHold* plan) {
         const unsigned total = countActions(context, command.mode);
         const QuickEditOff quickEditOff;
-        StopRequest stop;
         ActionWatch current(stop);
         PendingWatch pending(reporters, command.dropPending);
         std::vector<Reporter*> watchers{&current, &pending};
@@ -214,12 +226,12 @@ private:
             watchers.push_back(reporter.get());
         const bool asks = command.mayAsk();
         RunWatch watch(watchers, command.onError,
-                       {[&stop] { return stop.wanted(); },
+                       {[this] { return stop.wanted(); },
                         [](const Action& action, const temz_error& error) {
                             return diagnose(action, error, realWitnesses);
                         },
                         [asks] { return asks ? askUser() : std::nullopt; },
-                        [&stop](std::chrono::milliseconds time) { stop.wait(time); }, plan});
+                        [this](std::chrono::milliseconds time) { stop.wait(time); }, plan});
         temz_outcome outcome{};
         outcome.size = sizeof outcome;
         const temz_status status = watch.run(context, command.mode, outcome);
@@ -240,7 +252,10 @@ private:
     }
 
     const CommandLine& command;
+    StopRequest stop;
+    const SessionEnd sessionEnd{stop};
     std::vector<std::unique_ptr<Reporter>> reporters;
+    const LogReporter* log = nullptr;  // of the reporters; null when there is none
     RunSummary summary;
 };
 

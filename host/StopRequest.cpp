@@ -1,5 +1,7 @@
 #include "StopRequest.h"
 
+#include <utility>
+
 #include "Console.h"
 #include "ExitCodes.h"
 
@@ -33,13 +35,37 @@ void StopRequest::setAction(const std::wstring& text) {
     ReleaseSRWLockExclusive(&lock);
 }
 
+void StopRequest::setSessionEnding(bool ending) {
+    if (!setWish(&StopRequest::ofSystem, ending) && ending)
+        tell(L"The session ends, and the run behind this action: ", L".");
+}
+
+bool StopRequest::isSessionEnding() const {
+    AcquireSRWLockShared(&lock);
+    const bool ending = ofSystem;
+    ReleaseSRWLockShared(&lock);
+    return ending;
+}
+
 BOOL StopRequest::handle(DWORD event) {
     return current ? current->take(event) : FALSE;
 }
 
-void StopRequest::tell(const std::wstring& before, const std::wstring& behind) {
+bool StopRequest::setWish(bool StopRequest::*wish, bool wanted) {
+    AcquireSRWLockExclusive(&lock);
+    const bool before = std::exchange(this->*wish, wanted);
+    if (ofUser || ofSystem)
+        SetEvent(requested.get());
+    else
+        ResetEvent(requested.get());
+    ReleaseSRWLockExclusive(&lock);
+    return before;
+}
+
+void StopRequest::tell(const std::wstring& before, const std::wstring& behind) const {
     AcquireSRWLockShared(&lock);
-    write(Stream::error, L"\ntemz: " + before + action + behind + L"\n");
+    if (!action.empty())
+        write(Stream::error, L"\ntemz: " + before + action + behind + L"\n");
     ReleaseSRWLockShared(&lock);
 }
 
@@ -47,9 +73,8 @@ void StopRequest::tell(const std::wstring& before, const std::wstring& behind) {
 BOOL StopRequest::take(DWORD event) {
     const auto code = static_cast<UINT>(exitCodeOf(Ending::stoppedByUser));
     const bool isKey = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-    const bool again = isKey && wanted();
-    SetEvent(requested.get());
-    if (again) {
+    const bool again = setWish(&StopRequest::ofUser, true);
+    if (isKey && again) {
         tell(L"Ended in the middle of this action: ", L" (" + std::to_wstring(code) + L").");
         restoreConsole();
         // The run's own thread is in the middle of something, so nothing can be tidied up.

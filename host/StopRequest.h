@@ -16,10 +16,10 @@ struct StopCalls {
 
 inline StopCalls stopCalls;
 
-/// The user's wish to end a run: Ctrl+C, Ctrl+Break, the closing of the console's window, logging
-/// off, shutting down, though of the latter two Windows may tell services alone. The first one lets
-/// the action that is under way end; a second Ctrl+C ends the process at once, with the code of a
-/// run that the user has stopped. There is one object of this class at a time.
+/// The wish to end a run: of the user, by Ctrl+C, Ctrl+Break or the closing of the console's
+/// window, or of the system, which ends the session. It lets the action that is under way end; a
+/// second Ctrl+C ends the process at once, with the code of a run that the user has stopped. There
+/// is one object of this class at a time.
 class StopRequest {
 public:
     StopRequest();
@@ -32,16 +32,28 @@ public:
     /// Waits, at most until the wish.
     void wait(std::chrono::milliseconds time) const;
 
-    /// What is being done, to be told when the wish comes.
+    /// An event that is set while there is the wish, for those who wait for something else as well.
+    HANDLE event() const { return requested.get(); }
+
+    /// What is being done, to be told when the wish comes. Before the first action it isn't told.
     void setAction(const std::wstring& text);
+
+    /// The session is about to end; or, with false, it goes on after all, and only the user may
+    /// still want the run to end. On any thread.
+    void setSessionEnding(bool ending);
+    bool isSessionEnding() const;
 
 private:
     static BOOL WINAPI handle(DWORD event);
     BOOL take(DWORD event);
+    /// Sets the wish of the one or the other. Gives what it was.
+    bool setWish(bool StopRequest::*wish, bool wanted);
     /// Writes a line about the action that is under way.
-    void tell(const std::wstring& before, const std::wstring& behind);
+    void tell(const std::wstring& before, const std::wstring& behind) const;
 
     HandlePtr requested;  // an event
-    SRWLOCK lock = SRWLOCK_INIT;
+    mutable SRWLOCK lock = SRWLOCK_INIT;
+    bool ofUser = false;
+    bool ofSystem = false;
     std::wstring action;
 };

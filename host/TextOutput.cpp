@@ -14,8 +14,7 @@ std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
         WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
         return {};
     const DWORD error = GetLastError();
-    return path + L" can't be written: " + systemText(error) + L" [error " +
-           std::to_wstring(error) + L"]";
+    return path + L" can't be written: " + systemTextWithCode(error);
 }
 
 Ending giveText(const std::wstring& text, const std::wstring& file) {

@@ -102,8 +102,9 @@ SeenFile ShadowFiles::look(const std::wstring& path) const {
 /// Whether what is seen there is what the machine has there, its attributes aside.
 bool ShadowFiles::isOnMachine(const std::wstring& path) const {
     const auto own = files.find(path);
-    return own == files.end() ? !planned(path)
-                              : own->second.isThere() && equalIgnoringCase(own->second.content, path);
+    return own == files.end()
+               ? !planned(path)
+               : own->second.isThere() && equalIgnoringCase(own->second.content, path);
 }
 
 /// Calls `visit` for all that has been made or removed directly in a directory.
@@ -227,7 +228,8 @@ DWORD ShadowFiles::answer(Call<&VersionCalls::GetFileVersionInfoSizeW>, const wc
     if (!file)
         return versions.GetFileVersionInfoSizeW(path, unused);
     if (!file->isThere() || file->content.empty()) {
-        const DWORD nothing = file->isDirectory() ? ERROR_ACCESS_DENIED : ERROR_RESOURCE_DATA_NOT_FOUND;
+        const DWORD nothing =
+            file->isDirectory() ? ERROR_ACCESS_DENIED : ERROR_RESOURCE_DATA_NOT_FOUND;
         SetLastError(file->isThere() ? nothing : file->error);
         return 0;
     }
@@ -289,7 +291,8 @@ DWORD ShadowFiles::refusalToWrite(const wchar_t* target, DWORD newAttributes) co
             const DWORD refusal = refusalToAdd(path, FILE_ADD_FILE);
             return isNotFound(refusal) ? error : refusal;
         }
-        if (error != ERROR_SUCCESS && !(error == ERROR_SHARING_VIOLATION && ended.haveReleased(path)))
+        if (error != ERROR_SUCCESS &&
+            !(error == ERROR_SHARING_VIOLATION && ended.haveReleased(path)))
             return error;
     } else if (!before.isThere()) {
         return before.error == ERROR_PATH_NOT_FOUND ? before.error
@@ -298,7 +301,8 @@ DWORD ShadowFiles::refusalToWrite(const wchar_t* target, DWORD newAttributes) co
         return ERROR_ACCESS_DENIED;
     } else if (before.attributes & FILE_ATTRIBUTE_READONLY) {
         // Whether that keeps this user out is told by the file that it is a copy of.
-        if (before.content.empty() || tryToOpen(before.content, GENERIC_WRITE) == ERROR_ACCESS_DENIED)
+        if (before.content.empty() ||
+            tryToOpen(before.content, GENERIC_WRITE) == ERROR_ACCESS_DENIED)
             return ERROR_ACCESS_DENIED;
     }
     return before.isThere() && (before.attributes & kept & ~newAttributes) ? ERROR_ACCESS_DENIED
@@ -349,7 +353,8 @@ void ShadowFiles::put(const std::wstring& path, const SeenFile& file) {
     const auto sizeOnDisk = [](const SeenFile& seen) {
         return static_cast<int64_t>(seen.isThere() ? seen.size : 0);
     };
-    bytesTaken[driveOf(directoryOnMachine(parentOf(path)))] += sizeOnDisk(file) - sizeOnDisk(before);
+    bytesTaken[driveOf(directoryOnMachine(parentOf(path)))] +=
+        sizeOnDisk(file) - sizeOnDisk(before);
     files[path] = file;
 }
 
@@ -401,7 +406,8 @@ DWORD ShadowFiles::remove(const wchar_t* name) {
     const bool real = isOnMachine(path);
     if (real) {
         const DWORD error = tryToOpen(name, DELETE, asLink);
-        if (error != ERROR_SUCCESS && !(error == ERROR_SHARING_VIOLATION && ended.haveReleased(path)))
+        if (error != ERROR_SUCCESS &&
+            !(error == ERROR_SHARING_VIOLATION && ended.haveReleased(path)))
             return error;
     }
     const SeenFile file = look(path);
@@ -410,8 +416,8 @@ DWORD ShadowFiles::remove(const wchar_t* name) {
     if (file.isDirectory() || (file.attributes & FILE_ATTRIBUTE_READONLY))
         return ERROR_ACCESS_DENIED;
     // A program that runs can be opened for deletion, but not be deleted.
-    if (real && tryToOpen(name, FILE_WRITE_DATA) == ERROR_SHARING_VIOLATION && isProgramFile(path) &&
-        !ended.haveReleased(path))
+    if (real && tryToOpen(name, FILE_WRITE_DATA) == ERROR_SHARING_VIOLATION &&
+        isProgramFile(path) && !ended.haveReleased(path))
         return ERROR_ACCESS_DENIED;
     const Change change =
         describe(ChangeKind::fileRemoved, path, file, missing(ERROR_FILE_NOT_FOUND));
@@ -455,8 +461,7 @@ DWORD ShadowFiles::replaceAtRestart(const wchar_t* source, const wchar_t* target
         return static_cast<DWORD>(error);
     RegCloseKey(key);
     const std::wstring path = fullPath(target);
-    listener.planned(
-        describe(ChangeKind::fileAtRestart, path, look(path), look(fullPath(source))));
+    listener.planned(describe(ChangeKind::fileAtRestart, path, look(path), look(fullPath(source))));
     return ERROR_SUCCESS;
 }
 

@@ -167,6 +167,12 @@ TEST(CommandLineTest, ShowsCallsWhereThereIsAPlaceForThem) {
               L"--verbose needs --log or --json, where the calls are shown.");
 }
 
+TEST(CommandLineTest, TakesAColonInFrontOfAValueBehindASlashAlone) {
+    EXPECT_EQ(refusal({L"install", L"a.xml", L"--log:a.log"}), L"--log:a.log is no option.");
+    EXPECT_EQ(refusal({L"install", L"a.xml", L"/log:"}), L"/log can't be \"\", only FILE.");
+    EXPECT_EQ(refusal({L"install", L"a.xml", L"/quiet:yes"}), L"/quiet takes no value.");
+}
+
 TEST(CommandLineTest, DistinguishesCaseBehindDashes) {
     EXPECT_EQ(refusal({L"install", L"a.xml", L"--Quiet"}), L"--Quiet is no option.");
 }
@@ -176,6 +182,8 @@ TEST(CommandLineTest, TakesALogAndAWait) {
     EXPECT_EQ(install({L"--log=a=b.log"}).log, L"a=b.log");
     EXPECT_EQ(install({L"/log", L"a.log"}).log, L"a.log");
     EXPECT_EQ(install({L"/LOG", L"a.log"}).log, L"a.log");
+    EXPECT_EQ(install({L"/log=C:\\a.log"}).log, L"C:\\a.log");
+    EXPECT_EQ(install({L"/Log:C:\\a=b.log"}).log, L"C:\\a=b.log");
     EXPECT_EQ(install({L"--wait", L"60"}).waitSeconds, 60u);
     EXPECT_EQ(install({L"--wait=60"}).waitSeconds, 60u);
 }

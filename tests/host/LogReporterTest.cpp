@@ -2,10 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <deque>
 #include <regex>
 
 #include "host/Diagnosis.h"
 #include "host/Utf8.h"
+#include "support/FakeCall.h"
 #include "support/TestFolder.h"
 
 using testing::HasSubstr;
@@ -161,6 +163,39 @@ TEST_F(LogReporterTest, AppendsToWhatIsThereAndCanBeReadMeanwhile) {
     log->warned(L"Beware.");
 
     EXPECT_EQ(lines(), "before\nWarning: Beware.\r\n");
+}
+
+TEST_F(LogReporterTest, KnowsWhyTheFirstOfItsMissingLinesIsMissing) {
+    const auto log = open();
+    log->warned(L"Written.");
+    EXPECT_EQ(log->writeError(), 0u);
+
+    std::deque<DWORD> errors{ERROR_DISK_FULL, ERROR_ACCESS_DENIED};
+    {
+        const FakeCall<logCalls, &LogCalls::WriteFile> write{[&errors](auto...) {
+            SetLastError(errors.front());
+            errors.pop_front();
+            return FALSE;
+        }};
+        log->warned(L"Lost.");
+        log->warned(L"Lost.");
+    }
+    log->warned(L"Written again.");
+
+    EXPECT_EQ(log->writeError(), static_cast<DWORD>(ERROR_DISK_FULL));
+    EXPECT_EQ(lines(), "Warning: Written.\r\nWarning: Written again.\r\n");
+}
+
+TEST_F(LogReporterTest, MissesWhatIsWrittenInPart) {
+    const FakeCall<logCalls, &LogCalls::WriteFile> write{
+        [](HANDLE, const void*, DWORD size, DWORD* written, OVERLAPPED*) {
+            *written = size - 1;
+            return TRUE;
+        }};
+    const auto log = open();
+    log->warned(L"Cut.");
+
+    EXPECT_EQ(log->writeError(), static_cast<DWORD>(ERROR_DISK_FULL));
 }
 
 TEST_F(LogReporterTest, TellsWhyItCanNotBeOpened) {

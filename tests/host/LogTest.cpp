@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "SetupTest.h"
+#include "support/Requirements.h"
 
 using testing::AllOf;
 using testing::Contains;
@@ -15,6 +16,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::SizeIs;
 using testing::StartsWith;
 
 namespace {
@@ -92,6 +94,19 @@ TEST_F(LogTest, MustBeOpenedBeforeAnythingIsDone) {
     EXPECT_EQ(run.error, "temz: lacking\\run.log can't be opened: " +
                              systemError(ERROR_PATH_NOT_FOUND) + "\nNothing was done (1622).\n");
     EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(LogTest, IsToldToBeIncompleteWhereTheDiskIsFull) {
+    REQUIRES_WINE("has a device that is always full");
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt"));
+
+    const ProgramRun run = temz(L"install install.xml --quiet --log \\\\?\\unix\\dev\\full");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.error, "temz: The log is incomplete: " + systemError(ERROR_DISK_FULL) + "\n");
+    EXPECT_THAT(installedFiles(), SizeIs(1));
 }
 
 /// A run that has come to its first action and goes on when it is let.

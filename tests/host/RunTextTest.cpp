@@ -55,6 +55,12 @@ RunSummary ended(Ending ending, unsigned done, unsigned total = 0) {
     return summary;
 }
 
+TEST(SummaryTextTest, SaysThatNothingWasDoneWhereTheRunWasEndedBeforeItBegan) {
+    RunSummary summary = ended(Ending::stoppedByUser, 0);
+    summary.reason = L"The wait for another run was ended.";
+    EXPECT_EQ(summaryText(summary, L""), L"Nothing was done (1602).");
+}
+
 TEST(SummaryTextTest, SaysWhatWasDone) {
     const struct {
         Ending ending;

@@ -428,4 +428,16 @@ TEST_F(RunWatchTest, NamesTheFilesThatWaitForARestart) {
     EXPECT_EQ(watch->summary().done, 2u);
 }
 
+TEST_F(RunWatchTest, NamesAFileThatWaitsTwiceOnce) {
+    REQUIRES_WINE("leaves a file to the next restart");
+    const TakesBackReplacements takeBack;
+    load(there(L"a", "SupportDelayInstall='yes'") + there(L"A", "SupportDelayInstall='yes'"));
+    const std::wstring target = folder.write(L"app\\a", "old");
+    const LockedFile lock(target);
+
+    EXPECT_EQ(run(), TEMZ_OK);
+
+    EXPECT_THAT(watch->summary().waiting, ElementsAre(target));
+}
+
 }  // namespace

@@ -90,6 +90,38 @@ TEST_F(StopRequestTest, GivesTheRunTheTimeThatIsLeftWhenTheWindowOrTheSessionEnd
     EXPECT_EQ(console.error, L"");
 }
 
+TEST_F(StopRequestTest, TellsOfNoActionBeforeTheFirst) {
+    handler(CTRL_C_EVENT);
+    request->setSessionEnding(true);
+
+    EXPECT_TRUE(request->wanted());
+    EXPECT_EQ(console.error, L"");
+}
+
+TEST_F(StopRequestTest, IsWantedWhileTheSessionIsAboutToEnd) {
+    request->setAction(L"Copying a.txt");
+
+    request->setSessionEnding(true);
+    request->setSessionEnding(true);
+    EXPECT_TRUE(request->wanted() && request->isSessionEnding());
+    request->setSessionEnding(false);
+
+    EXPECT_FALSE(request->wanted() || request->isSessionEnding());
+    EXPECT_EQ(console.error,
+              L"\ntemz: The session ends, and the run behind this action: Copying a.txt.\n");
+}
+
+TEST_F(StopRequestTest, RemainsTheUsersWhenTheSessionGoesOn) {
+    request->setSessionEnding(true);
+    handler(CTRL_C_EVENT);
+    EXPECT_THAT(codes, IsEmpty());  // it is the first key all the same
+
+    request->setSessionEnding(false);
+
+    EXPECT_TRUE(request->wanted());
+    EXPECT_FALSE(request->isSessionEnding());
+}
+
 TEST_F(StopRequestTest, IsAskedForNoLongerThanItLives) {
     const PHANDLER_ROUTINE last = handler;
     request.reset();

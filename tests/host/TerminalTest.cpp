@@ -230,6 +230,23 @@ TEST_F(TerminalTest, EndsThePauseBeforeARetryAtCtrlC) {
     EXPECT_TRUE(run.output.ends_with(endedAfter("0 actions"))) << run.output;
 }
 
+TEST_F(TerminalTest, EndsTheWaitForAnotherRunAtCtrlC) {
+    ship(L"hold.xml", actionScript("hold", ""));
+    writeScript(file("a.txt"));
+    const HandlePtr other = startTemz(L"install hold.xml");
+    ASSERT_TRUE(waitUntil([this] { return exists(setup(L"held")); }));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml --wait 999999", L"C");
+
+    EXPECT_EQ(run.exitCode, 1602u);
+    EXPECT_EQ(run.output,
+              "temz: Another run goes on on this machine, and is waited for.\n"
+              "temz: The wait for another run was ended.\n"
+              "Nothing was done (1602).\n");
+    DeleteFileW(setup(L"held").c_str());
+    EXPECT_EQ(waitForProgram(other.get()), 0u);
+}
+
 TEST_F(TerminalTest, HasNoQuickEditDuringARun) {
     ship(L"install.xml", actionScript("tellQuickEdit", ""));
 

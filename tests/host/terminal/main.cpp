@@ -5,6 +5,7 @@
 //
 // TYPED holds a comma for each press of the Enter key, Z for Ctrl+Z. What stands in front of a bar
 // is typed before the program starts; of the rest one line as soon as each question stands there.
+// Nothing but a C is Ctrl+C, pressed as soon as the program has written a line.
 // It has to be started with a console, and fails when the program leaves that without QuickEdit.
 
 #include <windows.h>
@@ -50,6 +51,10 @@ public:
         CONSOLE_SCREEN_BUFFER_INFO info{};
         GetConsoleScreenBufferInfo(output, &info);
         const SHORT row = info.dwCursorPosition.Y;
+        if (lines == L"C" && row > 0) {
+            lines.clear();
+            GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+        }
         if (row <= answeredRow || info.dwCursorPosition.X != std::size(question) - 1)
             return;
         wchar_t text[std::size(question)] = {};
