@@ -227,7 +227,7 @@ TEST_F(TerminalTest, EndsThePauseBeforeARetryAtCtrlC) {
     const ProgramRun run = temzAtTerminal(L"install install.xml --on-error=retry:1,999999");
 
     EXPECT_EQ(run.exitCode, 1602u);
-    EXPECT_TRUE(run.output.ends_with(endedAfter("0 actions"))) << run.output;
+    EXPECT_TRUE(run.output.ends_with(endedAfter("0 of 1 action"))) << run.output;
 }
 
 TEST_F(TerminalTest, EndsTheWaitForAnotherRunAtCtrlC) {

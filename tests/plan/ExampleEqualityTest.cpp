@@ -61,7 +61,15 @@ private:
 class ExampleEqualityTest : public testing::Test {
 protected:
     ExampleEqualityTest() { clear(); }
-    ~ExampleEqualityTest() override { clear(); }
+    ~ExampleEqualityTest() override {
+        clear();
+        // The key is the company's: the example product leaves it to others.
+        if (keyWasThere) {
+            HKEY key = nullptr;
+            RegCreateKeyW(HKEY_LOCAL_MACHINE, companyKey, &key);
+            RegCloseKey(key);
+        }
+    }
     void SetUp() override { REQUIRES_WINE("installs the examples in the machine"); }
 
     static void clear() {
@@ -71,9 +79,14 @@ protected:
              ++looks)
             Sleep(20);
         fs::remove_all(menuFolder, failure);
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, companyKey);
+        if (RegDeleteTreeW(HKEY_LOCAL_MACHINE, companyKey) == ERROR_SUCCESS && !cleared)
+            keyWasThere = true;
+        cleared = true;
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, listKey);
     }
+
+    static inline bool cleared = false;
+    static inline bool keyWasThere = false;
 
     static std::wstring beside(const wchar_t* name) {
         return testProgramDirectory() + L"\\" + name;
