@@ -4,6 +4,7 @@
 
 #include "PlanTree.h"
 #include "PlanWords.h"
+#include "author/Markup.h"
 
 namespace {
 
@@ -105,33 +106,6 @@ constexpr wchar_t script[] =
 })();
 )js";
 
-/// Text between tags or in an attribute between quotes. What XML has no place for is left out.
-std::wstring escaped(const std::wstring& text) {
-    std::wstring html;
-    for (const wchar_t unit : text) {
-        switch (unit) {
-            case L'&':
-                html += L"&amp;";
-                break;
-            case L'<':
-                html += L"&lt;";
-                break;
-            case L'>':
-                html += L"&gt;";
-                break;
-            case L'"':
-                html += L"&quot;";
-                break;
-            case L'\'':
-                html += L"&#39;";
-                break;
-            default:
-                html += unit < L' ' ? L' ' : unit;
-        }
-    }
-    return html;
-}
-
 std::wstring span(const wchar_t* name, const std::wstring& content) {
     return std::wstring(L"<span class=\"") + name + L"\">" + content + L"</span>";
 }
@@ -167,9 +141,9 @@ std::wstring lineHtml(const PlanLine& line) {
     return std::wstring(L"<li class=\"") + line.area + classOf(line.symbol) + L"\" data-area=\"" +
            line.area + L"\" data-depth=\"" + depth + L"\" style=\"--depth: " + depth + L"\"" +
            (holdsOthers(line) ? L" data-holds" : L"") + L">" +
-           span(L"symbol", escaped(std::wstring(1, line.symbol))) +
-           span(L"object", escaped(line.object) + place) + span(L"effect", escaped(line.effect)) +
-           L"</li>\n";
+           span(L"symbol", escapedForMarkup(std::wstring(1, line.symbol))) +
+           span(L"object", escapedForMarkup(line.object) + place) +
+           span(L"effect", escapedForMarkup(line.effect)) + L"</li>\n";
 }
 
 /// One box for each kind of line that there is.
@@ -195,17 +169,17 @@ std::wstring formHtml(const std::vector<PlanLine>& lines) {
 std::wstring planHtml(const Plan& plan) {
     const PlanHeader& header = plan.header;
     const std::vector<PlanLine> lines = linesOf(plan);
-    const std::wstring headline = escaped(headlineOf(header));
+    const std::wstring headline = escapedForMarkup(headlineOf(header));
     std::wstring html =
         L"<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
         L"<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
         L"<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
         L"style-src 'unsafe-inline'; script-src 'unsafe-inline'\">\n<title>Plan: " +
         headline + L"</title>\n<style>" + style + L"</style>\n</head>\n<body>\n<main>\n<h1>" +
-        headline + L"</h1>\n<p class=\"summary\">" + escaped(summaryTextOf(summaryOf(plan))) +
-        L"</p>\n<p class=\"facts\">" + escaped(header.script) + L"<br>SHA-256 " +
-        escaped(header.scriptHash) + L"<br>temz " + escaped(header.version) + L"</p>\n" +
-        formHtml(lines) + L"<ol>\n";
+        headline + L"</h1>\n<p class=\"summary\">" +
+        escapedForMarkup(summaryTextOf(summaryOf(plan))) + L"</p>\n<p class=\"facts\">" +
+        escapedForMarkup(header.script) + L"<br>SHA-256 " + escapedForMarkup(header.scriptHash) +
+        L"<br>temz " + escapedForMarkup(header.version) + L"</p>\n" + formHtml(lines) + L"<ol>\n";
     for (const PlanLine& line : lines)
         html += lineHtml(line);
     return html + L"</ol>\n</main>\n<script>" + script + L"</script>\n</body>\n</html>\n";

@@ -5,26 +5,9 @@
 #include <utility>
 #include <vector>
 
-namespace {
+#include "author/Markup.h"
 
-std::wstring escaped(const std::wstring& plain) {
-    std::wstring text;
-    for (const wchar_t character : plain)
-        switch (character) {
-            case L'&':
-                text += L"&amp;";
-                break;
-            case L'<':
-                text += L"&lt;";
-                break;
-            case L'"':
-                text += L"&quot;";
-                break;
-            default:
-                text += character;
-        }
-    return text;
-}
+namespace {
 
 /// A text in which the engine sees no reference.
 std::wstring literal(const std::wstring& plain) {
@@ -127,7 +110,7 @@ private:
     static std::wstring tag(const std::wstring& element, Attributes attributes) {
         std::wstring text = element;
         for (const auto& [name, value] : attributes)
-            text += std::wstring(L" ") + name + L"=\"" + escaped(value) + L"\"";
+            text += std::wstring(L" ") + name + L"=\"" + escapedForMarkup(value) + L"\"";
         return text;
     }
 

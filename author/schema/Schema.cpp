@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "author/Markup.h"
 #include "author/schema/AttributeWords.h"
 #include "author/schema/ElementTexts.h"
 #include "author/schema/ScriptGrammar.h"
@@ -30,7 +31,7 @@ public:
     }
     void empty(const wchar_t* name, Attributes attributes) { line(tag(name, attributes) + L"/>"); }
     void element(const wchar_t* name, const std::wstring& text) {
-        line(tag(name, {}) + L">" + escaped(text) + L"</xs:" + name + L">");
+        line(tag(name, {}) + L">" + escapedForMarkup(text) + L"</xs:" + name + L">");
     }
     void line(const std::wstring& content) {
         text.append(2 * names.size(), L' ').append(content).append(L"\n");
@@ -42,26 +43,7 @@ private:
     static std::wstring tag(const std::wstring& name, Attributes attributes) {
         std::wstring text = L"<xs:" + name;
         for (const auto& [attribute, value] : attributes)
-            text += std::wstring(L" ") + attribute + L"=\"" + escaped(value) + L"\"";
-        return text;
-    }
-
-    static std::wstring escaped(const std::wstring& plain) {
-        std::wstring text;
-        for (const wchar_t character : plain)
-            switch (character) {
-                case L'&':
-                    text += L"&amp;";
-                    break;
-                case L'<':
-                    text += L"&lt;";
-                    break;
-                case L'"':
-                    text += L"&quot;";
-                    break;
-                default:
-                    text += character;
-            }
+            text += std::wstring(L" ") + attribute + L"=\"" + escapedForMarkup(value) + L"\"";
         return text;
     }
 

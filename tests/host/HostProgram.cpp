@@ -75,7 +75,7 @@ HandlePtr userWithoutElevation() {
 }
 
 DWORD waitForProgram(HANDLE process) {
-    constexpr DWORD patience = 60'000;
+    constexpr DWORD patience = 240'000;
     if (WaitForSingleObject(process, patience) != WAIT_OBJECT_0) {
         ADD_FAILURE() << "the program hangs";
         TerminateProcess(process, 1);
