@@ -70,6 +70,8 @@ class PlannerBridge final : public StepListener {
 public:
     explicit PlannerBridge(const temz_planner& planner) : planner(planner) {}
 
+    bool wantsSteps() const override { return planner.step != nullptr; }
+
     void step(const PlanStep& step) override {
         if (planner.step == nullptr)
             return;

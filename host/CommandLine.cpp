@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Findings.h"
 #include "LoadedScript.h"
 
 namespace {
@@ -135,8 +136,10 @@ bool takeText(CommandLine& line, const std::wstring& value) {
 }
 
 bool takeIgnored(CommandLine& line, const std::wstring& value) {
+    bool known = false;
+    forEachFindingKind([&](const temz_finding_kind& kind) { known = known || value == kind.code; });
     line.ignored.push_back(value);
-    return !value.empty();
+    return known;
 }
 
 bool takeMode(CommandLine& line, const std::wstring& value) {
@@ -231,7 +234,7 @@ constexpr Option options[] = {
      nullptr,
      L"at uninstall, take back what still waits for a restart",
      takeFlag<&CommandLine::dropPending>},
-    {runs,
+    {runs | plans,
      {L"--no-check"},
      nullptr,
      L"start without checking the script first",
@@ -266,7 +269,7 @@ constexpr Option options[] = {
      takeText<&CommandLine::previous>},
     {checks,
      {L"--ignore"},
-     L"CODE",
+     L"TZ...",
      L"leave out a finding; may stand several times",
      takeIgnored,
      true},

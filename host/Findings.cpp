@@ -62,6 +62,18 @@ temz_status findFaults(const std::wstring& script, const std::wstring& payload,
     return temz_check(&request);
 }
 
+std::wstring fatalFaults(const std::wstring& script) {
+    std::vector<ScriptFinding> findings;
+    const temz_status status = findFaults(script, L"", L"", findings);
+    if (status != TEMZ_OK)
+        return std::wstring(temz_status_text(status)) + L"\n";
+    std::wstring lines;
+    for (const ScriptFinding& finding : findings)
+        if (finding.endsRun)
+            lines += findingLine(finding) + L"\n";
+    return lines;
+}
+
 FindingCounts::FindingCounts(const std::vector<ScriptFinding>& findings) {
     for (const ScriptFinding& finding : findings)
         ++(finding.severity == TEMZ_SEVERITY_ERROR     ? errors

@@ -23,6 +23,10 @@ struct ScriptFinding {
 temz_status findFaults(const std::wstring& script, const std::wstring& payload,
                        const std::wstring& previous, std::vector<ScriptFinding>& findings);
 
+/// What surely ends a run of the script in any mode: what can be installed must be removable, too.
+/// A line for each finding; empty when there is none.
+std::wstring fatalFaults(const std::wstring& script);
+
 /// Shows each kind of finding, in the order of the codes.
 template <class Show>
 void forEachFindingKind(const Show& show) {

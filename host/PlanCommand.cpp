@@ -1,6 +1,7 @@
 #include "PlanCommand.h"
 
 #include "Console.h"
+#include "Findings.h"
 #include "LoadedScript.h"
 #include "Machine.h"
 #include "PlanFile.h"
@@ -69,6 +70,12 @@ Ending showPlan(const CommandLine& command) {
     const std::wstring path = findScript(command.script, warn, problem);
     if (path.empty())
         return refuse(problem);
+    // The engine itself plans, and would end as it would in the run.
+    const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
+    if (!faults.empty())
+        return refuse({Ending::scriptNotLoaded,
+                       command.script + L" isn't planned: a run would surely end half-way.\n" +
+                           faults.substr(0, faults.size() - 1)});
     Plan plan;
     plan.header = headerOf(command);
     const ContextPtr context = loadScript(command.script, path, problem);

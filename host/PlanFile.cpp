@@ -94,11 +94,11 @@ public:
 
     std::optional<KeptPlan> read(std::wistringstream& lines) {
         std::wstring text;
-        if (!std::getline(lines, text) || fieldsOf(text)[0] != format)
+        if (!readLine(lines, text) || fieldsOf(text)[0] != format)
             return refuse(L"It is no plan.");
         if (text != std::wstring(format) + L"\t" + formatVersion)
             return refuse(L"It is a plan of another version of the program.");
-        while (std::getline(lines, text))
+        while (readLine(lines, text))
             if (!take(fieldsOf(text)))
                 return refuse(L"It has a line that is none of a plan.");
         if (!complete)
@@ -107,6 +107,15 @@ public:
     }
 
 private:
+    /// Plans travel through tools that change the ends of lines.
+    static bool readLine(std::wistringstream& lines, std::wstring& text) {
+        if (!std::getline(lines, text))
+            return false;
+        if (text.ends_with(L'\r'))
+            text.pop_back();
+        return true;
+    }
+
     std::optional<KeptPlan> refuse(const wchar_t* reason) {
         problem = reason;
         return std::nullopt;

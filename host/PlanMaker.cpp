@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "DeepStack.h"
 #include "RunWatch.h"
 
 namespace {
@@ -126,20 +127,28 @@ private:
 
 void makePlan(temz_context* context, temz_mode mode, const std::vector<Assumption>& assumptions,
               const std::function<bool()>& stopWanted, const Witnesses& witnesses, Plan& plan) {
-    PlanMaker(stopWanted, witnesses, plan).make(context, mode, assumptions);
+    onDeepStack([&] { PlanMaker(stopWanted, witnesses, plan).make(context, mode, assumptions); });
 }
 
-unsigned countActions(temz_context* context, temz_mode mode) {
-    unsigned count = 0;
+unsigned countActions(temz_context* context, temz_mode mode,
+                      const std::function<bool()>& stopWanted) {
+    struct Count {
+        const std::function<bool()>& stopWanted;
+        unsigned actions = 0;
+    } count{stopWanted};
     temz_observer observer{};
     observer.size = sizeof observer;
     observer.user = &count;
     observer.update = [](void* user, const temz_outcome*) -> temz_answer {
-        ++*static_cast<unsigned*>(user);
-        return TEMZ_CONTINUE;
+        auto& counted = *static_cast<Count*>(user);
+        ++counted.actions;
+        return counted.stopWanted() ? TEMZ_STOP : TEMZ_CONTINUE;
     };
-    temz_set_observer(context, &observer);
-    const temz_status status = temz_plan(context, mode, nullptr, nullptr);
-    temz_set_observer(context, nullptr);
-    return status == TEMZ_OK ? count : 0;
+    temz_status status = TEMZ_INTERNAL;
+    onDeepStack([&] {
+        temz_set_observer(context, &observer);
+        status = temz_plan(context, mode, nullptr, nullptr);
+        temz_set_observer(context, nullptr);
+    });
+    return status == TEMZ_OK ? count.actions : 0;
 }

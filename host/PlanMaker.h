@@ -18,5 +18,7 @@ struct Assumption {
 void makePlan(temz_context* context, temz_mode mode, const std::vector<Assumption>& assumptions,
               const std::function<bool()>& stopWanted, const Witnesses& witnesses, Plan& plan);
 
-/// How many actions a run will announce when nothing ends it early; 0 when that can't be foreseen.
-unsigned countActions(temz_context* context, temz_mode mode);
+/// How many actions a run will announce when nothing ends it early; 0 when that can't be foreseen,
+/// or the user wants no run any more.
+unsigned countActions(temz_context* context, temz_mode mode,
+                      const std::function<bool()>& stopWanted);

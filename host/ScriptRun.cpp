@@ -160,11 +160,13 @@ private:
             command.script, [this](const std::wstring& text) { warn(text); }, problem);
         if (path.empty())
             return refuse(problem.ending, problem.text);
-        if (!command.noCheck && hasFatalFaults())
+        const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
+        if (!faults.empty())
             return refuse(Ending::scriptNotLoaded,
                           command.script +
-                              L" isn't started: a run would surely end half-way. temz "
-                              L"check tells more, --no-check starts it all the same.");
+                              L" isn't started: a run would surely end half-way. --no-check starts "
+                              L"it all the same.\n" +
+                              faults.substr(0, faults.size() - 1));
         std::optional<PlanHold> plan;
         if (!command.plan.empty())
             if (const std::wstring reason = readApprovedPlan(plan); !reason.empty())
@@ -182,16 +184,6 @@ private:
         if (!context)
             return refuse(problem.ending, problem.text);
         return run(context.get(), plan ? &*plan : nullptr);
-    }
-
-    /// Tells of what ends a run in any mode: what can be installed must be removable, too.
-    bool hasFatalFaults() {
-        std::vector<ScriptFinding> findings;
-        findFaults(command.script, L"", L"", findings);
-        std::erase_if(findings, [](const ScriptFinding& finding) { return !finding.endsRun; });
-        for (const ScriptFinding& finding : findings)
-            warn(findingLine(finding));
-        return !findings.empty();
     }
 
     /// Reads the plan that the run must keep to. Why it can't; empty when it can.
@@ -217,7 +209,8 @@ private:
     }
 
     Ending run(temz_context* context, PlanHold* plan) {
-        const unsigned total = countActions(context, command.mode);
+        const unsigned total =
+            countActions(context, command.mode, [this] { return stop.wanted(); });
         const QuickEditOff quickEditOff;
         ActionWatch current(stop);
         PendingWatch pending(reporters, command.dropPending);

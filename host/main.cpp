@@ -20,7 +20,7 @@ namespace {
 Ending refuse(const std::wstring& problem, bool json) {
     if (json)
         tellNoCommand(problem);
-    write(Stream::error, L"temz: " + problem + L"\n\n" + usage());
+    write(Stream::error, L"temz: " + problem + L" See temz help.\n");
     return Ending::badCommandLine;
 }
 

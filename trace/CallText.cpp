@@ -105,7 +105,13 @@ std::wstring textOfRegistryData(DWORD type, const BYTE* data, DWORD size) {
     if (type == REG_SZ || type == REG_MULTI_SZ) {
         std::wstring text(size / sizeof(wchar_t), L'\0');
         std::copy_n(data, text.size() * sizeof(wchar_t), reinterpret_cast<BYTE*>(text.data()));
-        return text.substr(0, text.find(L'\0'));
+        if (type == REG_SZ)
+            return text.substr(0, text.find(L'\0'));
+        // Each text of several, with a mark for the end of each.
+        std::wstring marked;
+        for (const wchar_t unit : text)
+            marked += unit ? std::wstring(1, unit) : L"\\0";
+        return marked;
     }
     return textOf(bytesToHexText(data, size).get());
 }

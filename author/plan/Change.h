@@ -47,6 +47,9 @@ class ChangeListener {
 public:
     /// A call has been answered that would have changed this.
     virtual void planned(const Change& change) = 0;
+    /// Whether it wants to know of files what only reading them tells: their versions, and whether
+    /// contents are the same.
+    virtual bool wantsContents() const { return true; }
 
 protected:
     ~ChangeListener() = default;

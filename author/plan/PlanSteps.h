@@ -66,6 +66,8 @@ struct PlanStep {
 class StepListener {
 public:
     virtual void step(const PlanStep& step) = 0;
+    /// Whether it looks at the steps at all.
+    virtual bool wantsSteps() const { return true; }
 
 protected:
     ~StepListener() = default;
@@ -80,6 +82,7 @@ public:
     PlanSteps& operator=(const PlanSteps&) = delete;
 
     void planned(const Change& change) override;
+    bool wantsContents() const override { return listener.wantsSteps(); }
     /// The product's last action has been announced.
     void announced();
     /// A vital action has failed, as the product's record tells.

@@ -337,10 +337,12 @@ Change ShadowFiles::describe(ChangeKind kind, const std::wstring& path, const Se
     change.kind = kind;
     change.object = path;
     change.source = after.isThere() ? after.content : L"";
-    change.before = textOf(before);
-    change.after = textOf(after);
     change.bytes = after.isThere() ? after.size : 0;
     change.bytesBefore = before.isThere() ? before.size : 0;
+    if (!listener.wantsContents())
+        return change;
+    change.before = textOf(before);
+    change.after = textOf(after);
     change.sameContent = before.isThere() && after.isThere() && before.size == after.size &&
                          !before.content.empty() && !after.content.empty() &&
                          (equalIgnoringCase(before.content, after.content) ||

@@ -272,7 +272,8 @@ TEST(CommandLineTest, TellsWhatIsWrong) {
         {{L"help", L"code"}, L"code is no topic of help."},
         {{L"check"}, L"The SCRIPT is missing."},
         {{L"check", L"a.xml", L"--log", L"x"}, L"--log is no option of check."},
-        {{L"check", L"a.xml", L"--ignore="}, L"--ignore can't be \"\", only CODE."},
+        {{L"check", L"a.xml", L"--ignore="}, L"--ignore can't be \"\", only TZ...."},
+        {{L"check", L"a.xml", L"--ignore", L"tz101"}, L"--ignore can't be \"tz101\", only TZ...."},
         {{L"install", L"a.xml", L"--payload", L"p"}, L"--payload is no option of install."},
         {{L"help", L"--json"}, L"--json is no option of help."},
     };

@@ -151,6 +151,29 @@ TEST_F(PlanTest, ActionBeforeTheDepartureCountsAsDone) {
     EXPECT_THAT(run.error, HasSubstr("Failed after 1 of 2 actions (1603)."));
 }
 
+TEST_F(PlanTest, ScriptThatEndsTheProcessIsNotPlanned) {
+    writeScript("<CustomAction DllFile='a.dll' DllEntry='" + std::string(600, 'a') +
+                "' Return='check'/>");
+
+    const ProgramRun plan = temz(L"plan install.xml");
+
+    EXPECT_EQ(plan.exitCode, 1620u);
+    EXPECT_EQ(plan.output, "");
+    EXPECT_THAT(plan.error,
+                HasSubstr("install.xml isn't planned: a run would surely end half-way."));
+}
+
+TEST_F(PlanTest, KeptPlanMayChangeTheEndsOfItsLines) {
+    shipTwo();
+    ASSERT_EQ(temz(L"plan install.xml --out approved.plan").exitCode, 0u);
+    std::string lines;
+    for (const char byte : readFile(setup(L"approved.plan")))
+        lines += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
+    ship(L"approved.plan", lines);
+
+    EXPECT_EQ(temz(L"install install.xml --plan approved.plan").exitCode, 0u);
+}
+
 TEST_F(PlanTest, RunThatHasLessToDoIsToldSo) {
     ship(L"a.txt", "a1");
     folder.write(L"app\\a.txt", "a1");
@@ -209,9 +232,9 @@ TEST_F(PlanTest, RetriesAreNoDeparture) {
 TEST_F(PlanTest, OptionsOfPlansAndRunsAreKeptApart) {
     shipTwo();
     EXPECT_THAT(temz(L"install install.xml --out a").error,
-                testing::StartsWith("temz: --out is no option of install.\n"));
+                testing::StartsWith("temz: --out is no option of install."));
     EXPECT_THAT(temz(L"plan install.xml --plan a").error,
-                testing::StartsWith("temz: --plan is no option of plan.\n"));
+                testing::StartsWith("temz: --plan is no option of plan."));
     EXPECT_THAT(temz(L"plan install.xml --mode repair").error,
                 HasSubstr("--mode can't be \"repair\", only install|uninstall|upgrade."));
     EXPECT_THAT(installedFiles(), IsEmpty());

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <set>
+#include <string>
 
 #include "logging/Log.h"
 #include "support/FakeCall.h"
@@ -301,6 +303,40 @@ TEST_F(TracerTest, CallsThatChangeTheMachineAreMarked) {
     EXPECT_FALSE((heardOf<registryCalls, &RegistryCalls::RegCloseKey>(0).changes));
 }
 
+// A call that acts on the machine and isn't among ChangingCalls would be made by a dry run. So each
+// call must be sorted, here or there.
+TEST_F(TracerTest, EachCallEitherChangesOrIsKnownToAsk) {
+    const std::set<std::string> asking = {
+        // clock, text and walk
+        "GetSystemTime", "SystemTimeToTzSpecificLocalTime", "GetTickCount", "Sleep",
+        "MultiByteToWideChar", "WideCharToMultiByte", "VisitElement", "Evaluate",
+        // file
+        "FindFirstFileW", "FindNextFileW", "FindClose", "GetFileAttributesW", "GetModuleFileNameW",
+        // library, system and version
+        "GetProcAddress", "FreeLibrary", "GetModuleHandleW", "GetVersionExW",
+        "GetFileVersionInfoSizeW", "GetFileVersionInfoW", "VerQueryValueW",
+        // link: of the object in memory alone
+        "SetPath", "SetIconLocation", "SetWorkingDirectory",
+        // log: a dry run leaves its lines out
+        "WriteLine",
+        // process
+        "CreateToolhelp32Snapshot", "Process32FirstW", "Process32NextW", "Module32FirstW",
+        "OpenProcess", "WaitForSingleObject", "CloseHandle", "FormatMessageW", "FormatMessageA",
+        "LocalFree",
+        // registry
+        "RegOpenKeyExW", "RegQueryInfoKeyW", "RegEnumKeyExW", "RegCloseKey",
+        // service: a dry run doesn't take the lock
+        "OpenSCManagerW", "OpenServiceW", "QueryServiceStatus", "QueryServiceConfigW",
+        "LockServiceDatabase", "UnlockServiceDatabase", "CloseServiceHandle", "LocalAlloc",
+        // shell
+        "SHGetSpecialFolderPathW", "CoInitialize", "CoUninitialize", "CoCreateInstance"};
+    visitCallTables([&]<auto & table> {
+        table.visitCalls([&]<auto member>(const char* name) {
+            EXPECT_NE(ChangingCalls::has<member>, asking.contains(name)) << name;
+        });
+    });
+}
+
 /// A listener that is asked before each change.
 class Guard final : public CallListener {
 public:
@@ -494,6 +530,7 @@ TEST_F(TracerTest, ValuesAreToldByTheirTypes) {
     EXPECT_EQ(told(REG_SZ, L"text", 10), L"text");
     EXPECT_EQ(told(REG_BINARY, "\xAB\xCD", 2), L"ABCD");
     EXPECT_EQ(told(REG_SZ, nullptr, 0), L"null");
+    EXPECT_EQ(told(REG_MULTI_SZ, L"a\0bc\0", 12), L"a\\0bc\\0\\0");
 }
 
 }  // namespace
