@@ -1,6 +1,8 @@
 #include "Explain.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <cwctype>
 
 #include "Diagnosis.h"
 #include "ExitCodes.h"
@@ -124,6 +126,115 @@ constexpr MessageRow messages[] = {
     {L"cann't create child element", L"A child can't be made, for the reason in front.", seeLine},
     {L" attribute.", L"The element has no such attribute.", L"Give it the attribute."},
     {L"Get directory error", L"A place can't be found, for the reason behind it.", seeLine},
+    // Why a run isn't begun, and how it ends.
+    {L"isn't started", L"The script has faults that would surely end a run half-way.",
+     L"Mend what temz check tells, or start it all the same with --no-check."},
+    {L"can't be kept to",
+     L"The plan can't be read, or is of another script or mode than the run. Nothing was done.",
+     L"Make a new plan with temz plan, and have it approved."},
+    {L"leave its plan",
+     L"The machine isn't as it was when the plan was made. The run was ended before the call that "
+     L"the plan lacks.",
+     L"See what has changed by temz plan, and have the new plan approved."},
+    {L"The plan has more than there was to do",
+     L"All was done, with fewer calls than the plan has: something of it was done already.",
+     L"Compare the plan with what temz plan shows now, if that wasn't expected."},
+    {L"The wait for another run was ended",
+     L"Ctrl+C, or the end of the session, came before the other run had ended. Nothing was done.",
+     L"Run the command again."},
+    {L"The run ends behind this action", L"Ctrl+C was pressed, and an action is completed first.",
+     L"Wait for its end. Ctrl+C once more may leave it half done."},
+    {L"The session ends",
+     L"Windows shuts down, or the user logs off. The action under way is completed first.",
+     L"Run the same command again afterwards."},
+    {L"Windows ends the session",
+     L"Windows shut down, or the user logged off, and the run was ended because of that.",
+     L"Run the same command again afterwards."},
+    {L"Ended in the middle of this action",
+     L"Ctrl+C was pressed twice. The action may be half done; what was done before stays.",
+     L"Run the same command again, or uninstall."},
+    // Why an action has failed.
+    {L"the file is in use by", L"A program has the file open, so that it can't be replaced.",
+     L"Close the program, or give the file KillProcess or SupportDelayInstall in the script."},
+    {L"the file there is ",
+     L"Windows doesn't replace a file that is read-only, hidden or the "
+     L"system's.",
+     L"Clear that (attrib -r -h -s), and ship the file without it."},
+    {L"isn't run as an administrator",
+     L"Only an administrator may change this, and the program has no such rights.",
+     L"Run it from an administrator's prompt."},
+    {L"access is denied", L"Even an administrator hasn't the right to do this.",
+     L"Look at the rights of the file, key or service that the message names."},
+    {L"the file to copy", L"The Source of a File leads to nothing, or its directory can't be made.",
+     L"Put the file where Source says, counted from the folder of temz.exe."},
+    {L"the program isn't there", L"The program that is to be started isn't at this path.",
+     L"Give its whole path in the script."},
+    {L"the program's directory isn't there",
+     L"The directory of the program that is to be started isn't there.",
+     L"Give its whole path in the script."},
+    {L"answered with No", L"Somebody has refused the program an administrator's rights.",
+     L"Run it from an administrator's prompt, where nobody is asked."},
+    {L"can't be started elevated",
+     L"The file is no program, and Windows has none that opens it with more rights.",
+     L"Start the program that opens it, with the file as its argument."},
+    {L"the library, or one that it needs", L"A library isn't where Windows looks for it.",
+     L"Give its whole path in the script, and link what it needs statically."},
+    {L"it is no 64-bit library", L"The engine is a program of 64 bits, the library isn't.",
+     L"Build it for 64 bits."},
+    {L"no program that this Windows can run",
+     L"The file is damaged, no program, or one for another processor.",
+     L"Compare it with the one that was built."},
+    {L"exports no such function", L"The library of a custom action has no function of this name.",
+     L"Export it undecorated: extern \"C\"."},
+    {L"the disk is full", L"There is no room for what is to be written.", L"Make room on it."},
+    {L"the disk is write-protected", L"The disk doesn't let itself be written to.",
+     L"Take the protection away, or install to another one."},
+    {L"the name can't be one of a file", L"Windows allows no such name.",
+     L"Look at the names in the script: < > : \" | ? * can't be in one."},
+    {L"the path is too long", L"Windows takes no path of this length.",
+     L"Install into a directory with a shorter path."},
+    {L"there is no such service", L"No service of the machine has this name.",
+     L"The script wants its short name, which sc query shows."},
+    {L"the service is disabled", L"A disabled service can't be started.",
+     L"Enable it: sc config NAME start= demand."},
+    {L"the service is already being removed",
+     L"It goes when the last program that has it open lets it go.",
+     L"Close all programs that look at services, or restart the machine."},
+    {L"didn't answer in time", L"The program of the service hasn't told Windows that it runs.",
+     L"See the system's event log."},
+    {L"can't log on with its account", L"The account of the service is unknown or refused.",
+     L"Set its account and password."},
+    {L"the service can't be stopped now", L"It is just starting or stopping.",
+     L"Try again when it has started."},
+    {L"doesn't let itself be stopped", L"The service takes no request to stop.",
+     L"Ask its maker how it is ended."},
+    {L"services that run depend on it", L"A service can't be stopped below others that need it.",
+     L"Stop these first."},
+    {L"the key is being removed", L"A program has a key open that was removed.",
+     L"Run the command again."},
+    // What can't be written, and what no script can be made of.
+    {L"The log is incomplete", L"Lines of the log couldn't be written. The run went on.",
+     L"Do what the reason behind it asks, as to make room on the disk."},
+    {L"can't be written", L"The file can't be made or filled, for the reason behind it.",
+     L"Name one in a directory that is there and can be written to, and that nobody has open."},
+    {L"can't be called",
+     L"The product's name is that of its directory, and Windows allows none "
+     L"such.",
+     L"Give --name one that a directory can have."},
+    {L"can't be installed: ", L"The folder holds a file or folder whose name no script can have.",
+     L"Give it another name."},
+    {L"is a whole drive", L"The script is made for a folder, and a drive has no name for one.",
+     L"Name a folder of it."},
+    {L"can't be read. [error", L"The folder isn't there, or Windows doesn't let it be read.",
+     L"Look at its path and its rights."},
+    {L"holds no files", L"A script makes a directory only for the files that it puts there.",
+     L"Look whether it is the right folder, and built."},
+    // The last line of a run; the reason in front of it or behind it says more.
+    {L"Nothing was done (", L"The run hasn't begun, for the reason that stands with it.",
+     L"temz help codes tells what to do about the code in the parentheses."},
+    {L"What was done before stays",
+     L"The run has ended before all was done. It takes nothing back by itself.",
+     L"Do what the failure says, and run the same command again, or uninstall."},
 };
 
 const MessageRow* findMessage(const std::wstring& text) {
@@ -172,6 +283,19 @@ std::wstring explainCode(unsigned long code) {
     return explainSystemCode(code);
 }
 
+/// The first finding's code in a text, in capitals; empty when there is none. Case doesn't count.
+std::wstring findingCodeIn(const std::wstring& text) {
+    for (size_t at = 0; at + 5 <= text.size(); ++at) {
+        const bool begins = at == 0 || !std::iswalnum(text[at - 1]);
+        const bool ends = at + 5 == text.size() || !std::iswalnum(text[at + 5]);
+        if (begins && ends && std::towupper(text[at]) == L'T' &&
+            std::towupper(text[at + 1]) == L'Z' &&
+            std::all_of(text.begin() + at + 2, text.begin() + at + 5, std::iswdigit))
+            return L"TZ" + text.substr(at + 2, 3);
+    }
+    return L"";
+}
+
 std::wstring explainFinding(const std::wstring& code) {
     std::wstring text;
     forEachFindingKind([&](const temz_finding_kind& kind) {
@@ -192,7 +316,7 @@ std::wstring explain(const std::wstring& subject) {
     const unsigned long code = std::wcstoul(subject.c_str(), &end, 0);
     if (!subject.empty() && *end == L'\0')
         return explainCode(code);
-    if (std::wstring text = explainFinding(subject); !text.empty())
+    if (std::wstring text = explainFinding(findingCodeIn(subject)); !text.empty())
         return text;
     const MessageRow* row = findMessage(subject);
     return row ? withNextStep(row->cause, row->nextStep) : L"";

@@ -1,7 +1,9 @@
 #include "host/Explain.h"
 
 #include <gmock/gmock.h>
+#include <windows.h>
 
+#include <cwchar>
 #include <set>
 
 #include "host/Diagnosis.h"
@@ -20,11 +22,111 @@ std::wstring partFor(const std::wstring& message) {
     return L"";
 }
 
+struct Message {
+    const wchar_t* message;
+    const wchar_t* part;
+};
+constexpr Message messagesOfProgram[] = {
+    {L"temz: a.xml can't be loaded: It is no XML that the engine can read.", L"It is no XML"},
+    {L"a.xml can't be opened: its name isn't in the active code page.",
+     L"isn't in the active code page"},
+    {L"a.xml may be misread: It isn't UTF-8, which is the active code page.", L"may be misread"},
+    {L"Another run goes on on this machine.", L"Another run goes on"},
+    {L"The next restart brings C:\\a back, which waits for it since it was replaced. "
+     L"--drop-pending takes that back.",
+     L"back, which waits for it"},
+    {L"This program is marked as downloaded, and files", L"is marked as downloaded"},
+    {L"The engine's log is written to C:\\InstallLog, which is a link",
+     L"The engine's log is written to"},
+    {L"temz: a.xml isn't started: a run would surely end half-way. temz check tells more, "
+     L"--no-check starts it all the same.",
+     L"isn't started"},
+    {L"The plan a.plan can't be kept to. It is of another script.", L"can't be kept to"},
+    {L"The run was about to leave its plan: it comes to DeleteFileW(a), and the plan has nothing "
+     L"more",
+     L"leave its plan"},
+    {L"The plan has more than there was to do: its last calls, 2 of them, weren't made.",
+     L"The plan has more than there was to do"},
+    {L"The wait for another run was ended.", L"The wait for another run was ended"},
+    {L"temz: The run ends behind this action: Copying a.txt. Press Ctrl+C once more to end it at "
+     L"once.",
+     L"The run ends behind this action"},
+    {L"temz: The session ends, and the run behind this action: Copying a.txt.",
+     L"The session ends"},
+    {L"Windows ends the session.", L"Windows ends the session"},
+    {L"temz: Ended in the middle of this action: Copying a.txt (1602).",
+     L"Ended in the middle of this action"},
+    {L"Copying a.txt failed: the file is in use by sync.exe (4312) [error 32]",
+     L"the file is in use by"},
+    {L"Copying a.txt failed: the file there is read-only, hidden [error 5]", L"the file there is "},
+    {L"Copying a.txt failed: access is denied, and the program isn't run as an administrator "
+     L"[error 5]",
+     L"isn't run as an administrator"},
+    {L"Deleting a.txt failed: access is denied [error 5]", L"access is denied"},
+    {L"Copying a.txt failed: the file to copy isn't there [error 2]", L"the file to copy"},
+    {L"Copying a.txt failed: the file to copy or the directory isn't there [error 3]",
+     L"the file to copy"},
+    {L"Starting a.exe failed: the program isn't there [error 2]", L"the program isn't there"},
+    {L"Starting a.exe failed: the program's directory isn't there [error 3]",
+     L"the program's directory isn't there"},
+    {L"Starting a.exe failed: the question for an administrator's rights was answered with No "
+     L"[error 1223]",
+     L"answered with No"},
+    {L"Starting a.txt failed: a file of this kind can't be started elevated [error 1155]",
+     L"can't be started elevated"},
+    {L"the library, or one that it needs, isn't there [error 126]",
+     L"the library, or one that it needs"},
+    {L"it is no 64-bit library [error 193]", L"it is no 64-bit library"},
+    {L"Starting a.exe failed: it is no program that this Windows can run [error 193]",
+     L"no program that this Windows can run"},
+    {L"the library exports no such function [error 127]", L"exports no such function"},
+    {L"Copying a.txt failed: the disk is full [error 112]", L"the disk is full"},
+    {L"Copying a.txt failed: the disk is write-protected [error 19]",
+     L"the disk is write-protected"},
+    {L"Copying a?.txt failed: the name can't be one of a file [error 123]",
+     L"the name can't be one of a file"},
+    {L"Copying a.txt failed: the path is too long [error 206]", L"the path is too long"},
+    {L"Starting service a failed: there is no such service [error 1060]",
+     L"there is no such service"},
+    {L"Starting service a failed: the service is disabled [error 1058]",
+     L"the service is disabled"},
+    {L"Removing service a failed: the service is already being removed [error 1072]",
+     L"the service is already being removed"},
+    {L"Starting service a failed: its program didn't answer in time [error 1053]",
+     L"didn't answer in time"},
+    {L"Starting service a failed: it can't log on with its account [error 1069]",
+     L"can't log on with its account"},
+    {L"Stopping service a failed: the service can't be stopped now [error 1061]",
+     L"the service can't be stopped now"},
+    {L"Stopping service a failed: the service doesn't let itself be stopped [error 1052]",
+     L"doesn't let itself be stopped"},
+    {L"Stopping service a failed: other services that run depend on it: b [error 1051]",
+     L"services that run depend on it"},
+    {L"Creating registry key a failed: the key is being removed [error 1018]",
+     L"the key is being removed"},
+    {L"temz: The log is incomplete: There is not enough space on the disk. [error 112]",
+     L"The log is incomplete"},
+    {L"temz: a.html can't be written: Access denied. [error 5]", L"can't be written"},
+    {L"temz: a.plan can't be written.", L"can't be written"},
+    {L"temz: The product's directory can't be called a?: Windows allows no control character and "
+     L"none of <>:\"/\\|?* in a name.",
+     L"can't be called"},
+    {L"temz: C:\\a\\b. can't be installed: Windows drops dots and blanks at the end of a name.",
+     L"can't be installed: "},
+    {L"temz: C:\\ is a whole drive; name a folder.", L"is a whole drive"},
+    {L"temz: C:\\a can't be read. [error 5]", L"can't be read. [error"},
+    {L"temz: C:\\a holds no files.", L"holds no files"},
+    {L"Nothing was done (1618).", L"Nothing was done ("},
+    {L"Failed after 1 of 2 actions (1603). What was done before stays.",
+     L"What was done before stays"},
+    {L"Ended by the user after 1 action (1602). What was done before stays.",
+     L"What was done before stays"},
+    {L"Stopped before Copying a.txt, after 0 of 2 actions (1602). What was done before stays.",
+     L"What was done before stays"},
+};
+
 TEST(ExplainTest, KnowsEachMessageOfTheEngine) {
-    const struct {
-        const wchar_t* message;
-        const wchar_t* part;
-    } messages[] = {
+    constexpr Message messages[] = {
         // References in texts.
         {L"(File,x)[X] mismatch.", L" mismatch."},
         {L"(File,x)] can't be the first", L"] can't be the first"},
@@ -119,38 +221,48 @@ TEST(ExplainTest, KnowsEachMessageOfTheEngine) {
         EXPECT_EQ(partFor(message), part) << message;
         used.insert(part);
     }
+    for (const Message& message : messagesOfProgram)
+        used.insert(message.part);
     // And no part stands there that no message has.
-    const std::set<std::wstring> ofProgram = {L"It is no XML",
-                                              L"isn't in the active code page",
-                                              L"may be misread",
-                                              L"Another run goes on",
-                                              L"back, which waits for it",
-                                              L"is marked as downloaded",
-                                              L"The engine's log is written to"};
     for (const MessageRow& row : explainedMessages())
-        EXPECT_NE(used.contains(row.part), ofProgram.contains(row.part)) << row.part;
+        EXPECT_TRUE(used.contains(row.part)) << row.part;
 }
 
 TEST(ExplainTest, KnowsTheMessagesOfTheProgram) {
-    const struct {
-        const wchar_t* message;
-        const wchar_t* part;
-    } messages[] = {
-        {L"temz: a.xml can't be loaded: It is no XML that the engine can read.", L"It is no XML"},
-        {L"a.xml can't be opened: its name isn't in the active code page.",
-         L"isn't in the active code page"},
-        {L"a.xml may be misread: It isn't UTF-8, which is the active code page.",
-         L"may be misread"},
-        {L"Another run goes on on this machine.", L"Another run goes on"},
-        {L"The next restart brings C:\\a back, which waits for it since it was replaced. "
-         L"--drop-pending takes that back.",
-         L"back, which waits for it"},
-        {L"This program is marked as downloaded, and files", L"is marked as downloaded"},
-        {L"The engine's log is written to C:\\InstallLog, which is a link",
-         L"The engine's log is written to"},
-    };
-    for (const auto& [message, part] : messages)
+    for (const auto& [message, part] : messagesOfProgram)
         EXPECT_EQ(partFor(message), part) << message;
+}
+
+// Whatever call has failed, and by whatever code.
+TEST(ExplainTest, KnowsEachReasonThatAFailureIsGiven) {
+    constexpr uint32_t lastCode = 2000;
+    constexpr Witnesses nothingInTheWay{
+        [](const std::wstring&) { return std::vector<std::wstring>(); }, [] { return true; },
+        [](const std::wstring&) -> unsigned long { return FILE_ATTRIBUTE_NORMAL; },
+        [](const std::wstring&) { return std::wstring(); }};
+    const struct {
+        uint32_t action;
+        const wchar_t* call;
+        const wchar_t* message;
+    } attempts[] = {
+        {TEMZ_ACTION_COPY_FILE, L"CopyFileW", L""},
+        {TEMZ_ACTION_SHELL_EXCUTE, L"ShellExecuteExW", L""},
+        {TEMZ_ACTION_START_SERVICE, L"StartServiceW", L""},
+        {TEMZ_ERROR_MESSAGE, L"LoadLibraryW", L"Failed to load library(a.dll)."},
+        {TEMZ_ERROR_MESSAGE, L"GetProcAddress", L"Failed to get Address(run)."},
+    };
+    for (const auto& [code, name, message] : attempts)
+        for (uint32_t systemError = 1; systemError <= lastCode; ++systemError) {
+            Action action;
+            action.code = code;
+            action.calls = {{L"", name, {L"a", L"b"}, L"0", true, systemError}};
+            temz_error error{};
+            error.code = code;
+            std::wcscpy(error.message, message);
+            const std::wstring why = diagnose(action, error, nothingInTheWay).why;
+            EXPECT_TRUE(why == systemText(systemError) || !explain(why).empty())
+                << name << L" " << systemError << L": " << why;
+        }
 }
 
 TEST(ExplainTest, TellsCauseAndNextStepOnALineEach) {
@@ -173,6 +285,21 @@ TEST(ExplainTest, KnowsEachKindOfFinding) {
     forEachFindingKind([](const temz_finding_kind& kind) {
         EXPECT_EQ(explain(kind.code), std::wstring(kind.meaning) + L"\n" + kind.remedy + L"\n");
     });
+}
+
+TEST(ExplainTest, FindsTheCodeOfAFindingInAText) {
+    const std::wstring text = explain(L"TZ522");
+    ASSERT_NE(text, L"");
+    for (const wchar_t* subject :
+         {L"tz522", L" Tz522 ", L"TZ522:", L"a.xml:31:17: error TZ522: It can't be written.",
+          L"TZ522 TZ203", L"tzone TZ522"})
+        EXPECT_EQ(explain(subject), text) << subject;
+}
+
+TEST(ExplainTest, TakesNoLongerWordForTheCodeOfAFinding) {
+    for (const wchar_t* subject : {L"tz5220", L"atz522", L"TZ52", L"TZ52a", L"T522", L"TZ 522"})
+        EXPECT_EQ(explain(subject), L"") << subject;
+    EXPECT_NE(explain(L"TZ000: can't be kept to"), L"");
 }
 
 TEST(ExplainTest, KnowsTheSystemsCodesInDecimalAndHexadecimal) {
