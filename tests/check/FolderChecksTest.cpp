@@ -12,7 +12,9 @@ std::string product(std::string_view inDirectory, std::string_view inSequence = 
            std::string(inDirectory) +
            "</Component></Directory><InstallExecuteSequence><Feature>"
            "<ComponentRef Id=\"C\"/></Feature>" +
-           std::string(inSequence) + "</InstallExecuteSequence></Product></Root>";
+           std::string(inSequence) +
+           "<Fragment On=\"uninstall\"><RemoveDirectory Path=\"[R]\"/></Fragment>"
+           "</InstallExecuteSequence></Product></Root>";
 }
 
 constexpr std::string_view twoFiles = R"(<File Name="a" Source="files\a"/>
