@@ -32,9 +32,9 @@ bool NearMiss::spend(size_t cost) {
     return isLeft;
 }
 
-// Two thirds of the word, but no single letters.
+// More than half of the word, but no fewer than three letters.
 size_t NearMiss::leastBeginning(std::wstring_view word) {
-    return std::max<size_t>(4, (2 * word.size() + 2) / 3);
+    return std::max<size_t>(3, word.size() / 2 + 1);
 }
 
 size_t NearMiss::commonBeginning(std::wstring_view word, std::wstring_view other) {
