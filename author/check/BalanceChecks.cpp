@@ -27,8 +27,9 @@ private:
 
     void checkFile(const std::wstring& path, const Effects::Thing& thing, Fault stays) {
         if (thing.made == 0) {
-            checked.report.tellOf(Fault::fileNeverInstalled, placeOf(*thing.visit),
-                                  inMarks(thing.name) + L" is removed, but never installed.");
+            if (!checked.report.hasGaps())
+                checked.report.tellOf(Fault::fileNeverInstalled, placeOf(*thing.visit),
+                                      inMarks(thing.name) + L" is removed, but never installed.");
             return;
         }
         if (thing.removed != 0 || effects.goesWithDirectory(path, uninstalling))
@@ -68,7 +69,8 @@ private:
             isOutermost(key, madeAtUninstall))
             checked.report.tellOf(Fault::keyMadeAtUninstall, placeOf(*thing.visit),
                                   inMarks(thing.name) + L" is made at uninstall, too.");
-        if (thing.made == 0 && (thing.removed & uninstalling) != 0 && !isNearMadeKey(key))
+        if (thing.made == 0 && (thing.removed & uninstalling) != 0 && !isNearMadeKey(key) &&
+            !checked.report.hasGaps())
             checked.report.tellOf(Fault::keyNeverMade, placeOf(*thing.visit),
                                   inMarks(thing.name) + L" is removed, but never made.");
     }
@@ -127,10 +129,9 @@ void checkUpgrade(const Checked& checked, const Checked& previous) {
     const Effects now(checked);
     const auto tell = [&](Fault fault, const std::wstring& name, const Visit& visit) {
         const wchar_t* what = fault == Fault::serviceLeftByUpgrade ? L"The service " : L"";
-        checked.report.tellOfFile(fault,
-                                  what + inMarks(name) + L" of the version before (line " +
-                                      lineIn(previous, visit) +
-                                      L" of its script) is left by an upgrade.");
+        checked.report.tellOfFile(fault, what + inMarks(name) + L" of the version before (line " +
+                                             lineIn(previous, visit) +
+                                             L" of its script) is left by an upgrade.");
     };
     const auto checkFiles = [&](const Effects::Things& old, const Effects::Things& current) {
         for (const auto& [path, thing] : old)

@@ -33,12 +33,12 @@ constexpr std::wstring_view systemDirectories[] = {
 
 bool isOfTheSystem(std::wstring_view directory) {
     return partsOf(directory) < 2 ||
-           std::any_of(std::begin(systemDirectories), std::end(systemDirectories),
-                       [&](std::wstring_view known) {
-                           return known.starts_with(directory) &&
-                                  (known.size() == directory.size() ||
-                                   known[directory.size()] == L'\\');
-                       });
+           std::any_of(
+               std::begin(systemDirectories), std::end(systemDirectories),
+               [&](std::wstring_view known) {
+                   return known.starts_with(directory) &&
+                          (known.size() == directory.size() || known[directory.size()] == L'\\');
+               });
 }
 
 /// Directories that the install makes for what it puts into them, and that nothing removes.

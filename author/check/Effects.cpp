@@ -41,7 +41,8 @@ void Effects::addFile(const Action& action, Things& things) {
 void Effects::addKey(const Action& action) {
     const KnownText path = keyPathOf(action);
     const ActionCode code = actionOf(action, registryKeyActionKeywords());
-    if (!path.exact || code == ActionCode{})
+    if (!path.exact || code == ActionCode{} ||
+        !findKeyword(registryRootKeywords(), action.text(L"Root")->text))
         return;
     const std::wstring name = normalized(path.text);
     const std::wstring key = lowered(name);

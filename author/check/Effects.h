@@ -15,10 +15,10 @@ public:
 
     /// One file, shortcut or key, and what is done with it.
     struct Thing {
-        const Visit* visit;   ///< the first that concerns it
-        std::wstring name;    ///< as the script spells it
-        Modes made = 0;       ///< in these modes it is put in place
-        Modes removed = 0;    ///< and in these it is taken away by its own element
+        const Visit* visit;  ///< the first that concerns it
+        std::wstring name;   ///< as the script spells it
+        Modes made = 0;      ///< in these modes it is put in place
+        Modes removed = 0;   ///< and in these it is taken away by its own element
     };
     using Things = std::map<std::wstring, Thing>;
 

@@ -51,17 +51,17 @@ void checkBareMarks(const Checked& checked) {
         for (const AttributeNode& attribute : element.attributes) {
             const size_t end = attribute.valuePlace.offset + attribute.valuePlace.length;
             size_t at = attribute.valuePlace.offset;
-            while (at < end && (text[at] == '&' ? isReference(text.substr(at, end - at))
-                                                : text[at] != '<'))
+            while (at < end &&
+                   (text[at] == '&' ? isReference(text.substr(at, end - at)) : text[at] != '<'))
                 ++at;
             if (at == end)
                 continue;
             const bool isAmpersand = text[at] == '&';
-            checked.report.tellOf(Fault::bareMark, {at, 1},
-                                  std::wstring(L"A bare `") + (isAmpersand ? L"&" : L"<") +
-                                      L"` is refused by other XML tools.",
-                                  std::wstring(L"write ") + (isAmpersand ? L"&amp;" : L"&lt;") +
-                                      L" for it.");
+            checked.report.tellOf(
+                Fault::bareMark, {at, 1},
+                std::wstring(L"A bare `") + (isAmpersand ? L"&" : L"<") +
+                    L"` is refused by other XML tools.",
+                std::wstring(L"write ") + (isAmpersand ? L"&amp;" : L"&lt;") + L" for it.");
         }
 }
 

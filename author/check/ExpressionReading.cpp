@@ -27,11 +27,10 @@ struct ForeignOperator {
 };
 
 constexpr ForeignOperator foreignOperators[] = {
-    {L"==", L"E"},  {L"!=", L"NE"}, {L"<>", L"NE"}, {L">=", L"GE"},  {L"=>", L"GE"},
-    {L"<=", L"LE"}, {L"=<", L"LE"}, {L">", L"G"},   {L"<", L"L"},    {L"&&", L"AND"},
-    {L"&", L"AND"}, {L"||", L"OR"}, {L"|", L"OR"},  {L"EQ", L"E"},   {L"GT", L"G"},
-    {L"LT", L"L"},  {L"IS", L"E"},  {L"eq", L"E"},  {L"gt", L"G"},   {L"lt", L"L"},
-    {L"is", L"E"},  {L"not", L"!"}, {L"NOT", L"!"}, {L"Not", L"!"},
+    {L"==", L"E"},  {L"!=", L"NE"}, {L"<>", L"NE"}, {L">=", L"GE"},  {L"=>", L"GE"}, {L"<=", L"LE"},
+    {L"=<", L"LE"}, {L">", L"G"},   {L"<", L"L"},   {L"&&", L"AND"}, {L"&", L"AND"}, {L"||", L"OR"},
+    {L"|", L"OR"},  {L"EQ", L"E"},  {L"GT", L"G"},  {L"LT", L"L"},   {L"IS", L"E"},  {L"eq", L"E"},
+    {L"gt", L"G"},  {L"lt", L"L"},  {L"is", L"E"},  {L"not", L"!"},  {L"NOT", L"!"}, {L"Not", L"!"},
 };
 
 /// How to say what stands at this place of an expression; empty for no operator of another
@@ -120,9 +119,8 @@ private:
 
     [[noreturn]] void stop(Fault fault, const ExpressionToken& token, std::wstring what,
                            std::wstring help = {}) {
-        result.faults.push_back(
-            {fault, token.from, token.text.size(), true, std::move(what), std::move(help),
-             noElement});
+        result.faults.push_back({fault, token.from, token.text.size(), true, std::move(what),
+                                 std::move(help), noElement});
         throw Stop();
     }
 

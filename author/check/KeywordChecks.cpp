@@ -25,8 +25,7 @@ constexpr SingleWord singleWords[] = {
 
 /// Other words for the one with a meaning: those of other languages for yes, and those that other
 /// elements know.
-constexpr const wchar_t* affirmations[] = {L"true", L"1",         L"on",
-                                           L"yes",  checkKeyword, syncKeyword};
+constexpr const wchar_t* affirmations[] = {L"true", L"1", L"on", L"yes", checkKeyword, syncKeyword};
 
 void checkSingleWord(const Action& action, const SingleWord& row) {
     const KnownText* text = action.text(row.attribute);

@@ -38,9 +38,9 @@ size_t NearMiss::leastBeginning(std::wstring_view word) {
 }
 
 size_t NearMiss::commonBeginning(std::wstring_view word, std::wstring_view other) {
-    const auto [end, ignored] = std::mismatch(
-        word.begin(), word.end(), other.begin(), other.end(),
-        [](wchar_t a, wchar_t b) { return std::towlower(a) == std::towlower(b); });
+    const auto [end, ignored] =
+        std::mismatch(word.begin(), word.end(), other.begin(), other.end(),
+                      [](wchar_t a, wchar_t b) { return std::towlower(a) == std::towlower(b); });
     return static_cast<size_t>(end - word.begin());
 }
 

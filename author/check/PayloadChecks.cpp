@@ -52,8 +52,13 @@ private:
 
     void checkSource(const Action& action) {
         const KnownText& source = *action.text(L"Source");
-        if (!source.exact || source.text.empty() || holdsWholePath(action, L"Source", source))
+        if (!source.exact || source.text.empty())
             return;
+        if (holdsWholePath(action, L"Source", source)) {
+            nearSource(
+                source.text);  // is told elsewhere, and the file that is meant isn't forgotten
+            return;
+        }
         fs::path path = folder / fs::path(source.text).relative_path();
         DWORD attributes = GetFileAttributesW(path.c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES) {

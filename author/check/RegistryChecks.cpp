@@ -68,12 +68,12 @@ void checkValue(const Action& action) {
 void checkKey(const Action& action) {
     const AttributeNode* key = action.node.find(L"Key");
     for (const RegistryKeyword& root : registryRootKeywords())
-        if (key && (key->value == root.word ||
-                    key->value.starts_with(std::wstring(root.word) + L"\\")))
-            action.checked.report.tellOf(
-                Fault::rootInKey, action.checked.model.spanIn(*key, 0, wcslen(root.word)),
-                inMarks(root.word) + L" is taken for a key below " +
-                    inMarks(action.text(L"Root")->text) + L".");
+        if (key &&
+            (key->value == root.word || key->value.starts_with(std::wstring(root.word) + L"\\")))
+            action.checked.report.tellOf(Fault::rootInKey,
+                                         action.checked.model.spanIn(*key, 0, wcslen(root.word)),
+                                         inMarks(root.word) + L" is taken for a key below " +
+                                             inMarks(action.text(L"Root")->text) + L".");
     if (isExactly(action.text(L"Action"), wordOf(ACTION_REMOVE_REGISTRY_KEY)) &&
         action.text(L"Key")->isSurelyEmpty())
         action.checked.report.tellOf(

@@ -50,8 +50,11 @@ ExpressionResult checkExpression(const MadeElement& element, const ScriptModel& 
     ExpressionResult result = readExpression(expression->text, variables, nearMiss);
     for (const ExpressionFault& fault : result.faults) {
         const auto place = [&] {
-            if (fault.variable != noElement)
-                return model[fault.variable].find(L"Value")->valuePlace;
+            if (fault.variable != noElement) {
+                const ElementNode& variable = model[fault.variable];
+                const AttributeNode* value = variable.find(L"Value");
+                return value ? value->valuePlace : variable.place;
+            }
             return hasReferences(attribute->value)
                        ? attribute->valuePlace
                        : model.spanIn(*attribute, fault.from, fault.length);

@@ -177,8 +177,8 @@ private:
         const bool isOutermost = !isPlace(model[element.parent]);
         if (isOutermost && element.find(pathAttribute) == nullptr)
             text += L", so what stands in it goes to a path relative to the working directory";
-        report.tellOf(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace,
-                      text + L".", didYouMean(near));
+        report.tellOf(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace, text + L".",
+                      didYouMean(near));
     }
 
     ElementNumber checkDefinition(ElementNumber number) {

@@ -33,7 +33,8 @@ const Mistake mistakes[] = {
     // XML and encoding
     {"an element isn't closed",
      "                <ComponentRef Id=\"NoKeys\"/>\n            </Feature>\n",
-     "                <ComponentRef Id=\"NoKeys\"/>\n", "TZ101", "`Feature` of line 91", "{<}/InstallExecuteSequence>"},
+     "                <ComponentRef Id=\"NoKeys\"/>\n", "TZ101", "`Feature` of line 91",
+     "{<}/InstallExecuteSequence>"},
     {"an end tag is misspelt", "</DirectoryRef>", "{<}/Directoryref>", "TZ101"},
     {"a quotation mark is forgotten", R"(Name="lantern.ico" Source="payload\lantern.ico")",
      R"(Name="lantern.ico Source="payload{\}lantern.ico")", "TZ101"},
@@ -97,6 +98,14 @@ const Mistake mistakes[] = {
      "`InstallExecuteSequence`",
      "{<InstallExecutionSequence}",
      {"TZ205"},
+     2},
+    {"a product without a sequence",
+     "InstallExecuteSequence>",
+     "InstallExecutionSequence>",
+     "TZ205",
+     "`InstallExecutionSequence`",
+     "{<Product}",
+     {},
      2},
     {"a misspelt product", "Product", "Prodcut", "TZ201", "`Prodcut`", "{<Prodcut} Id=", {}, 2},
     {"a second product", "</Script>",
@@ -193,6 +202,13 @@ const Mistake mistakes[] = {
      "",
      "",
      {"TZ412"}},
+    {"an integer variable without a value",
+     R"(<Variable Id="MODERN" Type="int" Value="0"/>)",
+     R"({<Variable} Id="MODERN" Type="int"/>)",
+     "TZ301",
+     "",
+     "",
+     {"TZ415"}},
     {"a condition without an expression", R"(<Condition Expression="HAS_SETTINGS E 0">)",
      "{<Condition}>", "TZ301"},
     {"an attribute in lower case",
@@ -239,6 +255,9 @@ const Mistake mistakes[] = {
      R"(Title="Registering the service" Vital="{YES}")", "TZ322", "`yes`"},
     {"a delay with a capital", R"(<Component Id="Program" SupportDelayInstall="yes">)",
      R"(<Component Id="Program" SupportDelayInstall="{Yes}">)", "TZ322", "`yes`"},
+    {"a misspelt check", R"(Return="check")", R"(Return="{chek}")", "TZ322", "`check`"},
+    {"a word that means the opposite", R"(Return="sync")", R"(Return="{async}")", "TZ323",
+     "`sync`"},
     {"a check with a capital", R"(Return="check")", R"(Return="{Check}")", "TZ322", "`check`"},
     {"a truth in place of yes", R"(KillProcess="yes")", R"(KillProcess="{true}")", "TZ322",
      "`yes`"},
@@ -301,8 +320,8 @@ const Mistake mistakes[] = {
      "`[MENU]`"},
     {"a misspelt folder in a text", R"(Path="[System32Folder]")", R"(Path="{[SystemFolder]}")",
      "TZ401", "`[System32Folder]`"},
-    {"a directory under a shorter name", R"(Path="[MENU]")",
-     R"(Path="{[APPLICATIONROOTDIR]}x")", "TZ401", "`[APPLICATIONROOTDIRECTORY]`"},
+    {"a directory under a shorter name", R"(Path="[MENU]")", R"(Path="{[APPLICATIONROOTDIR]}x")",
+     "TZ401", "`[APPLICATIONROOTDIRECTORY]`"},
     {"a bracket that isn't closed", R"(IcoFile="[APPLICATIONROOTDIRECTORY]lantern.ico")",
      R"(IcoFile="{[APPLICATIONROOTDIRECTORY\lantern.ico}")", "TZ402"},
     {"a bracket that isn't opened", R"(Path="[MENU]")", R"(Path="MENU{]}")", "TZ402"},
@@ -354,6 +373,8 @@ const Mistake mistakes[] = {
      R"(Id="MODERN" Type="int" Value="{no}")", "TZ415"},
     {"a version for an integer", R"(Value="10")", R"(Value="{10.0}")", "TZ415"},
     {"an integer of 33 bits", R"(Value="10")", R"(Value="{4294967296}")", "TZ416"},
+    {"a number of 33 bits in a condition", "HAS_SETTINGS E 0", "HAS_SETTINGS E {4294967296}",
+     "TZ416"},
     {"a condition of numbers", "HAS_SETTINGS E 0", "{1 E 1}", "TZ417"},
     {"a condition of constants", "HAS_SETTINGS E 0", "{LEAST_VERSION GE 10}", "TZ417"},
     {"a variable that nothing reads", R"(<Variable Id="MODERN")",
@@ -368,8 +389,13 @@ const Mistake mistakes[] = {
     {"an environment variable in a path", R"(<Directory Id="COMPANY_DIR" Path="#COMPANY">)",
      R"(<Directory Id="COMPANY_DIR" Path="{%ProgramFiles%}\Works">)", "TZ421",
      "`[ProgramFilesFolder]`"},
-    {"an environment variable in a source", R"(Source="payload\manual.txt")",
-     R"(Source="{%BUILD%}\manual.txt")", "TZ421", "folder word", "", {"TZ521"}},
+    {"an environment variable in a source",
+     R"(Source="payload\manual.txt")",
+     R"(Source="{%BUILD%}\manual.txt")",
+     "TZ421",
+     "folder word",
+     "",
+     {"TZ521"}},
     {"a caution like a licence", R"(Title="Clearing up")", "Title=\"{" + longText + "}\"", "TZ431"},
     {"a condition over a page", "HAS_SETTINGS E 0",
      "{HAS_SETTINGS E 0" + std::string(500, ' ') + "}", "TZ431"},
@@ -382,7 +408,12 @@ const Mistake mistakes[] = {
      "<Component Id=\"NoKeys\" On=\"uninstall\">\n"
      "{<RegistryValue} Name=\"Gone\" Type=\"REG_SZ\" Value=\"1\"/>",
      "TZ501"},
-    {"a number of hex digits", R"(Value="640")", R"(Value="{0x280}")", "TZ502", "digits"},
+    {"a value in a feature", R"(<Condition Expression="HAS_SETTINGS E 0">)",
+     "<Condition Expression=\"HAS_SETTINGS E 0\">\n"
+     "{<RegistryValue} Name=\"Gone\" Type=\"REG_SZ\" Value=\"1\"/>",
+     "TZ501"},
+    {"a number of hex digits", R"(Value="640")", R"(Value="{0x280}")", "TZ502",
+     "digits alone: 640"},
     {"a number with its unit", R"(Value="640")", R"(Value="{640px}")", "TZ502"},
     {"an empty number", R"(Value="640")", R"(Value="{}")", "TZ502"},
     {"a number of 32 bits without a sign", R"(Value="640")", R"(Value="{4294967295}")", "TZ503"},
@@ -415,6 +446,10 @@ const Mistake mistakes[] = {
      "Name=\"{" + std::string(260, 'x') + "}\" Desc", "TZ512"},
     {"a shortcut named as its file", R"(Name="#PRODUCT" Desc)", R"(Name="{Lantern.lnk}" Desc)",
      "TZ519", ".lnk"},
+    {"a name that is long on some machines", R"(Name="lantern.ico")",
+     "Name=\"{" + std::string(200, 'x') + "}\"", "TZ513"},
+    {"a directory with a sentence for a name", R"(Path="[MENU]")",
+     "Path=\"{[DATA]" + std::string(250, 'x') + "}\"", "TZ512"},
     {"a question as a name", R"(Name="lantern.ico")", R"(Name="{how?.txt}")", "TZ514"},
     {"a shortcut with a bar in its name", R"(Name="#PRODUCT" Desc)",
      R"(Name="{Lantern | Sync}" Desc)", "TZ515"},
@@ -428,8 +463,7 @@ const Mistake mistakes[] = {
     {"a copied line", R"(<File Name="action.dll")", R"(<File Name="{lantern.ico}")", "TZ516"},
     {"a copied line in another case", R"(<File Name="action.dll")", R"(<File Name="{Lantern.ico}")",
      "TZ517"},
-    {"a source of the author's machine",
-     R"(Source="payload\lantern.ico")",
+    {"a source of the author's machine", R"(Source="payload\lantern.ico")",
      R"(Source="{C:\build\lantern.ico}")", "TZ518"},
     {"a misspelt source", R"(Source="payload\manual.txt")", R"(Source="{payload\manuel.txt}")",
      "TZ521", R"(payload\manual.txt)"},
@@ -445,8 +479,7 @@ const Mistake mistakes[] = {
      "<Fragment On=\"install\"><ShellExcute File=\"{[DOC]manual.txt}\" Return=\"no\"/></Fragment>\n"
      "<Fragment Id=\"Leave\" On=\"uninstall\">",
      "TZ524", "behind"},
-    {"a library in a directory that has been removed",
-     R"(<RemoveDirectory Path="[MENU]"/>)",
+    {"a library in a directory that has been removed", R"(<RemoveDirectory Path="[MENU]"/>)",
      "<RemoveDirectory Path=\"[MENU]\"/>\n<CustomAction DllFile=\"{[DOC]action.dll}\" "
      "DllEntry=\"Late\" Return=\"check\"/>",
      "TZ525", "in front of"},
@@ -487,11 +520,10 @@ const Mistake mistakes[] = {
      R"(Value="LanternSync2")", "TZ613", "", ""},
 
     // Dangers
-    {"the programs of the machine removed", R"(Path="[MENU]")",
-     R"(Path="{[ProgramFilesFolder]}")", "TZ701"},
+    {"the programs of the machine removed", R"(Path="[MENU]")", R"(Path="{[ProgramFilesFolder]}")",
+     "TZ701"},
     {"a drive removed", R"(Path="[MENU]")", R"(Path="{C:\}")", "TZ702"},
-    {"the company's directory removed", R"(Path="[MENU]")", R"(Path="{[COMPANY_DIR]}")",
-     "TZ703"},
+    {"the company's directory removed", R"(Path="[MENU]")", R"(Path="{[COMPANY_DIR]}")", "TZ703"},
     {"a neighbour's directory removed", R"(Path="[MENU]")", R"(Path="{[COMPANY_DIR]Common}")",
      "TZ704"},
     {"the keys of all programs removed", R"(Key="Software\Example Works\Lantern"/>)",
@@ -593,6 +625,50 @@ protected:
 class AuthorsMistakesTest : public SetupToCheck, public testing::WithParamInterface<Mistake> {};
 using RightScriptTest = SetupToCheck;
 
+/// One mistake and all that is told for it: of what comes of a mistake nothing is.
+struct Alone {
+    std::string what;
+    std::string find;
+    std::string instead;
+    std::string codes;
+};
+
+void PrintTo(const Alone& mistake, std::ostream* out) {
+    *out << mistake.what;
+}
+
+const Alone alone[] = {
+    {"a misspelt product", "Product", "Prodcut", "TZ201 "},
+    {"a component that nobody refers to", R"(<ComponentRef Id="Menu"/>)", "", "TZ207 "},
+    {"a misspelt reference", R"(<ComponentRef Id="Program"/>)", R"(<ComponentRef Id="Porgram"/>)",
+     "TZ207 TZ209 "},
+    {"a misspelt mode", R"(<Component Id="Program" )", R"(<Component Id="Program" On="instal" )",
+     "TZ321 "},
+    {"a fault in the one expression that reads a variable", "EDITION E PAID", "EDITION E 1",
+     "TZ413 "},
+    {"an integer in words that is read twice", R"(Id="MODERN" Type="int" Value="0")",
+     R"(Id="MODERN" Type="int" Value="no")", "TZ415 "},
+    {"a root in short above another key", R"(Action="create" Root="HKEY_LOCAL_MACHINE")",
+     R"(Action="create" Root="HKLM")", "TZ326 "},
+    {"a key that stays with those in it", R"(<ComponentRef Id="NoKeys"/>)", "", "TZ604 TZ207 "},
+    {"a key made at uninstall with those in it", R"(<Component Id="Keys" On="installupgrade">)",
+     R"(<Component Id="Keys">)", "TZ605 "},
+    {"a path on a component", R"(<Component Id="Settings" )",
+     R"(<Component Id="Settings" Path="C:\Lantern" )", "TZ311 "},
+    {"a misspelt source", R"(Source="payload\manual.txt")", R"(Source="payload\manuel.txt")",
+     "TZ521 "},
+    {"a source of the author's machine", R"(Source="payload\lantern.ico")",
+     R"(Source="C:\build\lantern.ico")", "TZ518 "},
+    {"a program started behind a condition that may know of it",
+     R"(<Fragment Id="Leave" On="uninstall">)",
+     R"(<Condition Expression="HAS_SETTINGS E 1"><ShellExcute File="[DATA]..\sync.exe" Return="no"/>
+        <ShellExcute File="[APPLICATIONROOTDIRECTORY]sync.exe" Return="no"/></Condition>
+        <Fragment Id="Leave" On="uninstall">)",
+     ""},
+};
+
+class AloneTest : public SetupToCheck, public testing::WithParamInterface<Alone> {};
+
 /// A finding on a line, as an editor reads it.
 std::string line(const Finding& finding) {
     return std::to_string(finding.place.line) + ":" + std::to_string(finding.place.column) + "+" +
@@ -608,7 +684,8 @@ std::string lines(const std::vector<Finding>& findings) {
 }
 
 /// Letters alone, as names of tests are made of: "a misspelt element" is AMisspeltElement.
-std::string testName(const testing::TestParamInfo<Mistake>& mistake) {
+template <class Row>
+std::string testName(const testing::TestParamInfo<Row>& mistake) {
     std::string name;
     bool capital = true;
     for (const char letter : mistake.param.what) {
@@ -647,4 +724,58 @@ TEST_P(AuthorsMistakesTest, IsFoundWithItsPlaceAndItsRemedy) {
     EXPECT_EQ(errors, mistake.alsoErrors);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, AuthorsMistakesTest, testing::ValuesIn(mistakes), testName);
+INSTANTIATE_TEST_SUITE_P(Of, AuthorsMistakesTest, testing::ValuesIn(mistakes), testName<Mistake>);
+
+TEST_P(AloneTest, IsToldWithoutWhatComesOfIt) {
+    const std::vector<Finding> findings =
+        check(replaced(rightScript(), GetParam().find, GetParam().instead), request);
+    std::string codes;
+    for (const Finding& finding : findings)
+        codes += narrow(finding.kind->code) + " ";
+    EXPECT_EQ(codes, GetParam().codes) << lines(findings);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, AloneTest, testing::ValuesIn(alone), testName<Alone>);
+
+// Those that a change of one place in this script can't bring about have tests of their own.
+TEST(AuthorsMistakes, AreOfEveryKindThatIsToldButForThoseTestedElsewhere) {
+    std::set<std::string> codes{"TZ102", "TZ216", "TZ523"};
+    for (const Mistake& mistake : mistakes)
+        codes.insert(mistake.code);
+    for (const FindingKind& kind : findingKinds())
+        EXPECT_TRUE(codes.contains(narrow(kind.code))) << narrow(kind.code);
+}
+
+TEST_F(RightScriptTest, EndsHalfWayWhereWhatIsUsedIsGoneOrCannotBeMade) {
+    const auto endsRun = [this](const std::string& find, const std::string& instead) {
+        for (const Finding& finding : check(replaced(rightScript(), find, instead), request))
+            if (finding.endsRun)
+                return narrow(finding.kind->code);
+        return std::string();
+    };
+    EXPECT_EQ(endsRun(R"(Name="lantern.ico")", "Name=\"" + std::string(260, 'x') + "\""), "TZ511");
+    EXPECT_EQ(endsRun(R"(<Fragment Id="Farewell" On="uninstall">)",
+                      R"(<Fragment Id="Farewell" On="uninstall"><CustomAction DllEntry="Late"
+                         DllFile="[APPLICATIONROOTDIRECTORY]action.dll" Return="check"/>)"),
+              "TZ525");
+    EXPECT_EQ(endsRun(R"(<Fragment Id="Survey">)",
+                      R"(<Fragment On="install"><CustomAction DllEntry="Early"
+                         DllFile="[APPLICATIONROOTDIRECTORY]action.dll" Return="check"/></Fragment>
+                         <Fragment Id="Survey">)"),
+              "")
+        << "The file may be there from an install before.";
+}
+
+TEST_F(RightScriptTest, IsToldOfItsFaultsInWholeSentences) {
+    const auto textOf = [this](const std::string& find, const std::string& instead) {
+        return narrow(check(replaced(rightScript(), find, instead), request).front().text);
+    };
+    EXPECT_EQ(
+        textOf(R"(<Directory Id="DOC" Path="doc">)", R"(<Directory Id="DOC" Path="[DOC]doc">)"),
+        "`Directory` `DOC` needs itself to be made.");
+    EXPECT_EQ(textOf(R"(Value="640")", R"(Value="")"), "An empty text is no decimal number.");
+    EXPECT_EQ(
+        textOf(R"(<Directory Id="ProgramMenuFolder">)", R"(<Directory Id="ProgramMenusFolder">)"),
+        "`ProgramMenusFolder` is no folder of the system, so what stands in it goes to a path "
+        "relative to the working directory.");
+}
