@@ -352,6 +352,7 @@ const Mistake mistakes[] = {
      "OS_MAJOR_VERSION {&gt;}= LEAST_VERSION", "TZ411", "`G"},
     {"an and in lower case", "PAID AND (", "PAID {and} (", "TZ411", "`AND`"},
     {"an or of C", "1 OR !", "1 {||} !", "TZ411", "`OR`"},
+    {"a sign that is none", "1 OR !", "1 {~} !", "TZ411", "words such as AND"},
     {"a blank forgotten", "HAS_SETTINGS E 0", "HAS_SETTINGS {E0}", "TZ411"},
     {"a parenthesis right behind a word", "PAID AND (", "PAID {AND}(", "TZ411"},
     {"a parenthesis that isn't closed", "HAS_SETTINGS E 0", "{(} HAS_SETTINGS E 0", "TZ411"},
