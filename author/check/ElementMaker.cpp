@@ -23,6 +23,15 @@ bool isExpandable(const ElementKind& kind) {
     return &kind != &variableKind && &kind != &variableConstKind;
 }
 
+/// Whether the element's own XML gives it the attribute: what isn't declared isn't read there.
+bool isDeclaredOn(const ElementNode& element, const wchar_t* attributeName) {
+    return element.find(attributeName) &&
+           std::any_of(element.kind->declared.begin(), element.kind->declared.end(),
+                       [&](const AttributeDeclaration& declaration) {
+                           return std::wstring_view(declaration.name) == attributeName;
+                       });
+}
+
 /// How many elements one makes of itself: CreateElement leaves those that a run executes to the
 /// other factory.
 size_t ownCost(const ElementKind& kind) {
@@ -117,11 +126,14 @@ void ElementMaker::demand(ElementNumber number) {
         });
         if (circle != needs.end()) {
             element.endless = true;
+            std::wstring way;
+            if (definitionOf(*circle) != element.number)
+                way = L", by way of " + describe(model[*circle]);
             fail(element,
                  {Fault::endlessMaking, model[element.number].place,
-                  describe(model[element.number]) + L" needs itself to be made, by way of " +
-                      describe(model[*circle]) + L".",
-                  L"take the reference out of one of their texts."});
+                  describe(model[element.number]) + L" needs itself to be made" + way + L".",
+                  way.empty() ? L"take the reference to it out of its own text."
+                              : L"take the reference out of one of their texts."});
         } else if (element.kind) {
             const ElementNumber parent = model[element.number].parent;
             make(element,
@@ -150,7 +162,7 @@ std::vector<ElementNumber> ElementMaker::needsOf(ElementNumber definition) const
                 }
     }
     for (const AttributeDeclaration& declaration : element.kind->derived)
-        if (!element.find(declaration.name) &&
+        if (!isDeclaredOn(element, declaration.name) &&
             !(element.is(directoryKind) && isFolderWord(element.id())))
             needsParent = true;
     if (needsParent && element.parent != noElement)
@@ -320,7 +332,7 @@ bool ElementMaker::expandPiece(MadeElement& element, const AttributeNode& attrib
     if (number == noElement) {
         std::wstring near = nearMiss.find(piece.text, folderWords());
         if (near.empty())
-            near = nearMiss.find(piece.text, model.idsOf(directoryKind));
+            near = nearMiss.findAlike(piece.text, model.idsOf(directoryKind));
         return failAt(Fault::directoryUnknown,
                       L"There is no `Directory` with the Id " + inMarks(piece.text) +
                           L", and it is no folder word.",
@@ -362,7 +374,7 @@ bool ElementMaker::tellVariable(MadeElement& element, const AttributeNode& attri
                           L"` ends only at the next # or [, or with the text: put what follows "
                           L"into a variable or a Directory of its own.");
     }
-    const std::wstring near = nearMiss.find(piece.text, variables.names());
+    const std::wstring near = nearMiss.findAlike(piece.text, variables.names());
     return failAt(Fault::variableUnknown, L"There is no variable " + inMarks(piece.text) + L".",
                   near.empty() ? L"write ## for a # that is meant as such."
                                : L"did you mean `#" + near + L"`?");
