@@ -86,7 +86,7 @@ std::wstring problemOf(temz_status status, const CommandLine& command) {
     if (status == TEMZ_OK)
         return {};
     for (const std::wstring& file : {command.script, command.previous})
-        if (const std::wstring problem = file.empty() ? L"" : whyNotRead(file); !problem.empty())
+        if (std::wstring problem = file.empty() ? L"" : whyNotRead(file); !problem.empty())
             return problem;
     return temz_status_text(status);
 }

@@ -180,7 +180,8 @@ constexpr unsigned checks = verbBit(Verb::check);
 constexpr unsigned verifies = verbBit(Verb::verify);
 constexpr unsigned givesText =
     verbBit(Verb::draftProduct) | verbBit(Verb::draftPart) | verbBit(Verb::schema);
-constexpr unsigned anything = ~0U;
+constexpr unsigned repeatable = 1U << 31;  // the option may stand several times
+constexpr unsigned anything = repeatable - 1;
 
 struct Option {
     unsigned verbs;
@@ -188,7 +189,6 @@ struct Option {
     const wchar_t* value;                     // what it may be; null when the option has none
     const wchar_t* meaning;
     bool (*take)(CommandLine& line, const std::wstring& value);
-    bool repeatable = false;
 };
 
 constexpr Option options[] = {
@@ -250,12 +250,11 @@ constexpr Option options[] = {
      L"install|uninstall|upgrade",
      L"which run to plan, if not an installation",
      takeMode},
-    {plans,
+    {plans | repeatable,
      {L"--assume"},
      L"NAME=VALUE",
      L"plan with another value of a variable, such as OS_BIT=32; may stand several times",
-     takeAssumption,
-     true},
+     takeAssumption},
     {plans, {L"--html"}, L"FILE", L"write the plan as a page", takeText<&CommandLine::html>},
     {checks | verbBit(Verb::draftProduct),
      {L"--payload"},
@@ -267,12 +266,11 @@ constexpr Option options[] = {
      L"SCRIPT",
      L"tell what an upgrade leaves of the version before",
      takeText<&CommandLine::previous>},
-    {checks,
+    {checks | repeatable,
      {L"--ignore"},
      L"TZ...",
      L"leave out a finding; may stand several times",
-     takeIgnored,
-     true},
+     takeIgnored},
     {checks,
      {L"--warnings-as-errors"},
      nullptr,
@@ -362,7 +360,8 @@ private:
             words.push_back(argument);
             return true;
         }
-        if (!option->repeatable && std::find(seen.begin(), seen.end(), option) != seen.end())
+        if (!(option->verbs & repeatable) &&
+            std::find(seen.begin(), seen.end(), option) != seen.end())
             return refuse(std::wstring(option->spellings[0]) + L" stands twice.");
         seen.push_back(option);
         std::wstring value;

@@ -6,7 +6,7 @@
 /// A clock that goes on by what is slept, while nobody waits.
 class ShadowClock {
 public:
-    DWORD answer(Call<&ClockCalls::GetTickCount>) { return system.GetTickCount() + slept; }
+    DWORD answer(Call<&ClockCalls::GetTickCount>) const { return system.GetTickCount() + slept; }
     void answer(Call<&ClockCalls::Sleep>, DWORD milliseconds) { slept += milliseconds; }
 
 private:
