@@ -27,6 +27,7 @@ constexpr Instead instead[] = {
      L"a shortcut goes to the Directory in which its component is defined."},
     {&registryValueKind, L"Key", L"the Key of the RegistryKey around it counts."},
     {&registryValueKind, L"Root", L"the Root of the RegistryKey around it counts."},
+    {&directoryKind, L"Name", L"the name of the folder is its `Path`."},
     {&fileKind, L"Condition", L"put a <Condition Expression=\"$\"> around it."},
 };
 
@@ -77,13 +78,20 @@ void checkRead(const Checked& checked, const ElementNode& element, const Attribu
 }
 
 void checkReference(const Checked& checked, const ElementNode& element) {
-    for (const AttributeNode& attribute : element.attributes)
-        if (attribute.name != idAttribute)
-            checked.report.tellOf(
-                Fault::attributeNeverRead, attribute.namePlace,
-                inMarks(attribute.name) + L" is never read on a " + inMarks(element.name) + L".",
-                std::wstring(L"put it on the `") + element.reference->target->name +
-                    L"` that it refers to.");
+    const wchar_t* const names[] = {idAttribute};
+    for (const AttributeNode& attribute : element.attributes) {
+        if (attribute.name == idAttribute)
+            continue;
+        std::wstring help;
+        if (!element.find(idAttribute))
+            help = didYouMean(checked.nearMiss.find(attribute.name, names));
+        if (help.empty())
+            help = std::wstring(L"put it on the `") + element.reference->target->name +
+                   L"` that it refers to.";
+        checked.report.tellOf(
+            Fault::attributeNeverRead, attribute.namePlace,
+            inMarks(attribute.name) + L" is never read on a " + inMarks(element.name) + L".", help);
+    }
     if (element.firstChild != noElement && element.reference != &directoryReference)
         checked.report.tellOf(Fault::childrenNeverRead, checked.model[element.firstChild].place,
                               L"What stands in a " + inMarks(element.name) + L" is never read.",

@@ -1,3 +1,5 @@
+#include <unordered_set>
+
 #include "author/check/Effects.h"
 
 namespace {
@@ -25,8 +27,9 @@ private:
 
     void checkFile(const std::wstring& path, const Effects::Thing& thing, Fault stays) {
         if (thing.made == 0) {
-            checked.report.tellOf(Fault::fileNeverInstalled, placeOf(*thing.visit),
-                                  inMarks(thing.name) + L" is removed, but never installed.");
+            if (!checked.report.hasGaps())
+                checked.report.tellOf(Fault::fileNeverInstalled, placeOf(*thing.visit),
+                                      inMarks(thing.name) + L" is removed, but never installed.");
             return;
         }
         if (thing.removed != 0 || effects.goesWithDirectory(path, uninstalling))
@@ -59,18 +62,27 @@ private:
     void checkKey(const std::wstring& key, const Effects::Thing& thing) {
         const bool goes = effects.goesWithKey(key, uninstalling);
         if ((thing.made & installingModes) != 0 && !goes && !effects.holdsRemovedKey(key) &&
-            !holdsOnlyKeys(thing.visit->number))
-            checked.report.tellOf(
-                Fault::keyStays, placeOf(*thing.visit), inMarks(thing.name) + L" is never removed.",
-                L"add a Component On=\"uninstall\" with a RegistryKey Action=\"remove\".");
+            !holdsOnlyKeys(thing.visit->number) && isOutermost(key, staying))
+            checked.report.tellOf(Fault::keyStays, placeOf(*thing.visit),
+                                  inMarks(thing.name) + L" is never removed.");
         if ((thing.made & uninstalling) != 0 && (thing.made & installingModes) != 0 &&
-            !(goes && thing.lastRemoved > thing.lastMade))
+            isOutermost(key, madeAtUninstall))
             checked.report.tellOf(Fault::keyMadeAtUninstall, placeOf(*thing.visit),
-                                  inMarks(thing.name) + L" is made at uninstall, too.",
-                                  L"limit it by On=\"installupgrade\".");
-        if (thing.made == 0 && (thing.removed & uninstalling) != 0 && !isNearMadeKey(key))
+                                  inMarks(thing.name) + L" is made at uninstall, too.");
+        if (thing.made == 0 && (thing.removed & uninstalling) != 0 && !isNearMadeKey(key) &&
+            !checked.report.hasGaps())
             checked.report.tellOf(Fault::keyNeverMade, placeOf(*thing.visit),
                                   inMarks(thing.name) + L" is removed, but never made.");
+    }
+
+    /// Adds the key to those that something is wrong with. Whether none above it is there already,
+    /// of which the same would be told: keys come after those that they stand in.
+    static bool isOutermost(const std::wstring& key, std::unordered_set<std::wstring>& keys) {
+        keys.insert(key);
+        for (std::wstring_view outer = above(key); !outer.empty(); outer = above(outer))
+            if (keys.contains(std::wstring(outer)))
+                return false;
+        return true;
     }
 
     /// Whether the script makes a key above this one or in it.
@@ -96,6 +108,8 @@ private:
     const Checked& checked;
     const ScriptModel& model;
     Effects effects;
+    std::unordered_set<std::wstring> staying;          // keys
+    std::unordered_set<std::wstring> madeAtUninstall;  // keys
 };
 
 std::wstring lineIn(const Checked& script, const Visit& visit) {
@@ -109,15 +123,15 @@ void checkBalance(const Checked& checked) {
 }
 
 void checkUpgrade(const Checked& checked, const Checked& previous) {
+    if (checked.report.hasGaps())
+        return;
     const Effects before(previous);
     const Effects now(checked);
     const auto tell = [&](Fault fault, const std::wstring& name, const Visit& visit) {
         const wchar_t* what = fault == Fault::serviceLeftByUpgrade ? L"The service " : L"";
-        checked.report.tellOfFile(fault,
-                                  what + inMarks(name) + L" of the version before (line " +
-                                      lineIn(previous, visit) +
-                                      L" of its script) is left by an upgrade.",
-                                  kindOf(fault).remedy);
+        checked.report.tellOfFile(fault, what + inMarks(name) + L" of the version before (line " +
+                                             lineIn(previous, visit) +
+                                             L" of its script) is left by an upgrade.");
     };
     const auto checkFiles = [&](const Effects::Things& old, const Effects::Things& current) {
         for (const auto& [path, thing] : old)

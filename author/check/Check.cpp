@@ -55,11 +55,14 @@ CheckEnd checkParsed(const CheckRequest& request, const ScriptText& text,
     checkAttributes(checked);
     checkKeywords(checked);
     checkTexts(checked);
-    checkVariables(checked);
     checkRegistry(checked);
     checkFiles(checked);
+    // What follows asks what a run doesn't do, and so whether what it does could all be seen.
+    checkVariables(checked);
     checkBalance(checked);
+    checkDirectories(checked);
     checkDangers(checked);
+    checkOrder(checked);
     if (!request.payload.empty())
         checkPayload(checked, request);
     return request.previous.empty() ? CheckEnd::done : compareWith(request.previous, checked);

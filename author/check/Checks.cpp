@@ -6,7 +6,7 @@ Span Action::placeOf(std::wstring_view attribute) const {
 }
 
 void Action::tellFailure(Fault fault, Span place, const std::wstring& what, std::wstring help,
-                         Modes modes) const {
+                         Modes modes, bool always) const {
     if ((visit.possible & modes) == 0)
         return;
     const KnownText* vital = text(L"Vital");
@@ -16,8 +16,8 @@ void Action::tellFailure(Fault fault, Span place, const std::wstring& what, std:
                               std::move(help));
         return;
     }
-    checked.report.tell(fault, place, (visit.sure & modes) != 0 && (!vital || vital->exact), what,
-                        std::move(help));
+    const bool surely = always && (visit.sure & modes) != 0 && (!vital || vital->exact);
+    checked.report.tell(fault, place, surely, what, std::move(help));
 }
 
 void Action::tellLength(Fault fault, Fault likely, Span place, const KnownText& text, size_t limit,

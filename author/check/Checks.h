@@ -24,10 +24,10 @@ struct Action {
     bool is(const ElementKind& kind) const { return node.kind == &kind; }
     bool isSure() const { return visit.sure != 0; }
 
-    /// Tells what makes the action fail each time in these modes. One that isn't vital fails in
-    /// silence.
+    /// Tells what makes the action fail each time in these modes; `always` tells whether that is so
+    /// on every machine. One that isn't vital fails in silence.
     void tellFailure(Fault fault, Span place, const std::wstring& what, std::wstring help,
-                     Modes modes = allModes) const;
+                     Modes modes = allModes, bool always = true) const;
 
     /// Tells of a text that is too long for its field, which ends the process: surely, or where
     /// the folders of the system have long paths.
@@ -55,4 +55,6 @@ void checkFiles(const Checked& checked);
 void checkPayload(const Checked& checked, const CheckRequest& request);
 void checkBalance(const Checked& checked);
 void checkUpgrade(const Checked& checked, const Checked& previous);
+void checkDirectories(const Checked& checked);
 void checkDangers(const Checked& checked);
+void checkOrder(const Checked& checked);

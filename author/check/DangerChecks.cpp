@@ -78,9 +78,41 @@ private:
                 return;
     }
 
-    void tell(const Action& action, Fault fault, const wchar_t* attribute, std::wstring text) {
-        checked.report.tellOf(fault, action.placeOf(attribute), std::move(text),
-                              kindOf(fault).remedy);
+    void tell(const Action& action, Fault fault, const wchar_t* attribute, std::wstring text,
+              std::wstring help = {}) {
+        checked.report.tellOf(fault, action.placeOf(attribute), std::move(text), std::move(help));
+    }
+
+    /// How to name a file with its path: where the product installs it, or else by this word.
+    std::wstring wholeName(const std::wstring& file, std::wstring_view otherwise) const {
+        const ScriptModel& model = checked.model;
+        std::wstring directory(otherwise);
+        for (const Visit& visit : checked.walk.visits()) {
+            const ElementNode& element = model[visit.number];
+            const AttributeNode* name = element.find(L"Name");
+            if (!element.is(fileKind) || !name || lowered(name->value) != lowered(file))
+                continue;
+            ElementNumber around = element.parent;
+            while (around != noElement && !model[around].is(directoryKind) &&
+                   model[around].reference != &directoryReference)
+                around = model[around].parent;
+            if (around != noElement && !model[around].id().empty()) {
+                directory = model[around].id();
+                break;
+            }
+        }
+        return L"name it with its whole path, such as [" + directory + L"]" + file + L".";
+    }
+
+    /// The Directory that custom actions are told of, or else the first one of the product's own.
+    std::wstring_view mainDirectory() const {
+        constexpr std::wstring_view root = L"APPLICATIONROOTDIRECTORY";
+        if (checked.model.find(directoryKind, root) != noElement)
+            return root;
+        for (const std::wstring_view id : checked.model.idsOf(directoryKind))
+            if (!id.empty() && !isFolderWord(id))
+                return id;
+        return root;
     }
 
     /// Whether the product puts something into it or into one around it.
@@ -114,7 +146,7 @@ private:
         }
         const bool isBelowProduct =
             aboveProduct.contains(std::wstring(above(path))) && partsOf(path) > 3;
-        if (!isBelowProduct)
+        if (!isBelowProduct && !checked.report.hasGaps())
             tell(action, Fault::directoryBesideRemoved, pathAttribute,
                  inMarks(name) + L" is beside what the product installs.");
     }
@@ -136,7 +168,8 @@ private:
         const KnownText& file = *action.text(L"DllFile");
         if (!hasPath(file) && !file.text.empty())
             tell(action, Fault::libraryWithoutPath, L"DllFile",
-                 inMarks(file.text) + L" is named without its path.");
+                 inMarks(file.text) + L" is named without its path.",
+                 wholeName(file.text, mainDirectory()));
     }
 
     void checkProgram(const Action& action) {
@@ -145,8 +178,15 @@ private:
             return;
         if (!hasPath(file))
             tell(action, Fault::programWithoutPath, L"File",
-                 inMarks(file.text) + L" is named without its path.");
+                 inMarks(file.text) + L" is named without its path.",
+                 wholeName(file.text, L"System32Folder"));
         const std::wstring name = lowered(file.text);
+        for (const wchar_t* extension : startable)
+            if (const size_t blank = name.find(extension + std::wstring(L" "));
+                blank != std::wstring::npos)
+                return tell(action, Fault::notStartable, L"File",
+                            inMarks(file.text) + L" has arguments in it, and no file is called so.",
+                            L"move what follows the program's name to `ExeCommand`.");
         const size_t dot = name.find_last_of(L".\\/");
         if (dot == std::wstring::npos || name[dot] != L'.')
             return;

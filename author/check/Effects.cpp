@@ -12,15 +12,13 @@ ActionCode actionOf(const Action& action, std::span<const ActionKeyword> keyword
 }  // namespace
 
 Effects::Effects(const Checked& checked) {
-    size_t order = 0;
     forEachAction(checked, [&](const Action& action) {
-        ++order;
         if (action.is(fileKind))
-            addFile(action, fileTargets, order);
+            addFile(action, fileTargets);
         else if (action.is(shortcutKind))
-            addFile(action, linkTargets, order);
+            addFile(action, linkTargets);
         else if (action.is(registryKeyKind))
-            addKey(action, order);
+            addKey(action);
         else if (action.is(serviceControlKind))
             addService(action);
         else if (action.is(removeDirectoryKind))
@@ -30,7 +28,7 @@ Effects::Effects(const Checked& checked) {
     });
 }
 
-void Effects::addFile(const Action& action, Things& things, size_t order) {
+void Effects::addFile(const Action& action, Things& things) {
     const KnownText target = targetOf(action);
     if (!target.exact)
         return;
@@ -38,13 +36,13 @@ void Effects::addFile(const Action& action, Things& things, size_t order) {
     Thing& thing = things.try_emplace(lowered(name), Thing{&action.visit, name}).first->second;
     thing.made |= action.visit.possible & installingModes;
     thing.removed |= action.visit.possible & uninstalling;
-    thing.lastMade = order;
 }
 
-void Effects::addKey(const Action& action, size_t order) {
+void Effects::addKey(const Action& action) {
     const KnownText path = keyPathOf(action);
     const ActionCode code = actionOf(action, registryKeyActionKeywords());
-    if (!path.exact || code == ActionCode{})
+    if (!path.exact || code == ActionCode{} ||
+        !findKeyword(registryRootKeywords(), action.text(L"Root")->text))
         return;
     const std::wstring name = normalized(path.text);
     const std::wstring key = lowered(name);
@@ -53,11 +51,9 @@ void Effects::addKey(const Action& action, size_t order) {
         if (thing.made == 0)
             thing.visit = &action.visit;
         thing.made |= action.visit.possible;
-        thing.lastMade = order;
         return;
     }
     thing.removed |= action.visit.possible;
-    thing.lastRemoved = order;
     for (std::wstring_view outer = above(key); !outer.empty(); outer = above(outer))
         if (!aboveRemoved.insert(std::wstring(outer)).second)
             break;

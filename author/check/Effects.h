@@ -15,12 +15,10 @@ public:
 
     /// One file, shortcut or key, and what is done with it.
     struct Thing {
-        const Visit* visit;   ///< the first that concerns it
-        std::wstring name;    ///< as the script spells it
-        Modes made = 0;       ///< in these modes it is put in place
-        Modes removed = 0;    ///< and in these it is taken away by its own element
-        size_t lastMade = 0;  ///< the number of the visit that does so last
-        size_t lastRemoved = 0;
+        const Visit* visit;  ///< the first that concerns it
+        std::wstring name;   ///< as the script spells it
+        Modes made = 0;      ///< in these modes it is put in place
+        Modes removed = 0;   ///< and in these it is taken away by its own element
     };
     using Things = std::map<std::wstring, Thing>;
 
@@ -47,8 +45,8 @@ public:
     bool holdsRemovedKey(const std::wstring& key) const { return aboveRemoved.contains(key); }
 
 private:
-    void addFile(const Action& action, Things& things, size_t order);
-    void addKey(const Action& action, size_t order);
+    void addFile(const Action& action, Things& things);
+    void addKey(const Action& action);
     void addService(const Action& action);
     void addDirectory(const Action& action);
     void addCommand(const Action& action, const wchar_t* attribute);

@@ -1,6 +1,7 @@
 #include "author/check/ElementMaker.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_set>
 
 #include "elements/raw_installerXML.h"
@@ -21,6 +22,15 @@ bool isCumulative(const ElementKind& kind, std::wstring_view attribute) {
 
 bool isExpandable(const ElementKind& kind) {
     return &kind != &variableKind && &kind != &variableConstKind;
+}
+
+/// Whether the element's own XML gives it the attribute: what isn't declared isn't read there.
+bool isDeclaredOn(const ElementNode& element, const wchar_t* attributeName) {
+    return element.find(attributeName) &&
+           std::any_of(element.kind->declared.begin(), element.kind->declared.end(),
+                       [&](const AttributeDeclaration& declaration) {
+                           return std::wstring_view(declaration.name) == attributeName;
+                       });
 }
 
 /// How many elements one makes of itself: CreateElement leaves those that a run executes to the
@@ -91,24 +101,16 @@ void ElementMaker::demand(ElementNumber number) {
             open.pop_back();
             continue;
         }
-        const ElementNumber definition = definitionOf(current);
         const bool isNew = states[current] == State::unknown;
-        if (isNew) {
-            states[current] = State::open;
-            MadeElement& element = storage.emplace_back();
-            element.number = definition == noElement ? current : definition;
-            element.kind = model[element.number].kind;
-            element.failed = element.kind == nullptr;
-            made[current] = &element;
-        }
+        if (isNew)
+            begin(current);
         MadeElement& element = *made[current];
         const std::vector<ElementNumber> needs =
             element.kind ? needsOf(element.number) : std::vector<ElementNumber>{};
         if (isNew) {
             const size_t before = open.size();
-            for (const ElementNumber need : needs)
-                if (states[need] == State::unknown)
-                    open.push_back(need);
+            std::copy_if(needs.begin(), needs.end(), std::back_inserter(open),
+                         [&](ElementNumber need) { return states[need] == State::unknown; });
             if (open.size() > before)
                 continue;
         }
@@ -116,12 +118,7 @@ void ElementMaker::demand(ElementNumber number) {
             return states[need] == State::open;
         });
         if (circle != needs.end()) {
-            element.endless = true;
-            fail(element,
-                 {Fault::endlessMaking, model[element.number].place,
-                  describe(model[element.number]) + L" needs itself to be made, by way of " +
-                      describe(model[*circle]) + L".",
-                  L"take the reference out of one of their texts."});
+            failInCircle(element, *circle);
         } else if (element.kind) {
             const ElementNumber parent = model[element.number].parent;
             make(element,
@@ -130,6 +127,28 @@ void ElementMaker::demand(ElementNumber number) {
         states[current] = State::done;
         open.pop_back();
     }
+}
+
+void ElementMaker::begin(ElementNumber number) {
+    states[number] = State::open;
+    const ElementNumber definition = definitionOf(number);
+    MadeElement& element = storage.emplace_back();
+    element.number = definition == noElement ? number : definition;
+    element.kind = model[element.number].kind;
+    element.failed = element.kind == nullptr;
+    made[number] = &element;
+}
+
+void ElementMaker::failInCircle(MadeElement& element, ElementNumber next) {
+    const ElementNode& node = model[element.number];
+    element.endless = true;
+    std::wstring way;
+    if (definitionOf(next) != element.number)
+        way = L", by way of " + describe(model[next]);
+    fail(element, {Fault::endlessMaking, node.place,
+                   describe(node) + L" needs itself to be made" + way + L".",
+                   way.empty() ? L"take the reference to it out of its own text."
+                               : L"take the reference out of one of their texts."});
 }
 
 std::vector<ElementNumber> ElementMaker::needsOf(ElementNumber definition) const {
@@ -150,7 +169,7 @@ std::vector<ElementNumber> ElementMaker::needsOf(ElementNumber definition) const
                 }
     }
     for (const AttributeDeclaration& declaration : element.kind->derived)
-        if (!element.find(declaration.name) &&
+        if (!isDeclaredOn(element, declaration.name) &&
             !(element.is(directoryKind) && isFolderWord(element.id())))
             needsParent = true;
     if (needsParent && element.parent != noElement)
@@ -197,16 +216,8 @@ bool ElementMaker::readDeclared(MadeElement& element, const MadeElement* parent)
     for (const AttributeDeclaration& declaration : element.kind->declared) {
         const AttributeNode* attribute = node.find(declaration.name);
         if (!attribute) {
-            if (!declaration.required)
-                continue;
-            std::wstring help;
-            std::vector<std::wstring_view> present;
-            for (const AttributeNode& other : node.attributes)
-                present.push_back(other.name);
-            if (const std::wstring near = nearMiss.find(declaration.name, present); !near.empty())
-                help = L"is " + inMarks(near) + L" meant as `" + declaration.name + L"`?";
-            fail(element, {Fault::missingAttribute, node.place,
-                           describe(node) + L" has no " + inMarks(declaration.name) + L".", help});
+            if (declaration.required)
+                failWithout(element, declaration.name);
             continue;
         }
         KnownText text;
@@ -230,6 +241,18 @@ bool ElementMaker::readDeclared(MadeElement& element, const MadeElement* parent)
         element.attributes.emplace_back(declaration.name, std::move(text));
     }
     return !element.failed;
+}
+
+void ElementMaker::failWithout(MadeElement& element, const wchar_t* attribute) {
+    const ElementNode& node = model[element.number];
+    std::vector<std::wstring_view> present;
+    for (const AttributeNode& other : node.attributes)
+        present.push_back(other.name);
+    const std::wstring near = nearMiss.find(attribute, present);
+    fail(element,
+         {Fault::missingAttribute, node.place,
+          describe(node) + L" has no " + inMarks(attribute) + L".",
+          near.empty() ? near : L"is " + inMarks(near) + L" meant as `" + attribute + L"`?"});
 }
 
 void ElementMaker::takeDerived(MadeElement& element, const MadeElement* parent) {
@@ -320,7 +343,7 @@ bool ElementMaker::expandPiece(MadeElement& element, const AttributeNode& attrib
     if (number == noElement) {
         std::wstring near = nearMiss.find(piece.text, folderWords());
         if (near.empty())
-            near = nearMiss.find(piece.text, model.idsOf(directoryKind));
+            near = nearMiss.findAlike(piece.text, model.idsOf(directoryKind));
         return failAt(Fault::directoryUnknown,
                       L"There is no `Directory` with the Id " + inMarks(piece.text) +
                           L", and it is no folder word.",
@@ -362,7 +385,7 @@ bool ElementMaker::tellVariable(MadeElement& element, const AttributeNode& attri
                           L"` ends only at the next # or [, or with the text: put what follows "
                           L"into a variable or a Directory of its own.");
     }
-    const std::wstring near = nearMiss.find(piece.text, variables.names());
+    const std::wstring near = nearMiss.findAlike(piece.text, variables.names());
     return failAt(Fault::variableUnknown, L"There is no variable " + inMarks(piece.text) + L".",
                   near.empty() ? L"write ## for a # that is meant as such."
                                : L"did you mean `#" + near + L"`?");

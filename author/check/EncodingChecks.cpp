@@ -1,13 +1,15 @@
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <string>
+#include <string_view>
 
 #include "author/check/Checks.h"
 
 namespace {
 
-/// The encoding that the XML declaration names, in capitals; empty without one.
-std::string declaredEncoding(const std::string& text) {
+/// What the XML declaration names as the encoding; of length 0 without one.
+Span declaredEncoding(const std::string& text) {
     const size_t start = text.find("<?xml");
     const size_t end = text.find("?>", start);
     if (start == std::string::npos || end == std::string::npos)
@@ -18,10 +20,49 @@ std::string declaredEncoding(const std::string& text) {
     at = text.find_first_of("\"'", at);
     if (at == std::string::npos || at > end)
         return {};
-    std::string name = text.substr(at + 1, text.find(text[at], at + 1) - at - 1);
+    return {at + 1, std::min(text.find(text[at], at + 1), end) - at - 1};
+}
+
+std::string inCapitals(std::string name) {
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
     return name;
+}
+
+/// Whether XML has a meaning for this "&" and what follows it.
+bool isReference(std::string_view rest) {
+    constexpr std::string_view names[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
+    if (std::any_of(std::begin(names), std::end(names),
+                    [&](std::string_view name) { return rest.starts_with(name); }))
+        return true;
+    const bool isHexadecimal = rest.starts_with("&#x");
+    if (!isHexadecimal && !rest.starts_with("&#"))
+        return false;
+    const size_t start = isHexadecimal ? 3 : 2;
+    const size_t end =
+        rest.find_first_not_of(isHexadecimal ? "0123456789abcdefABCDEF" : "0123456789", start);
+    return end > start && end < rest.size() && rest[end] == ';';
+}
+
+/// The parser takes marks that stand bare in a value; other tools give up there.
+void checkBareMarks(const Checked& checked) {
+    const std::string_view text = checked.model.text().bytes();
+    for (const ElementNode& element : checked.model.elements())
+        for (const AttributeNode& attribute : element.attributes) {
+            const size_t end = attribute.valuePlace.offset + attribute.valuePlace.length;
+            size_t at = attribute.valuePlace.offset;
+            while (at < end &&
+                   (text[at] == '&' ? isReference(text.substr(at, end - at)) : text[at] != '<'))
+                ++at;
+            if (at == end)
+                continue;
+            const bool isAmpersand = text[at] == '&';
+            checked.report.tellOf(
+                Fault::bareMark, {at, 1},
+                std::wstring(L"A bare `") + (isAmpersand ? L"&" : L"<") +
+                    L"` is refused by other XML tools.",
+                std::wstring(L"write ") + (isAmpersand ? L"&amp;" : L"&lt;") + L" for it.");
+        }
 }
 
 /// The first text beyond ASCII that a run can come to see.
@@ -38,15 +79,17 @@ const AttributeNode* firstBeyondAscii(const ScriptModel& model) {
 
 // Texts in comments harm nobody, and what the declaration says matters only beyond ASCII.
 void checkEncoding(const Checked& checked) {
+    checkBareMarks(checked);
     const ScriptText& text = checked.model.text();
     const AttributeNode* first = text.isAscii() ? nullptr : firstBeyondAscii(checked.model);
     if (first == nullptr)
         return;
-    const std::string encoding = declaredEncoding(text.bytes());
+    const Span place = declaredEncoding(text.bytes());
+    const std::string encoding = inCapitals(text.bytes().substr(place.offset, place.length));
     const bool hasMark = text.bytes().starts_with("\xEF\xBB\xBF");
     const bool declaresUtf8 = encoding == "UTF-8" || encoding == "UTF8" || hasMark;
     if (!declaresUtf8 && !encoding.empty())
-        checked.report.tellOf(Fault::foreignEncoding, first->valuePlace,
+        checked.report.tellOf(Fault::foreignEncoding, place,
                               L"The script declares " +
                                   inMarks(std::wstring(encoding.begin(), encoding.end())) +
                                   L", which no host looks at.",

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <cwctype>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -18,6 +19,36 @@ namespace {
 
 constexpr wchar_t blank = L' ';
 constexpr wchar_t assignment[] = L"=";
+
+/// What other languages write, and the word for it.
+struct ForeignOperator {
+    std::wstring_view sign;
+    const wchar_t* word;
+};
+
+constexpr ForeignOperator foreignOperators[] = {
+    {L"==", L"E"},  {L"!=", L"NE"}, {L"<>", L"NE"}, {L">=", L"GE"},  {L"=>", L"GE"}, {L"<=", L"LE"},
+    {L"=<", L"LE"}, {L">", L"G"},   {L"<", L"L"},   {L"&&", L"AND"}, {L"&", L"AND"}, {L"||", L"OR"},
+    {L"|", L"OR"},  {L"EQ", L"E"},  {L"GT", L"G"},  {L"LT", L"L"},   {L"IS", L"E"},  {L"eq", L"E"},
+    {L"gt", L"G"},  {L"lt", L"L"},  {L"is", L"E"},  {L"not", L"!"},  {L"NOT", L"!"}, {L"Not", L"!"},
+};
+
+/// How to say what stands at this place of an expression; empty for no operator of another
+/// language. Signs are known in front of anything, words by themselves.
+std::wstring foreignOperatorHelp(std::wstring_view expression, const ExpressionToken& token) {
+    const std::wstring_view rest = expression.substr(std::min(token.from, expression.size()));
+    for (const ForeignOperator& row : foreignOperators) {
+        const bool isWord = std::iswalpha(row.sign.front()) != 0;
+        if (isWord ? token.text != row.sign : !rest.starts_with(row.sign))
+            continue;
+        // What the language itself would cut isn't misspelt.
+        const bool isCut =
+            std::any_of(std::begin(delimiters), std::end(delimiters),
+                        [&](const wchar_t* mark) { return row.sign.front() == *mark; });
+        return isCut ? std::wstring(L"compare by ") + row.word + L"." : didYouMean(row.word);
+    }
+    return {};
+}
 
 bool isWordOperator(const std::wstring& word) {
     return std::any_of(wordOperators().begin(), wordOperators().end(),
@@ -67,6 +98,7 @@ public:
         : variables(variables), nearMiss(nearMiss) {}
 
     ExpressionResult read(const std::wstring& expression) {
+        text = expression;
         operations.push_back({{endSymbol, expression.size(), true}, PRIORITY_END});
         try {
             for (const ExpressionToken& token : tokensOf(expression))
@@ -86,10 +118,10 @@ private:
         int32_t priority;
     };
 
-    [[noreturn]] void stop(Fault fault, const ExpressionToken& token, std::wstring text,
+    [[noreturn]] void stop(Fault fault, const ExpressionToken& token, std::wstring what,
                            std::wstring help = {}) {
-        result.faults.push_back(
-            {fault, token.from, token.text.size(), true, std::move(text), std::move(help)});
+        result.faults.push_back({fault, token.from, token.text.size(), true, std::move(what),
+                                 std::move(help), noElement});
         throw Stop();
     }
 
@@ -118,15 +150,13 @@ private:
         if (previous == endSymbol)
             stop(Fault::expressionGrammar, token,
                  L"The expression can't begin with " + inMarks(token.text) + L".");
-        std::wstring help;
-        if (getSymbolClass(token.text.c_str()) == SYMBOL_OPERAND)
+        std::wstring help = foreignOperatorHelp(text, token);
+        if (help.empty() && token.text == assignment && previous == assignment)
+            help = L"compare by E.";
+        if (help.empty() && getSymbolClass(token.text.c_str()) == SYMBOL_OPERAND)
             help = didYouMean(nearMiss.find(token.text, wordOperators()));
         if (help.empty() && getSymbolClass(previous.c_str()) == SYMBOL_OPERAND)
             help = didYouMean(nearMiss.find(previous, wordOperators()));
-        if (help.empty() && token.text == assignment && previous == assignment)
-            help = L"compare by E, or NE.";
-        if (help.empty() && token.text == L"!")
-            help = L"compare by NE.";
         stop(Fault::expressionGrammar, token,
              inMarks(token.text) + L" can't stand behind " + inMarks(previous) + L".", help);
     }
@@ -141,7 +171,9 @@ private:
         }
         value.variable = variables.find(token.text);
         if (value.variable == nullptr) {
-            std::wstring help = didYouMean(nearMiss.find(token.text, variables.names()));
+            std::wstring help = didYouMean(nearMiss.findAlike(token.text, variables.names()));
+            if (help.empty())
+                help = foreignOperatorHelp(text, token);
             if (help.empty())
                 help = didYouMean(nearMiss.find(token.text, wordOperators()));
             if (help.empty() && token.text.find_first_of(L"\"'\t\n") != std::wstring::npos)
@@ -170,7 +202,8 @@ private:
              token.text.size(),
              false,
              inMarks(token.text) + L" counts as " + std::to_wstring(number) + L".",
-             {}});
+             {},
+             noElement});
     }
 
     void takeOperation(const ExpressionToken& token) {
@@ -297,7 +330,8 @@ private:
                                  surely && !value.variable->assigned,
                                  L"The Value of " + inMarks(value.variable->name) + L", " +
                                      inMarks(value.variable->value) + L", is no integer.",
-                                 L"give it a decimal number without blanks."});
+                                 L"give it a decimal number without blanks.",
+                                 value.variable->element});
         if (surely && !value.variable->assigned)
             throw Stop();
     }
@@ -332,6 +366,7 @@ private:
 
     const ScriptVariables& variables;
     NearMiss& nearMiss;
+    std::wstring_view text;
     ExpressionResult result;
     std::vector<Pending> operations;
     std::vector<Value> operands;

@@ -27,6 +27,7 @@ struct ExpressionFault {
     bool surely;  ///< each evaluation meets it
     std::wstring text;
     std::wstring help;
+    ElementNumber variable = noElement;  ///< whose Value is wrong, and not the expression
 };
 
 /// What is known of an expression without a machine.

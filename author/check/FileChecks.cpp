@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cwctype>
 #include <unordered_map>
 
 #include "author/check/Checks.h"
@@ -59,6 +60,7 @@ void checkName(const Action& action, const KnownText& name) {
     }
 }
 
+/// Part of what is too long is a suffix that only a delayed replacement needs.
 void tellLongPath(const Action& action, Span place, size_t shortest, size_t longest) {
     const auto sentence = [](const wchar_t* verb, size_t length) {
         return std::wstring(L"The path ") + verb + L" " + std::to_wstring(length) +
@@ -66,22 +68,11 @@ void tellLongPath(const Action& action, Span place, size_t shortest, size_t long
                L".";
     };
     if (shortest >= pathLimit)
-        action.checked.report.tellOf(Fault::pathTooLongForWindows, place,
-                                     sentence(L"has at least", shortest));
+        action.tellFailure(Fault::pathTooLongForWindows, place, sentence(L"has at least", shortest),
+                           {}, installingModes);
     else if (longest >= pathLimit)
         action.checked.report.tellOf(Fault::pathLikelyTooLong, place,
                                      sentence(L"may have", longest));
-}
-
-/// Whether a text begins with, or holds, the whole path of a directory.
-bool holdsWholePath(const Action& action, const wchar_t* attribute, const KnownText& text) {
-    if (text.opaqueEnd > 0 || text.text.starts_with(L"\\\\"))
-        return true;
-    const std::vector<TextPiece> pieces = piecesOf(action.node.find(attribute)->value);
-    const bool hasDirectory = std::any_of(pieces.begin(), pieces.end(), [](const TextPiece& piece) {
-        return piece.meaning == TextPiece::directory;
-    });
-    return (text.exact || hasDirectory) && text.text.find(L':') != std::wstring::npos;
 }
 
 void checkSource(const Action& action) {
@@ -105,14 +96,50 @@ void checkService(const Action& action) {
                            L"services are named without a path.");
 }
 
+/// The Directory around an element whose own path is a whole one, and is joined to that of the
+/// directory around it all the same; noElement if there is none.
+ElementNumber joinedDrive(const Action& action) {
+    const ScriptModel& model = action.checked.model;
+    ElementMaker& maker = action.checked.maker;
+    ElementNumber around = action.node.parent;
+    while (around != noElement) {
+        const ElementNumber definition = maker.definitionOf(around);
+        around = definition == noElement ? noElement : model[definition].parent;
+        if (around == noElement || !model[definition].is(directoryKind) ||
+            !model[definition].find(pathAttribute))
+            continue;
+        const MadeElement& outer = maker.onDemand(around);
+        const KnownText* above = outer.failed ? nullptr : outer.find(pathAttribute);
+        const KnownText* whole = maker.onDemand(definition).find(pathAttribute);
+        if (!above || !whole || above->text.empty())
+            continue;
+        std::wstring_view own = std::wstring_view(whole->text).substr(above->text.size());
+        own.remove_prefix(std::min(own.find_first_not_of(L"\\/"), own.size()));
+        if (whole->opaqueEnd > above->text.size() || (own.size() > 1 && own[1] == L':'))
+            return definition;
+    }
+    return noElement;
+}
+
+void checkDirectory(const Action& action) {
+    const ElementNumber number = joinedDrive(action);
+    if (number == noElement)
+        return;
+    const ElementNode& directory = action.checked.model[number];
+    action.tellFailure(Fault::nameRefused, directory.find(pathAttribute)->valuePlace,
+                       inMarks(directory.find(pathAttribute)->value) +
+                           L" is put behind the path of the directory around it all the same.",
+                       L"move the Directory directly into the Product.", installingModes);
+}
+
 void checkFile(const Action& action) {
     checkName(action, *action.text(L"Name"));
     checkSource(action);
     const KnownText target = targetOf(action);
     const KnownText* delay = action.text(L"SupportDelayInstall");
     const size_t suffix = delay && delay->text == yesKeyword ? wcslen(stagingSuffix) : 0;
-    tellLongPath(action, action.placeOf(L"Name"), target.shortest + suffix,
-                 target.longest + suffix);
+    tellLongPath(action, action.placeOf(L"Name"), target.shortest, target.longest + suffix);
+    checkDirectory(action);
     const KnownText* kill = action.text(L"KillProcess");
     const KnownText& name = *action.text(L"Name");
     const size_t separator = name.text.find_last_of(L"\\/");
@@ -128,10 +155,21 @@ void checkShortcut(const Action& action) {
     checkName(action, *action.text(L"Name"));
     action.tellLength(Fault::pathTooLong, Fault::pathLikelyTooLong, action.placeOf(L"Name"),
                       targetOf(action), pathLimit, installingModes);
+    if (lowered(action.text(L"Name")->text).ends_with(L".lnk"))
+        action.checked.report.tellOf(
+            Fault::shortcutNamedLnk, action.placeOf(L"Name"),
+            L"The link will be called " + inMarks(action.text(L"Name")->text + L".lnk") + L".");
+    checkDirectory(action);
 }
 
 void checkRemoval(const Action& action) {
-    KnownText pattern = *action.text(L"Path");
+    const KnownText& path = *action.text(L"Path");
+    if (std::wstring_view(path.text).substr(path.opaqueEnd).find_first_of(refusedCharacters) !=
+        std::wstring::npos)
+        action.tellFailure(Fault::nameRefused, action.placeOf(L"Path"),
+                           inMarks(path.text) + L" has a character that Windows refuses.",
+                           L"name one directory: there are no patterns.");
+    KnownText pattern = path;
     pattern.addSeparator();
     pattern.append(L"*");
     action.tellLength(Fault::pathTooLong, Fault::pathLikelyTooLong, action.placeOf(L"Path"),
@@ -162,6 +200,51 @@ void checkCustomAction(const Action& action) {
     place.addSeparator();
     action.tellLength(Fault::pathTooLong, Fault::pathLikelyTooLong,
                       action.checked.model[number].place, place, limit);
+}
+
+/// Where a path is read as it stands.
+struct PathText {
+    const ElementKind* kind;
+    const wchar_t* attribute;
+};
+
+constexpr PathText pathTexts[] = {
+    {&directoryKind, L"Path"},       {&fileKind, L"Source"},          {&fileSearchKind, L"Path"},
+    {&removeDirectoryKind, L"Path"}, {&customActionKind, L"DllFile"}, {&shellExcuteKind, L"File"},
+};
+
+/// A folder word that stands for what an environment variable holds.
+struct EnvironmentFolder {
+    std::wstring_view variable;
+    const wchar_t* word;
+};
+
+constexpr EnvironmentFolder environmentFolders[] = {
+    {L"programfiles", L"ProgramFilesFolder"},
+    {L"programw6432", L"ProgramFilesFolder"},
+    {L"windir", L"WindowsFolder"},
+    {L"systemroot", L"WindowsFolder"},
+};
+
+void checkEnvironment(const Checked& checked, const AttributeNode& path) {
+    const size_t start = path.value.find(L'%');
+    const size_t end = start == std::wstring::npos ? start : path.value.find(L'%', start + 1);
+    if (end == std::wstring::npos)
+        return;
+    const std::wstring name = path.value.substr(start + 1, end - start - 1);
+    const auto belongsToName = [](wchar_t letter) {
+        return std::iswalnum(letter) != 0 || letter == L'_' || letter == L'(' || letter == L')';
+    };
+    if (name.empty() || !std::iswalpha(name.front()) ||
+        !std::all_of(name.begin(), name.end(), belongsToName))
+        return;
+    std::wstring help;
+    for (const auto& [variable, word] : environmentFolders)
+        if (lowered(name) == variable)
+            help = std::wstring(L"did you mean `[") + word + L"]`?";
+    checked.report.tellOf(Fault::environmentStaysText,
+                          checked.model.spanIn(path, start, end + 1 - start),
+                          inMarks(L"%" + name + L"%") + L" isn't replaced.", help);
 }
 
 /// Two files in one place, where both are put there.
@@ -212,6 +295,10 @@ private:
 }  // namespace
 
 void checkFiles(const Checked& checked) {
+    for (const ElementNode& element : checked.model.elements())
+        for (const auto& [kind, attribute] : pathTexts)
+            if (const AttributeNode* path = element.is(*kind) ? element.find(attribute) : nullptr)
+                checkEnvironment(checked, *path);
     TargetCheck targets;
     forEachAction(checked, [&](const Action& action) {
         if (action.is(fileKind)) {

@@ -10,6 +10,7 @@ enum class Fault : size_t {
     foreignEncoding,
     undeclaredText,
     brokenUtf8,
+    bareMark,
     // structure and references
     noProduct,
     furtherProduct,
@@ -41,6 +42,7 @@ enum class Fault : size_t {
     rootUnknown,
     valueTypeUnknown,
     variableTypeUnknown,
+    versionUnknown,
     // texts, variables and expressions
     directoryUnknown,
     brackets,
@@ -59,6 +61,7 @@ enum class Fault : size_t {
     variableNeverRead,
     variableHidden,
     referenceStaysText,
+    environmentStaysText,
     textTooLong,
     idTooLong,
     textLikelyTooLong,
@@ -72,6 +75,7 @@ enum class Fault : size_t {
     emptyText,
     hiddenFailure,
     noApplicationDirectory,
+    rootInKey,
     pathTooLongForWindows,
     pathTooLong,
     pathLikelyTooLong,
@@ -80,9 +84,12 @@ enum class Fault : size_t {
     sameTarget,
     sameTargetButCase,
     absoluteSource,
+    shortcutNamedLnk,
     sourceMissing,
     payloadUnused,
     sourceReadOnly,
+    notThereYet,
+    gone,
     // balance of install, uninstall and upgrade
     fileStays,
     fileStaysByDesign,
@@ -92,6 +99,7 @@ enum class Fault : size_t {
     fileNeverInstalled,
     keyNeverMade,
     serviceStays,
+    directoryStays,
     fileLeftByUpgrade,
     keyLeftByUpgrade,
     serviceLeftByUpgrade,
@@ -105,6 +113,7 @@ enum class Fault : size_t {
     programWithoutPath,
     notStartable,
     serviceNotStopped,
+    installedDirectoryRemoved,
     count,
 };
 

@@ -23,8 +23,9 @@ constexpr SingleWord singleWords[] = {
     {&shellExcuteKind, L"Return", syncKeyword},
 };
 
-/// Other languages' words for yes.
-constexpr const wchar_t* affirmations[] = {L"true", L"1", L"on"};
+/// Other words for the one with a meaning: those of other languages for yes, and those that other
+/// elements know.
+constexpr const wchar_t* affirmations[] = {L"true", L"1", L"on", L"yes", checkKeyword, syncKeyword};
 
 void checkSingleWord(const Action& action, const SingleWord& row) {
     const KnownText* text = action.text(row.attribute);
@@ -36,9 +37,9 @@ void checkSingleWord(const Action& action, const SingleWord& row) {
     if (text->text.size() > near.size() && text->text.ends_with(near))
         near.clear();  // as "async", which is meant as the opposite
     for (const wchar_t* affirmation : affirmations)
-        if (row.word == yesKeyword && _wcsicmp(text->text.c_str(), affirmation) == 0)
+        if (_wcsicmp(text->text.c_str(), affirmation) == 0)
             near = row.word;
-    const std::wstring what = inMarks(text->text) + L" is no word of `" + row.attribute +
+    const std::wstring what = asSubject(text->text) + L" is no word of `" + row.attribute +
                               L"` and counts as `" + noKeyword + L"`.";
     if (near.empty())
         action.checked.report.tellOf(
@@ -67,12 +68,36 @@ void checkWord(const Action& action, const wchar_t* attribute, std::span<const K
     const KnownText* text = action.text(attribute);
     if (!text || !text->exact || findKeyword(keywords, text->text))
         return;
-    const std::wstring what = inMarks(text->text) + L" is no word of `" + attribute + L"`" + effect;
+    const std::wstring what =
+        asSubject(text->text) + L" is no word of `" + attribute + L"`" + effect;
     const std::wstring help = helpWith(action, text->text, keywords);
     if (action.is(registryValueKind))
         action.tellFailure(fault, action.placeOf(attribute), what, help);
     else
         action.checked.report.tell(fault, action.placeOf(attribute), action.isSure(), what, help);
+}
+
+/// A version is read up to its first piece that is no number.
+void checkVersion(const Action& action) {
+    constexpr size_t mostPieces = 4;
+    const KnownText* version = action.text(L"MinVersion");
+    if (!version || !version->exact || version->text.empty())
+        return;
+    std::wstring rest = version->text;
+    size_t pieces = 0;
+    for (size_t dot = 0; dot != std::wstring::npos; rest.erase(0, dot + 1)) {
+        dot = rest.find(L'.');
+        const std::wstring piece = rest.substr(0, dot);
+        const bool isNumber = !piece.empty() && piece.size() <= 5 &&
+                              piece.find_first_not_of(L"0123456789") == std::wstring::npos &&
+                              std::stoul(piece) <= UINT16_MAX;
+        if (!isNumber || ++pieces > mostPieces)
+            return action.checked.report.tellOf(Fault::versionUnknown,
+                                                action.placeOf(L"MinVersion"),
+                                                inMarks(version->text) + L" is no version.");
+        if (dot == std::wstring::npos)
+            return;
+    }
 }
 
 }  // namespace
@@ -88,8 +113,11 @@ void checkKeywords(const Checked& checked) {
         if (action.is(registryKeyKind)) {
             checkWord(action, L"Action", registryKeyActionKeywords(), Fault::keyActionUnknown,
                       L" of a `RegistryKey`, which ends the run.");
-            checkWord(action, L"Root", registryRootKeywords(), Fault::rootUnknown, L".");
+            if (action.node.find(L"Root"))  // otherwise told at the key that it is taken from
+                checkWord(action, L"Root", registryRootKeywords(), Fault::rootUnknown, L".");
         }
+        if (action.is(fileSearchKind))
+            checkVersion(action);
         if (action.is(registryValueKind))
             checkWord(action, L"Type", registryTypeKeywords(), Fault::valueTypeUnknown, L".");
     });

@@ -23,13 +23,25 @@ size_t NearMiss::limitFor(std::wstring_view word) {
 bool NearMiss::spend(std::wstring_view word, std::wstring_view other) {
     const bool worthwhile = word.size() <= longestWord && other.size() <= longestWord &&
                             difference(word.size(), other.size()) <= limitFor(word);
-    const size_t cost = worthwhile ? word.size() * other.size() + 1 : 1;
-    if (budget < cost) {
-        budget = 0;
-        return false;
-    }
-    budget -= cost;
-    return worthwhile;
+    return spend(worthwhile ? word.size() * other.size() + 1 : 1) && worthwhile;
+}
+
+bool NearMiss::spend(size_t cost) {
+    const bool isLeft = budget >= cost;
+    budget = isLeft ? budget - cost : 0;
+    return isLeft;
+}
+
+// More than half of the word, but no fewer than three letters.
+size_t NearMiss::leastBeginning(std::wstring_view word) {
+    return std::max<size_t>(3, word.size() / 2 + 1);
+}
+
+size_t NearMiss::commonBeginning(std::wstring_view word, std::wstring_view other) {
+    const auto [end, ignored] =
+        std::mismatch(word.begin(), word.end(), other.begin(), other.end(),
+                      [](wchar_t a, wchar_t b) { return std::towlower(a) == std::towlower(b); });
+    return static_cast<size_t>(end - word.begin());
 }
 
 // Letters that are missing, in excess, others or swapped; those that differ in nothing but case

@@ -1,7 +1,9 @@
 #include <windows.h>
 
 #include <filesystem>
+#include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "author/check/Targets.h"
 
@@ -23,22 +25,40 @@ public:
     }
 
     void check() {
+        listFiles();
         forEachAction(checked, [this](const Action& action) {
             if (action.is(fileKind) && (action.visit.possible & installingModes) != 0)
                 checkSource(action);
         });
-        checkUnused();
+        if (!checked.report.hasGaps())
+            checkUnused();
     }
 
 private:
+    void listFiles() {
+        std::error_code error;
+        for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+             entry.increment(error))
+            if (entry->is_regular_file(error)) {
+                files.push_back(
+                    entry->path().lexically_relative(folder).make_preferred().wstring());
+                byName.try_emplace(lowered(entry->path().filename().wstring()), files.back());
+            }
+    }
+
     static std::wstring keyOf(const fs::path& path) {
         return lowered(fs::path(path).lexically_normal().make_preferred().wstring());
     }
 
     void checkSource(const Action& action) {
         const KnownText& source = *action.text(L"Source");
-        if (!source.exact || source.opaqueEnd > 0 || source.text.empty())
+        if (!source.exact || source.text.empty())
             return;
+        if (holdsWholePath(action, L"Source", source)) {
+            nearSource(
+                source.text);  // is told elsewhere, and the file that is meant isn't forgotten
+            return;
+        }
         fs::path path = folder / fs::path(source.text).relative_path();
         DWORD attributes = GetFileAttributesW(path.c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES) {
@@ -53,13 +73,29 @@ private:
         if (attributes == INVALID_FILE_ATTRIBUTES)
             checked.report.tellOf(Fault::sourceMissing, place,
                                   inMarks(source.text) + L" isn't in the payload.",
-                                  L"correct the Source, or add the file.");
+                                  didYouMean(nearSource(source.text)));
         else if (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN))
             checked.report.tellOf(Fault::sourceReadOnly, place,
                                   inMarks(source.text) +
                                       L" is read-only or hidden, so an upgrade can't replace its "
                                       L"copy.",
                                   L"take the attribute off the file.");
+    }
+
+    /// The file of the payload that was probably meant, as a Source names it; it counts as used.
+    std::wstring nearSource(const std::wstring& source) {
+        const std::wstring front = folder.filename().wstring() + L"\\";
+        const std::wstring wanted = normalized(source);
+        const bool namesFolder = lowered(wanted).starts_with(lowered(front));
+        const auto sameName = byName.find(lowered(fs::path(wanted).filename().wstring()));
+        const std::wstring meant =
+            sameName != byName.end()
+                ? sameName->second
+                : checked.nearMiss.find(namesFolder ? wanted.substr(front.size()) : wanted, files);
+        if (meant.empty())
+            return {};
+        used.insert(keyOf(folder / meant));
+        return namesFolder ? front + meant : meant;
     }
 
     bool isOfTheHost(const fs::path& path) const {
@@ -72,24 +108,18 @@ private:
     }
 
     void checkUnused() {
-        std::error_code error;
-        for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
-             entry.increment(error)) {
-            if (!entry->is_regular_file(error) || isOfTheHost(entry->path()) ||
-                used.contains(keyOf(entry->path())))
-                continue;
-            checked.report.tellOfFile(
-                Fault::payloadUnused,
-                L"No File installs " +
-                    inMarks(entry->path().lexically_relative(folder).make_preferred().wstring()) +
-                    L" of the payload.",
-                L"add a File for it, or take it out of the payload.");
-        }
+        for (const std::wstring& file : files)
+            if (!isOfTheHost(folder / file) && !used.contains(keyOf(folder / file)))
+                checked.report.tellOfFile(
+                    Fault::payloadUnused,
+                    L"No File installs " + inMarks(file) + L" of the payload.");
     }
 
     const Checked& checked;
     const CheckRequest& request;
     fs::path folder;
+    std::vector<std::wstring> files;  // from the folder on
+    std::unordered_map<std::wstring, std::wstring> byName;
     std::unordered_set<std::wstring> used;
 };
 

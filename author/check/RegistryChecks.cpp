@@ -1,3 +1,5 @@
+#include <cwchar>
+#include <cwctype>
 #include <limits>
 
 #include "author/check/Checks.h"
@@ -26,6 +28,18 @@ bool isDword(const KnownText* type) {
     return keyword && keyword->number == dwordType;
 }
 
+/// The decimal digits of a hexadecimal number, or else the general remedy.
+std::wstring decimalHelp(const std::wstring& text) {
+    wchar_t* end = nullptr;
+    const unsigned long number = wcstoul(text.c_str(), &end, 16);
+    const bool isHexadecimal = text.size() > 2 && text[0] == L'0' &&
+                               std::towlower(text[1]) == L'x' && *end == L'\0' &&
+                               text.size() <= wcslen(L"0xFFFFFFFF");
+    if (!isHexadecimal)
+        return {};
+    return L"write digits alone: " + std::to_wstring(static_cast<int32_t>(number)) + L".";
+}
+
 void checkValue(const Action& action) {
     const MadeElement* key = action.visit.made->around;
     while (key && key->kind == &conditionKind)
@@ -41,8 +55,8 @@ void checkValue(const Action& action) {
     int32_t number = 0;
     if (!parseIntText(value.text.c_str(), number))
         action.tellFailure(Fault::notADword, action.placeOf(L"Value"),
-                           inMarks(value.text) + L" is no decimal number.",
-                           L"write digits alone, with a minus sign in front if need be.");
+                           asSubject(value.text) + L" is no decimal number.",
+                           decimalHelp(value.text));
     else if ((number == Limits::max() || number == Limits::min()) &&
              value.text != std::to_wstring(number))
         action.checked.report.tellOf(
@@ -52,6 +66,14 @@ void checkValue(const Action& action) {
 }
 
 void checkKey(const Action& action) {
+    const AttributeNode* key = action.node.find(L"Key");
+    for (const RegistryKeyword& root : registryRootKeywords())
+        if (key &&
+            (key->value == root.word || key->value.starts_with(std::wstring(root.word) + L"\\")))
+            action.checked.report.tellOf(Fault::rootInKey,
+                                         action.checked.model.spanIn(*key, 0, wcslen(root.word)),
+                                         inMarks(root.word) + L" is taken for a key below " +
+                                             inMarks(action.text(L"Root")->text) + L".");
     if (isExactly(action.text(L"Action"), wordOf(ACTION_REMOVE_REGISTRY_KEY)) &&
         action.text(L"Key")->isSurelyEmpty())
         action.checked.report.tellOf(

@@ -49,12 +49,41 @@ ExpressionResult checkExpression(const MadeElement& element, const ScriptModel& 
     }
     ExpressionResult result = readExpression(expression->text, variables, nearMiss);
     for (const ExpressionFault& fault : result.faults) {
-        const Span place = hasReferences(attribute->value)
-                               ? attribute->valuePlace
-                               : model.spanIn(*attribute, fault.from, fault.length);
-        report.tell(fault.fault, place, surely && fault.surely, fault.text, fault.help);
+        const auto place = [&] {
+            if (fault.variable != noElement) {
+                const ElementNode& variable = model[fault.variable];
+                const AttributeNode* value = variable.find(L"Value");
+                return value ? value->valuePlace : variable.place;
+            }
+            return hasReferences(attribute->value)
+                       ? attribute->valuePlace
+                       : model.spanIn(*attribute, fault.from, fault.length);
+        };
+        report.tell(fault.fault, place(), surely && fault.surely, fault.text, fault.help);
     }
     return result;
+}
+
+void tellWithoutId(const ElementNode& reference, bool surely, Report& report) {
+    report.tell(Fault::referenceWithoutId, reference.place, surely,
+                inMarks(reference.name) + L" has no `Id`, so it refers to nothing.",
+                std::wstring(L"give it the Id of a ") + reference.reference->target->name + L".");
+}
+
+void tellOfNothing(const ElementNode& reference, const AttributeNode& id, const ScriptModel& model,
+                   NearMiss& nearMiss, bool surely, Report& report) {
+    const ElementKind& target = *reference.reference->target;
+    std::wstring help;
+    for (const ReferenceKind& other : motionReferences())
+        if (model.find(*other.target, id.value) != noElement)
+            help = std::wstring(L"it is the Id of a `") + other.target->name +
+                   L"`: refer to that by `" + other.name + L"`.";
+    if (help.empty())
+        help = didYouMean(nearMiss.findAlike(id.value, model.idsOf(target)));
+    report.tell(Fault::referenceToNothing, id.valuePlace, surely,
+                std::wstring(L"There is no `") + target.name + L"` with the Id " +
+                    inMarks(id.value) + L" in the Product.",
+                help);
 }
 
 ScriptWalk::ScriptWalk(const ScriptModel& model, const ScriptVariables& variables,
@@ -200,17 +229,12 @@ ElementNumber ScriptWalk::follow(const ElementNode& reference, bool surely) {
     const ElementKind& target = *reference.reference->target;
     const AttributeNode* id = reference.find(idAttribute);
     if (id == nullptr) {
-        report.tell(Fault::referenceWithoutId, reference.place, surely,
-                    inMarks(reference.name) + L" has no `Id`, so it refers to nothing.",
-                    std::wstring(L"give it the Id of a ") + target.name + L".");
+        tellWithoutId(reference, surely, report);
         return noElement;
     }
     const ElementNumber definition = model.find(target, id->value);
     if (definition == noElement) {
-        report.tell(Fault::referenceToNothing, id->valuePlace, surely,
-                    std::wstring(L"There is no `") + target.name + L"` with the Id " +
-                        inMarks(id->value) + L" in the Product.",
-                    didYouMean(nearMiss.find(id->value, model.idsOf(target))));
+        tellOfNothing(reference, *id, model, nearMiss, surely, report);
         return noElement;
     }
     if (openCount[definition] > 0) {

@@ -97,6 +97,11 @@ private:
     size_t stepCount = 0;
 };
 
+/// Tells of a reference that has no Id, and of one whose Id is that of nothing it can refer to.
+void tellWithoutId(const ElementNode& reference, bool surely, Report& report);
+void tellOfNothing(const ElementNode& reference, const AttributeNode& id, const ScriptModel& model,
+                   NearMiss& nearMiss, bool surely, Report& report);
+
 /// Reads the `Expression` of an element as far as it is known, and tells what is wrong with it.
 /// `surely` tells whether every machine comes to evaluate it.
 ExpressionResult checkExpression(const MadeElement& element, const ScriptModel& model,

@@ -38,8 +38,7 @@ public:
 private:
     bool checkTop() {
         if (model.elements().empty() || model.product() == noElement) {
-            report.tellOfFile(Fault::noProduct, L"The script has no `Product` in its root element.",
-                              productHelp());
+            tellNoProduct();
             return false;
         }
         if (model.sequence() == noElement) {
@@ -55,15 +54,22 @@ private:
         return true;
     }
 
-    std::wstring productHelp() {
-        for (const ElementNode& element : model.elements())
-            if (element.is(productKind))
-                return L"put it directly into the root element.";
+    /// At the element that is meant as the product, if one is.
+    void tellNoProduct() {
+        const std::wstring text = L"The script has no `Product` in its root element.";
         std::vector<std::wstring_view> names;
         for (const ElementNode& element : model.elements())
             names.push_back(element.name);
         const std::wstring near = checked.nearMiss.find(productKind.name, names);
-        return near.empty() ? near : L"is " + inMarks(near) + L" meant as it?";
+        for (const ElementNode& element : model.elements()) {
+            if (element.is(productKind))
+                return report.tellOf(Fault::noProduct, element.place, text,
+                                     L"put this one directly into the root element.");
+            if (element.name == near)
+                return report.tellOf(Fault::noProduct, element.place, text,
+                                     L"is " + inMarks(near) + L" meant as it?");
+        }
+        report.tellOfFile(Fault::noProduct, text);
     }
 
     /// A place is used by an [id], by a reference, and by the components in it.
@@ -142,20 +148,37 @@ private:
 
     ElementNumber checkPlace(ElementNumber number) {
         const ElementNode& element = model[number];
-        const bool isWord = isFolderWord(element.id());
-        if (element.is(directoryKind) && !isWord) {
-            const std::wstring near = checked.nearMiss.find(element.id(), folderWords());
-            if (!near.empty())
-                report.tellOf(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace,
-                              inMarks(element.id()) + L" is no folder of the system.",
-                              didYouMean(near));
-        }
+        if (isDirectoryReference(element))
+            checkDirectoryReference(element);
+        else if (!isFolderWord(element.id()))
+            checkFolderWord(number);
         if (used[number] || element.firstChild != noElement)
             return number + 1;
         report.tellOf(Fault::unreachedDefinition, element.place,
                       L"Nothing uses " + describe(element) + L".",
                       L"remove it, or refer to it as [Id].");
         return element.end;
+    }
+
+    void checkDirectoryReference(const ElementNode& element) {
+        const AttributeNode* id = element.find(idAttribute);
+        if (id == nullptr)
+            tellWithoutId(element, false, report);
+        else if (model.find(directoryKind, id->value) == noElement)
+            tellOfNothing(element, *id, model, checked.nearMiss, false, report);
+    }
+
+    void checkFolderWord(ElementNumber number) {
+        const ElementNode& element = model[number];
+        const std::wstring near = checked.nearMiss.find(element.id(), folderWords());
+        if (near.empty())
+            return;
+        std::wstring text = inMarks(element.id()) + L" is no folder of the system";
+        const bool isOutermost = !isPlace(model[element.parent]);
+        if (isOutermost && element.find(pathAttribute) == nullptr)
+            text += L", so what stands in it goes to a path relative to the working directory";
+        report.tellOf(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace, text + L".",
+                      didYouMean(near));
     }
 
     ElementNumber checkDefinition(ElementNumber number) {
@@ -197,12 +220,25 @@ private:
             const ElementNumber first = model.find(*element.kind, element.id());
             if (first == number)
                 continue;
-            const Place place = model.text().placeOf(model[first].place);
+            const std::wstring line =
+                std::to_wstring(model.text().placeOf(model[first].place).line);
             report.tellOf(Fault::hiddenId, element.find(idAttribute)->valuePlace,
-                          describe(element) + L" is hidden by the one in line " +
-                              std::to_wstring(place.line) + L".",
-                          L"give it an Id of its own.");
+                          describe(element) + L" is hidden by the one in line " + line + L".",
+                          hiddenHelp(element, model[first]));
         }
+    }
+
+    /// An element that defines nothing of its own was meant to refer to the other.
+    static std::wstring hiddenHelp(const ElementNode& hidden, const ElementNode& first) {
+        const auto definesNothing = [](const ElementNode& element) {
+            return element.is(directoryKind) ? !element.find(pathAttribute)
+                                             : element.firstChild == noElement;
+        };
+        if (definesNothing(hidden))
+            return L"is `" + hidden.name + L"Ref` meant?";
+        if (definesNothing(first))
+            return L"is `" + hidden.name + L"Ref` meant there?";
+        return L"give it an Id of its own.";
     }
 
     const ScriptModel& model;

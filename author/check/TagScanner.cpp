@@ -25,20 +25,45 @@ public:
 
     std::vector<TagPlaces> scan() {
         std::vector<TagPlaces> tags;
-        while ((at = text.find('<', at)) != std::string_view::npos) {
-            if (startsWith("<!--"))
-                skipBehind("-->");
-            else if (startsWith("<![CDATA["))
-                skipBehind("]]>");
-            else if (at + 1 < text.size() && startsName(text[at + 1]))
-                tags.push_back(readTag());
+        while (findMarkup()) {
+            if (!startsTag())
+                skipMarkup();
             else
-                skipBehind(">");
+                tags.push_back(readTag());
         }
         return tags;
     }
 
+    std::optional<Span> openAt(size_t offset) {
+        std::vector<Span> open;
+        while (findMarkup() && at < offset) {
+            if (!startsTag()) {
+                if (startsWith("</") && !open.empty())
+                    open.pop_back();
+                skipMarkup();
+                continue;
+            }
+            const Span name = readTag().name;
+            if (text[at - 1] != '/')
+                open.push_back(name);
+        }
+        return open.empty() ? std::nullopt : std::optional(open.back());
+    }
+
 private:
+    bool findMarkup() { return (at = text.find('<', at)) != std::string_view::npos; }
+
+    bool startsTag() const { return at + 1 < text.size() && startsName(text[at + 1]); }
+
+    void skipMarkup() {
+        if (startsWith("<!--"))
+            skipBehind("-->");
+        else if (startsWith("<![CDATA["))
+            skipBehind("]]>");
+        else
+            skipBehind(">");
+    }
+
     bool startsWith(std::string_view mark) const { return text.substr(at).starts_with(mark); }
 
     void skipBehind(std::string_view mark) {
@@ -105,4 +130,8 @@ private:
 
 std::vector<TagPlaces> scanTags(const std::string& text) {
     return TagScanner(text).scan();
+}
+
+std::optional<Span> openElementAt(const std::string& text, size_t offset) {
+    return TagScanner(text).openAt(offset);
 }

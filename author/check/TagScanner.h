@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,3 +19,6 @@ struct TagPlaces {
 /// The start tags of a text that the parser has accepted, in document order: the parser tells
 /// neither where values stand nor columns as editors count them.
 std::vector<TagPlaces> scanTags(const std::string& text);
+
+/// The name of the innermost element that is still open at an offset, as far as the parser came.
+std::optional<Span> openElementAt(const std::string& text, size_t offset);

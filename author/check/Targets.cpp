@@ -25,6 +25,16 @@ KnownText keyPathOf(const Action& action) {
     return joined(*action.text(L"Root"), *action.text(L"Key"));
 }
 
+bool holdsWholePath(const Action& action, const wchar_t* attribute, const KnownText& text) {
+    if (text.opaqueEnd > 0 || text.text.starts_with(L"\\\\"))
+        return true;
+    const std::vector<TextPiece> pieces = piecesOf(action.node.find(attribute)->value);
+    const bool hasDirectory = std::any_of(pieces.begin(), pieces.end(), [](const TextPiece& piece) {
+        return piece.meaning == TextPiece::directory;
+    });
+    return (text.exact || hasDirectory) && text.text.find(L':') != std::wstring::npos;
+}
+
 std::wstring normalized(std::wstring_view path) {
     std::wstring result;
     for (const wchar_t letter : path) {

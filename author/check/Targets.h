@@ -11,6 +11,9 @@ KnownText targetOf(const Action& action);
 /// Root and key of a RegistryKey, as a path.
 KnownText keyPathOf(const Action& action);
 
+/// Whether the text of an attribute begins with, or holds, the whole path of a directory.
+bool holdsWholePath(const Action& action, const wchar_t* attribute, const KnownText& text);
+
 /// A path in one form: backslashes, one between two parts and none at the end.
 std::wstring normalized(std::wstring_view path);
 std::wstring lowered(std::wstring_view text);

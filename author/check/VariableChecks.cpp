@@ -1,4 +1,7 @@
+#include <unordered_set>
+
 #include "author/check/Checks.h"
+#include "author/check/ExpressionReading.h"
 #include "expression/Symbols.h"
 #include "system/TextParsing.h"
 
@@ -62,10 +65,27 @@ void checkName(const Checked& checked, const ElementNode& element, ElementNumber
             L"give it a name of its own.");
 }
 
+/// All words by which texts and expressions could read a variable, whatever stands around them.
+std::unordered_set<std::wstring> mentionedNames(const ScriptModel& model) {
+    std::unordered_set<std::wstring> names;
+    for (const ElementNode& element : model.elements())
+        for (const AttributeNode& attribute : element.attributes) {
+            for (const TextPiece& piece : piecesOf(attribute.value))
+                names.insert(piece.text);
+            if (attribute.name == L"Expression")
+                for (const ExpressionToken& token : tokensOf(attribute.value))
+                    names.insert(token.text);
+        }
+    return names;
+}
+
 }  // namespace
 
 void checkVariables(const Checked& checked) {
     const ScriptModel& model = checked.model;
+    // Where parts don't work, what they would have read is taken for read.
+    const std::unordered_set<std::wstring> mentioned =
+        checked.report.hasGaps() ? mentionedNames(model) : std::unordered_set<std::wstring>{};
     for (ElementNumber child = model.elements().empty() ? noElement : model[0].firstChild;
          child != noElement; child = model[child].nextSibling) {
         const ElementNode& element = model[child];
@@ -78,7 +98,7 @@ void checkVariables(const Checked& checked) {
         if (variable == nullptr || variable->element != child)
             continue;
         checkValue(checked, element, *variable);
-        if (!variable->read)
+        if (!variable->read && !mentioned.contains(variable->name))
             checked.report.tellOf(Fault::variableNeverRead, element.place,
                                   L"Nothing reads the variable " + inMarks(element.id()) + L".",
                                   L"remove it.");

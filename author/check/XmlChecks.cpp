@@ -2,8 +2,11 @@
 
 #include <tinyxml.h>
 
+#include <set>
+
 #include "author/check/Report.h"
 #include "author/check/ScriptText.h"
+#include "author/check/TagScanner.h"
 #include "elements/XmlNesting.h"
 #include "elements/raw_installerXML.h"
 
@@ -30,15 +33,50 @@ std::wstring reasonOf(const TiXmlDocument& document) {
     return reason;
 }
 
-std::wstring helpWith(int error) {
+std::wstring quoted(const std::string& text, Span name) {
+    const std::string_view part = std::string_view(text).substr(name.offset, name.length);
+    return inMarks(std::wstring(part.begin(), part.end()));
+}
+
+/// Which element is to be closed where the parser has come upon another end tag.
+std::wstring openElementHelp(const ScriptText& script, size_t offset) {
+    const std::optional<Span> open = openElementAt(script.bytes(), offset);
+    if (!open)
+        return {};
+    return L"close the " + quoted(script.bytes(), *open) + L" of line " +
+           std::to_wstring(script.placeOf(*open).line) + L" in front of this.";
+}
+
+/// Which attribute of the tag up to there stands there once more.
+std::wstring doubledAttributeHelp(const ScriptText& script, size_t offset) {
+    const std::string& text = script.bytes();
+    const size_t start = text.rfind('<', offset);
+    const size_t end = text.find('>', offset);
+    if (start == std::string::npos)
+        return {};
+    const std::vector<TagPlaces> tags = scanTags(text.substr(start, end - start));
+    if (tags.empty())
+        return {};
+    const auto nameOf = [&](const TagPlaces::AttributePlaces& attribute) {
+        return text.substr(start + attribute.name.offset, attribute.name.length);
+    };
+    std::set<std::string> names;
+    for (const TagPlaces::AttributePlaces& attribute : tags.front().attributes)
+        if (!names.insert(nameOf(attribute)).second)
+            return quoted(text, {start + attribute.name.offset, attribute.name.length}) +
+                   L" stands there twice: leave one out.";
+    return {};
+}
+
+std::wstring helpWith(int error, const ScriptText& script, size_t offset) {
     switch (error) {
         case TiXmlBase::TIXML_ERROR_READING_END_TAG:
-            return L"close each element in the order in which they were opened, by its own name.";
+            return openElementHelp(script, offset);
         case TiXmlBase::TIXML_ERROR_READING_ATTRIBUTES:
         case TiXmlBase::TIXML_ERROR_READING_ELEMENT_VALUE:
             return L"look for a missing quotation mark, a missing end tag, or a bare < or &.";
         case TiXmlBase::TIXML_ERROR_PARSING_ELEMENT:
-            return L"look for an attribute that stands twice, or a name that is missing.";
+            return doubledAttributeHelp(script, offset);
         case TiXmlBase::TIXML_ERROR_DOCUMENT_EMPTY:
             return L"the script needs a root element.";
         default:
@@ -69,6 +107,6 @@ bool parseScript(const ScriptText& script, TiXmlDocument& document, Report& repo
     report.tellOf(
         Fault::notXml, place,
         L"The script isn't well-formed XML: the parser says \"" + reasonOf(document) + L"\"",
-        helpWith(document.ErrorId()));
+        helpWith(document.ErrorId(), script, place.offset));
     return false;
 }

@@ -33,18 +33,22 @@ const Mistake mistakes[] = {
     // XML and encoding
     {"an element isn't closed",
      "                <ComponentRef Id=\"NoKeys\"/>\n            </Feature>\n",
-     "                <ComponentRef Id=\"NoKeys\"/>\n", "TZ101", "", "{<}/InstallExecuteSequence>"},
+     "                <ComponentRef Id=\"NoKeys\"/>\n", "TZ101", "`Feature` of line 91",
+     "{<}/InstallExecuteSequence>"},
     {"an end tag is misspelt", "</DirectoryRef>", "{<}/Directoryref>", "TZ101"},
     {"a quotation mark is forgotten", R"(Name="lantern.ico" Source="payload\lantern.ico")",
      R"(Name="lantern.ico Source="payload{\}lantern.ico")", "TZ101"},
     {"an attribute stands there twice", R"(<Component Id="Keys" On="installupgrade")",
-     R"(<Component Id="Keys" On="install" {O}n="upgrade")", "TZ101"},
+     R"(<Component Id="Keys" On="install" {O}n="upgrade")", "TZ101", "`On` stands there twice"},
     {"another encoding is declared", R"(encoding="UTF-8")", R"(encoding="{ISO-8859-1}")", "TZ103",
      "UTF-8"},
     {"no encoding is declared", R"(<?xml version="1.0" encoding="UTF-8"?>)",
      R"(<?xml version="1.0"?>)", "TZ104", "UTF-8", "{Schöne Grüße 🏮 from #COMPANY}"},
     {"an umlaut of another code page", R"(Description="Lights the lantern")",
      "Description=\"Z\xFCndet an\"", "TZ105", "UTF-8", "{Z\xFCndet an}"},
+
+    {"a bare ampersand", "Lights the lantern", "Lights the lantern {&} more", "TZ106", "&amp;"},
+    {"a bare angle", "Lights the lantern", "Lights {<}the> lantern", "TZ106", "&lt;"},
 
     // Elements, where they stand and what refers to them
     {"a misspelt element", R"(<File Name="lantern.ico")", R"({<Fille} Name="lantern.ico")", "TZ203",
@@ -55,8 +59,8 @@ const Mistake mistakes[] = {
      "`ShellExcute`"},
     {"letters swapped in a value", R"(<RegistryValue Name="Width")",
      R"({<RegistryVlaue} Name="Width")", "TZ203", "`RegistryValue`"},
-    {"an element as another installer calls it", R"(<RemoveDirectory Path="[MENU]old"/>)",
-     R"({<RemoveFolder} Path="[MENU]old"/>)", "TZ203"},
+    {"an element as another installer calls it", R"(<RemoveDirectory Path="[MENU]"/>)",
+     R"({<RemoveFolder} Path="[MENU]"/>)", "TZ203"},
     {"a file in a fragment", R"(<FileSearch Name="licence.key")",
      "{<File} Name=\"a.txt\" Source=\"payload\\manual.txt\"/>\n<FileSearch Name=\"licence.key\"",
      "TZ203", "`Component`"},
@@ -94,6 +98,14 @@ const Mistake mistakes[] = {
      "`InstallExecuteSequence`",
      "{<InstallExecutionSequence}",
      {"TZ205"},
+     2},
+    {"a product without a sequence",
+     "InstallExecuteSequence>",
+     "InstallExecutionSequence>",
+     "TZ205",
+     "`InstallExecutionSequence`",
+     "{<Product}",
+     {},
      2},
     {"a misspelt product", "Product", "Prodcut", "TZ201", "`Prodcut`", "{<Prodcut} Id=", {}, 2},
     {"a second product", "</Script>",
@@ -190,6 +202,13 @@ const Mistake mistakes[] = {
      "",
      "",
      {"TZ412"}},
+    {"an integer variable without a value",
+     R"(<Variable Id="MODERN" Type="int" Value="0"/>)",
+     R"({<Variable} Id="MODERN" Type="int"/>)",
+     "TZ301",
+     "",
+     "",
+     {"TZ415"}},
     {"a condition without an expression", R"(<Condition Expression="HAS_SETTINGS E 0">)",
      "{<Condition}>", "TZ301"},
     {"an attribute in lower case",
@@ -236,11 +255,26 @@ const Mistake mistakes[] = {
      R"(Title="Registering the service" Vital="{YES}")", "TZ322", "`yes`"},
     {"a delay with a capital", R"(<Component Id="Program" SupportDelayInstall="yes">)",
      R"(<Component Id="Program" SupportDelayInstall="{Yes}">)", "TZ322", "`yes`"},
+    {"a misspelt check", R"(Return="check")", R"(Return="{chek}")", "TZ322", "`check`"},
+    {"a word that means the opposite", R"(Return="sync")", R"(Return="{async}")", "TZ323",
+     "`sync`"},
     {"a check with a capital", R"(Return="check")", R"(Return="{Check}")", "TZ322", "`check`"},
     {"a truth in place of yes", R"(KillProcess="yes")", R"(KillProcess="{true}")", "TZ322",
      "`yes`"},
     {"a wait of seconds", R"(Action="start" Wait="yes")", R"(Action="start" Wait="{30}")", "TZ323",
      "`yes`"},
+    {"a program waited for in other words", R"(Return="sync")", R"(Return="{yes}")", "TZ322",
+     "`sync`"},
+    {"another element's word for a return", R"(Return="check")", R"(Return="{sync}")", "TZ322",
+     "`check`"},
+    {"a return that nobody knows", R"(Return="check")", R"(Return="{sometimes}")", "TZ323",
+     "`check`"},
+    {"no word for a return", R"(Return="check")", R"(Return="{}")", "TZ323", "`check`"},
+    {"a version with a letter", R"(MinVersion="6.1")", R"(MinVersion="{v6.1}")", "TZ329"},
+    {"a version of five numbers", R"(MinVersion="6.1")", R"(MinVersion="{6.1.0.0.1}")", "TZ329"},
+    {"a version with a sign", R"(MinVersion="6.1")", R"(MinVersion="{6.1+}")", "TZ329"},
+    {"a version of too large a number", R"(MinVersion="6.1")", R"(MinVersion="{6.1.70000}")",
+     "TZ329"},
     {"an action on a service with a capital", R"(Action="stop")", R"(Action="{Stop}")", "TZ324",
      "`stop`"},
     {"a restart of a service", R"(Action="start" Wait="yes")", R"(Action="{restart}" Wait="yes")",
@@ -282,13 +316,15 @@ const Mistake mistakes[] = {
     // Texts, variables and expressions
     {"a directory that isn't there", R"(Path="[APPLICATIONROOTDIRECTORY]cache")",
      R"(Path="{[ROOT]}cache")", "TZ401"},
-    {"a misspelt directory in a text", R"(Path="[MENU]old")", R"(Path="{[MENUE]}old")", "TZ401",
+    {"a misspelt directory in a text", R"(Path="[MENU]")", R"(Path="{[MENUE]}")", "TZ401",
      "`[MENU]`"},
     {"a misspelt folder in a text", R"(Path="[System32Folder]")", R"(Path="{[SystemFolder]}")",
      "TZ401", "`[System32Folder]`"},
+    {"a directory under a shorter name", R"(Path="[MENU]")", R"(Path="{[APPLICATIONROOTDIR]}x")",
+     "TZ401", "`[APPLICATIONROOTDIRECTORY]`"},
     {"a bracket that isn't closed", R"(IcoFile="[APPLICATIONROOTDIRECTORY]lantern.ico")",
      R"(IcoFile="{[APPLICATIONROOTDIRECTORY\lantern.ico}")", "TZ402"},
-    {"a bracket that isn't opened", R"(Path="[MENU]old")", R"(Path="MENU{]}old")", "TZ402"},
+    {"a bracket that isn't opened", R"(Path="[MENU]")", R"(Path="MENU{]}")", "TZ402"},
     {"a list in brackets", R"(Title="Clearing up")", R"(Title="Clearing up {[1/3]}")", "TZ401"},
     {"a misspelt variable in a text", R"(<Directory Id="MENU" Path="#COMPANY">)",
      R"(<Directory Id="MENU" Path="{#COMPANIE}">)", "TZ403", "`#COMPANY`"},
@@ -316,6 +352,7 @@ const Mistake mistakes[] = {
      "OS_MAJOR_VERSION {&gt;}= LEAST_VERSION", "TZ411", "`G"},
     {"an and in lower case", "PAID AND (", "PAID {and} (", "TZ411", "`AND`"},
     {"an or of C", "1 OR !", "1 {||} !", "TZ411", "`OR`"},
+    {"a sign that is none", "1 OR !", "1 {~} !", "TZ411", "words such as AND"},
     {"a blank forgotten", "HAS_SETTINGS E 0", "HAS_SETTINGS {E0}", "TZ411"},
     {"a parenthesis right behind a word", "PAID AND (", "PAID {AND}(", "TZ411"},
     {"a parenthesis that isn't closed", "HAS_SETTINGS E 0", "{(} HAS_SETTINGS E 0", "TZ411"},
@@ -337,6 +374,8 @@ const Mistake mistakes[] = {
      R"(Id="MODERN" Type="int" Value="{no}")", "TZ415"},
     {"a version for an integer", R"(Value="10")", R"(Value="{10.0}")", "TZ415"},
     {"an integer of 33 bits", R"(Value="10")", R"(Value="{4294967296}")", "TZ416"},
+    {"a number of 33 bits in a condition", "HAS_SETTINGS E 0", "HAS_SETTINGS E {4294967296}",
+     "TZ416"},
     {"a condition of numbers", "HAS_SETTINGS E 0", "{1 E 1}", "TZ417"},
     {"a condition of constants", "HAS_SETTINGS E 0", "{LEAST_VERSION GE 10}", "TZ417"},
     {"a variable that nothing reads", R"(<Variable Id="MODERN")",
@@ -348,6 +387,16 @@ const Mistake mistakes[] = {
      "<Variable Id=\"{OS_BIT}\" Type=\"int\" Value=\"0\"/>\n<Variable Id=\"MODERN\"", "TZ419"},
     {"a directory in the value of a variable", R"(Value="LanternSync")",
      R"(Value="{[DATA]}LanternSync")", "TZ420"},
+    {"an environment variable in a path", R"(<Directory Id="COMPANY_DIR" Path="#COMPANY">)",
+     R"(<Directory Id="COMPANY_DIR" Path="{%ProgramFiles%}\Works">)", "TZ421",
+     "`[ProgramFilesFolder]`"},
+    {"an environment variable in a source",
+     R"(Source="payload\manual.txt")",
+     R"(Source="{%BUILD%}\manual.txt")",
+     "TZ421",
+     "folder word",
+     "",
+     {"TZ521"}},
     {"a caution like a licence", R"(Title="Clearing up")", "Title=\"{" + longText + "}\"", "TZ431"},
     {"a condition over a page", "HAS_SETTINGS E 0",
      "{HAS_SETTINGS E 0" + std::string(500, ' ') + "}", "TZ431"},
@@ -360,7 +409,12 @@ const Mistake mistakes[] = {
      "<Component Id=\"NoKeys\" On=\"uninstall\">\n"
      "{<RegistryValue} Name=\"Gone\" Type=\"REG_SZ\" Value=\"1\"/>",
      "TZ501"},
-    {"a number of hex digits", R"(Value="640")", R"(Value="{0x280}")", "TZ502", "digits"},
+    {"a value in a feature", R"(<Condition Expression="HAS_SETTINGS E 0">)",
+     "<Condition Expression=\"HAS_SETTINGS E 0\">\n"
+     "{<RegistryValue} Name=\"Gone\" Type=\"REG_SZ\" Value=\"1\"/>",
+     "TZ501"},
+    {"a number of hex digits", R"(Value="640")", R"(Value="{0x280}")", "TZ502",
+     "digits alone: 640"},
     {"a number with its unit", R"(Value="640")", R"(Value="{640px}")", "TZ502"},
     {"an empty number", R"(Value="640")", R"(Value="{}")", "TZ502"},
     {"a number of 32 bits without a sign", R"(Value="640")", R"(Value="{4294967295}")", "TZ503"},
@@ -374,6 +428,8 @@ const Mistake mistakes[] = {
      "Key=\"Software\\Example Works\\Lantern\">\n"
      "{<RegistryValue} Name=\"Folder\" Type=\"REG_SZ\" Value=\"\"/></RegistryKey>",
      "TZ506"},
+    {"a root in the key", R"(Key="Software\Example Works\Lantern"/>)",
+     R"(Key="{HKEY_LOCAL_MACHINE}\Software\Example Works\Lantern"/>)", "TZ510", "Root"},
     {"an empty program", R"(File="[APPLICATIONROOTDIRECTORY]sync.exe")", R"(File="{}")", "TZ507"},
     {"a failure that nobody sees", R"(Type="REG_MULTI_SZ" Value="none" Vital="no")",
      R"(Type="REG_DWORD" Value="{none}" Vital="no")", "TZ508"},
@@ -384,17 +440,23 @@ const Mistake mistakes[] = {
      "this Id",
      "{<CustomAction}",
      {},
-     7},
+     8},
     {"a name beyond what Windows makes", R"(Name="lantern.ico")",
      "Name=\"{" + std::string(260, 'x') + "}\"", "TZ511"},
     {"a shortcut with a sentence for a name", R"(Name="#PRODUCT" Desc)",
      "Name=\"{" + std::string(260, 'x') + "}\" Desc", "TZ512"},
+    {"a shortcut named as its file", R"(Name="#PRODUCT" Desc)", R"(Name="{Lantern.lnk}" Desc)",
+     "TZ519", ".lnk"},
+    {"a name that is long on some machines", R"(Name="lantern.ico")",
+     "Name=\"{" + std::string(200, 'x') + "}\"", "TZ513"},
+    {"a directory with a sentence for a name", R"(Path="[MENU]")",
+     "Path=\"{[DATA]" + std::string(250, 'x') + "}\"", "TZ512"},
     {"a question as a name", R"(Name="lantern.ico")", R"(Name="{how?.txt}")", "TZ514"},
     {"a shortcut with a bar in its name", R"(Name="#PRODUCT" Desc)",
      R"(Name="{Lantern | Sync}" Desc)", "TZ515"},
     {"a drive below another directory", R"(<Directory Id="COMPANY_DIR" Path="#COMPANY">)",
      R"(<Directory Id="COMPANY_DIR" Path="{C:\Lanterns}">)", "TZ514"},
-    {"a pattern in place of a directory", R"(Path="[MENU]old")",
+    {"a pattern in place of a directory", R"(Path="[MENU]")",
      R"(Path="{[APPLICATIONROOTDIRECTORY]*.log}")", "TZ514"},
     {"a name with a colon", R"(Name="manual.txt")", R"(Name="{Lantern: manual.txt}")", "TZ515"},
     {"a name of a device", R"(Name="manual.txt")", R"(Name="{aux.txt}")", "TZ515"},
@@ -402,13 +464,8 @@ const Mistake mistakes[] = {
     {"a copied line", R"(<File Name="action.dll")", R"(<File Name="{lantern.ico}")", "TZ516"},
     {"a copied line in another case", R"(<File Name="action.dll")", R"(<File Name="{Lantern.ico}")",
      "TZ517"},
-    {"a source of the author's machine",
-     R"(Source="payload\lantern.ico")",
-     R"(Source="{C:\build\lantern.ico}")",
-     "TZ518",
-     "",
-     "",
-     {"TZ521"}},
+    {"a source of the author's machine", R"(Source="payload\lantern.ico")",
+     R"(Source="{C:\build\lantern.ico}")", "TZ518"},
     {"a misspelt source", R"(Source="payload\manual.txt")", R"(Source="{payload\manuel.txt}")",
      "TZ521", R"(payload\manual.txt)"},
     {"a source without its folder", R"(Source="payload\manual.txt")", R"(Source="{manual.txt}")",
@@ -416,13 +473,30 @@ const Mistake mistakes[] = {
     {"a file forgotten", R"(<File Name="manual.txt" Source="payload\manual.txt" Vital="no"/>)", "",
      "TZ522", "", ""},
 
+    {"a program started at uninstall, too", R"(<Fragment Id="Register" On="install">)",
+     R"(<Fragment Id="Register">)", "TZ525", "On=\"installupgrade\"",
+     R"(<ShellExcute File="{[APPLICATIONROOTDIRECTORY]sync.exe}")"},
+    {"a program started before it is there", R"(<Fragment Id="Leave" On="uninstall">)",
+     "<Fragment On=\"install\"><ShellExcute File=\"{[DOC]manual.txt}\" Return=\"no\"/></Fragment>\n"
+     "<Fragment Id=\"Leave\" On=\"uninstall\">",
+     "TZ524", "behind"},
+    {"a library in a directory that has been removed", R"(<RemoveDirectory Path="[MENU]"/>)",
+     "<RemoveDirectory Path=\"[MENU]\"/>\n<CustomAction DllFile=\"{[DOC]action.dll}\" "
+     "DllEntry=\"Late\" Return=\"check\"/>",
+     "TZ525", "in front of"},
+
     // What install, upgrade and uninstall leave to each other
-    {"files that stay", R"(<Component Id="Manual">)",
-     R"(<Component Id="Manual" On="installupgrade">)", "TZ601", "", R"({<File} Name="manual.txt")"},
-    {"files that are put there once", R"(<Component Id="Manual">)",
-     R"(<Component Id="Manual" On="install">)", "TZ602", "", R"({<File} Name="manual.txt")"},
-    {"a shortcut that stays", R"(<Component Id="Menu">)",
-     R"(<Component Id="Menu" On="installupgrade">)", "TZ603", "", "{<Shortcut}"},
+    {"files that stay", R"(<RemoveDirectory Path="[APPLICATIONROOTDIRECTORY]" Vital="no"/>)", "",
+     "TZ601", "", R"({<File} Name="settings.ini")"},
+    {"files that are put there once",
+     "<DirectoryRef Id=\"DATA\">\n            <Component Id=\"Settings\" On=\"installupgrade\">",
+     "<DirectoryRef Id=\"COMPANY_DIR\">\n            <Component Id=\"Settings\" On=\"install\">",
+     "TZ602", "", R"({<File} Name="settings.ini")"},
+    {"a shortcut that stays",
+     "<Directory Id=\"MENU\" Path=\"#COMPANY\">\n                <Component Id=\"Menu\">",
+     "<Directory Id=\"MENU\" Path=\"#COMPANY\"/>\n"
+     "<Directory Id=\"DesktopFolder\"><Component Id=\"Menu\" On=\"installupgrade\">",
+     "TZ603", "", "{<Shortcut}"},
     {"a key that stays", R"(<ComponentRef Id="NoKeys"/>)", "", "TZ604", "",
      R"({<RegistryKey} Action="create" Root)"},
     {"a key made at uninstall", R"(<Component Id="Keys" On="installupgrade">)",
@@ -435,6 +509,8 @@ const Mistake mistakes[] = {
     {"another service started than is stopped",
      R"(<ServiceControl Name="#SERVICE" Action="start" Wait="yes")",
      R"({<ServiceControl} Name="LanternUpdate" Action="start" Wait="yes")", "TZ608"},
+    {"a directory that stays", R"(<RemoveDirectory Path="[MENU]"/>)", "", "TZ609", "[MENU]",
+     "{<Directory} Id=\"MENU\""},
     {"a service removed while it runs", R"(<FragmentRef Id="StopSync"/>)", "", "TZ709", "",
      R"(<ServiceControl Name="{#SERVICE}" Action="remove")"},
     {"a file renamed from one version to the next", R"(<File Name="manual.txt")",
@@ -445,12 +521,11 @@ const Mistake mistakes[] = {
      R"(Value="LanternSync2")", "TZ613", "", ""},
 
     // Dangers
-    {"the programs of the machine removed", R"(Path="[MENU]old")",
-     R"(Path="{[ProgramFilesFolder]}")", "TZ701"},
-    {"a drive removed", R"(Path="[MENU]old")", R"(Path="{C:\}")", "TZ702"},
-    {"the company's directory removed", R"(Path="[MENU]old")", R"(Path="{[COMPANY_DIR]}")",
-     "TZ703"},
-    {"a neighbour's directory removed", R"(Path="[MENU]old")", R"(Path="{[COMPANY_DIR]Common}")",
+    {"the programs of the machine removed", R"(Path="[MENU]")", R"(Path="{[ProgramFilesFolder]}")",
+     "TZ701"},
+    {"a drive removed", R"(Path="[MENU]")", R"(Path="{C:\}")", "TZ702"},
+    {"the company's directory removed", R"(Path="[MENU]")", R"(Path="{[COMPANY_DIR]}")", "TZ703"},
+    {"a neighbour's directory removed", R"(Path="[MENU]")", R"(Path="{[COMPANY_DIR]Common}")",
      "TZ704"},
     {"the keys of all programs removed", R"(Key="Software\Example Works\Lantern"/>)",
      R"(Key="{Software}"/>)", "TZ705"},
@@ -458,6 +533,10 @@ const Mistake mistakes[] = {
      R"(DllFile="{action.dll}")", "TZ706", "[APPLICATIONROOTDIRECTORY]action.dll"},
     {"a program without its path", R"(File="[APPLICATIONROOTDIRECTORY]sync.exe")",
      R"(File="{cmd.exe}")", "TZ707", "[System32Folder]cmd.exe"},
+    {"a directory emptied again", R"(<RemoveDirectory Path="[MENU]"/>)",
+     R"(<RemoveDirectory Path="[MENU]"/></Fragment>
+<Fragment On="upgrade"><RemoveDirectory Path="{[DOC]}"/>)",
+     "TZ710", "On=\"uninstall\""},
     {"a package that is no program", R"(File="[APPLICATIONROOTDIRECTORY]sync.exe")",
      R"(File="{[APPLICATIONROOTDIRECTORY]sync.msi}")", "TZ708", "msiexec.exe"},
     {"a program with its arguments", R"(sync.exe" ExeCommand="register")", R"(sync.exe register")",
@@ -547,6 +626,50 @@ protected:
 class AuthorsMistakesTest : public SetupToCheck, public testing::WithParamInterface<Mistake> {};
 using RightScriptTest = SetupToCheck;
 
+/// One mistake and all that is told for it: of what comes of a mistake nothing is.
+struct Alone {
+    std::string what;
+    std::string find;
+    std::string instead;
+    std::string codes;
+};
+
+void PrintTo(const Alone& mistake, std::ostream* out) {
+    *out << mistake.what;
+}
+
+const Alone alone[] = {
+    {"a misspelt product", "Product", "Prodcut", "TZ201 "},
+    {"a component that nobody refers to", R"(<ComponentRef Id="Menu"/>)", "", "TZ207 "},
+    {"a misspelt reference", R"(<ComponentRef Id="Program"/>)", R"(<ComponentRef Id="Porgram"/>)",
+     "TZ207 TZ209 "},
+    {"a misspelt mode", R"(<Component Id="Program" )", R"(<Component Id="Program" On="instal" )",
+     "TZ321 "},
+    {"a fault in the one expression that reads a variable", "EDITION E PAID", "EDITION E 1",
+     "TZ413 "},
+    {"an integer in words that is read twice", R"(Id="MODERN" Type="int" Value="0")",
+     R"(Id="MODERN" Type="int" Value="no")", "TZ415 "},
+    {"a root in short above another key", R"(Action="create" Root="HKEY_LOCAL_MACHINE")",
+     R"(Action="create" Root="HKLM")", "TZ326 "},
+    {"a key that stays with those in it", R"(<ComponentRef Id="NoKeys"/>)", "", "TZ604 TZ207 "},
+    {"a key made at uninstall with those in it", R"(<Component Id="Keys" On="installupgrade">)",
+     R"(<Component Id="Keys">)", "TZ605 "},
+    {"a path on a component", R"(<Component Id="Settings" )",
+     R"(<Component Id="Settings" Path="C:\Lantern" )", "TZ311 "},
+    {"a misspelt source", R"(Source="payload\manual.txt")", R"(Source="payload\manuel.txt")",
+     "TZ521 "},
+    {"a source of the author's machine", R"(Source="payload\lantern.ico")",
+     R"(Source="C:\build\lantern.ico")", "TZ518 "},
+    {"a program started behind a condition that may know of it",
+     R"(<Fragment Id="Leave" On="uninstall">)",
+     R"(<Condition Expression="HAS_SETTINGS E 1"><ShellExcute File="[DATA]..\sync.exe" Return="no"/>
+        <ShellExcute File="[APPLICATIONROOTDIRECTORY]sync.exe" Return="no"/></Condition>
+        <Fragment Id="Leave" On="uninstall">)",
+     ""},
+};
+
+class AloneTest : public SetupToCheck, public testing::WithParamInterface<Alone> {};
+
 /// A finding on a line, as an editor reads it.
 std::string line(const Finding& finding) {
     return std::to_string(finding.place.line) + ":" + std::to_string(finding.place.column) + "+" +
@@ -562,7 +685,8 @@ std::string lines(const std::vector<Finding>& findings) {
 }
 
 /// Letters alone, as names of tests are made of: "a misspelt element" is AMisspeltElement.
-std::string testName(const testing::TestParamInfo<Mistake>& mistake) {
+template <class Row>
+std::string testName(const testing::TestParamInfo<Row>& mistake) {
     std::string name;
     bool capital = true;
     for (const char letter : mistake.param.what) {
@@ -601,4 +725,58 @@ TEST_P(AuthorsMistakesTest, IsFoundWithItsPlaceAndItsRemedy) {
     EXPECT_EQ(errors, mistake.alsoErrors);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, AuthorsMistakesTest, testing::ValuesIn(mistakes), testName);
+INSTANTIATE_TEST_SUITE_P(Of, AuthorsMistakesTest, testing::ValuesIn(mistakes), testName<Mistake>);
+
+TEST_P(AloneTest, IsToldWithoutWhatComesOfIt) {
+    const std::vector<Finding> findings =
+        check(replaced(rightScript(), GetParam().find, GetParam().instead), request);
+    std::string codes;
+    for (const Finding& finding : findings)
+        codes += narrow(finding.kind->code) + " ";
+    EXPECT_EQ(codes, GetParam().codes) << lines(findings);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, AloneTest, testing::ValuesIn(alone), testName<Alone>);
+
+// Those that a change of one place in this script can't bring about have tests of their own.
+TEST(AuthorsMistakes, AreOfEveryKindThatIsToldButForThoseTestedElsewhere) {
+    std::set<std::string> codes{"TZ102", "TZ216", "TZ523"};
+    for (const Mistake& mistake : mistakes)
+        codes.insert(mistake.code);
+    for (const FindingKind& kind : findingKinds())
+        EXPECT_TRUE(codes.contains(narrow(kind.code))) << narrow(kind.code);
+}
+
+TEST_F(RightScriptTest, EndsHalfWayWhereWhatIsUsedIsGoneOrCannotBeMade) {
+    const auto endsRun = [this](const std::string& find, const std::string& instead) {
+        for (const Finding& finding : check(replaced(rightScript(), find, instead), request))
+            if (finding.endsRun)
+                return narrow(finding.kind->code);
+        return std::string();
+    };
+    EXPECT_EQ(endsRun(R"(Name="lantern.ico")", "Name=\"" + std::string(260, 'x') + "\""), "TZ511");
+    EXPECT_EQ(endsRun(R"(<Fragment Id="Farewell" On="uninstall">)",
+                      R"(<Fragment Id="Farewell" On="uninstall"><CustomAction DllEntry="Late"
+                         DllFile="[APPLICATIONROOTDIRECTORY]action.dll" Return="check"/>)"),
+              "TZ525");
+    EXPECT_EQ(endsRun(R"(<Fragment Id="Survey">)",
+                      R"(<Fragment On="install"><CustomAction DllEntry="Early"
+                         DllFile="[APPLICATIONROOTDIRECTORY]action.dll" Return="check"/></Fragment>
+                         <Fragment Id="Survey">)"),
+              "")
+        << "The file may be there from an install before.";
+}
+
+TEST_F(RightScriptTest, IsToldOfItsFaultsInWholeSentences) {
+    const auto textOf = [this](const std::string& find, const std::string& instead) {
+        return narrow(check(replaced(rightScript(), find, instead), request).front().text);
+    };
+    EXPECT_EQ(
+        textOf(R"(<Directory Id="DOC" Path="doc">)", R"(<Directory Id="DOC" Path="[DOC]doc">)"),
+        "`Directory` `DOC` needs itself to be made.");
+    EXPECT_EQ(textOf(R"(Value="640")", R"(Value="")"), "An empty text is no decimal number.");
+    EXPECT_EQ(
+        textOf(R"(<Directory Id="ProgramMenuFolder">)", R"(<Directory Id="ProgramMenusFolder">)"),
+        "`ProgramMenusFolder` is no folder of the system, so what stands in it goes to a path "
+        "relative to the working directory.");
+}

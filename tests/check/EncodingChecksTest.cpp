@@ -27,12 +27,12 @@ TEST_F(EncodingChecksTest, AsciiHasNoFindingWhateverIsDeclared) {
 
 TEST_F(EncodingChecksTest, ADeclaredEncodingOtherThanUtf8IsNotFollowed) {
     EXPECT_EQ(findingsIn(script(foreign, "Gr\xC3\xBC")),
-              "2:66 TZ103 The script declares `WINDOWS-1252`, which no host looks at.\n");
+              "1:31 TZ103 The script declares `WINDOWS-1252`, which no host looks at.\n");
 }
 
 TEST_F(EncodingChecksTest, BytesThatAreNotUtf8AreReadDifferently) {
     EXPECT_EQ(findingsIn(script("<?xml version=\"1.0\" encoding=\"latin1\"?>\n", "Gr\xFC!")),
-              "2:66 TZ103 The script declares `LATIN1`, which no host looks at.\n"
+              "1:31 TZ103 The script declares `LATIN1`, which no host looks at.\n"
               "2:66 TZ105 This text isn't UTF-8: each machine reads it in its own code page.\n");
 }
 

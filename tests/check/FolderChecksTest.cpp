@@ -12,7 +12,9 @@ std::string product(std::string_view inDirectory, std::string_view inSequence = 
            std::string(inDirectory) +
            "</Component></Directory><InstallExecuteSequence><Feature>"
            "<ComponentRef Id=\"C\"/></Feature>" +
-           std::string(inSequence) + "</InstallExecuteSequence></Product></Root>";
+           std::string(inSequence) +
+           "<Fragment On=\"uninstall\"><RemoveDirectory Path=\"[R]\"/></Fragment>"
+           "</InstallExecuteSequence></Product></Root>";
 }
 
 constexpr std::string_view twoFiles = R"(<File Name="a" Source="files\a"/>
@@ -112,4 +114,22 @@ TEST_F(FolderChecksTest, ACustomActionNeedsTheDirectoryThatItIsToldOf) {
     EXPECT_EQ(findingsIn(product(twoFiles, action)),
               "3:133 TZ509 There is no `Directory` with the Id `APPLICATIONROOTDIRECTORY`, without "
               "which no function is called.\n");
+}
+
+TEST_F(FolderChecksTest, ADirectoryThatStaysIsToldOnceAndNotThoseOfOthers) {
+    const auto script = [](const std::string& place) {
+        return "<Root><Product><Directory Id=\"ProgramFilesFolder\"><Directory Id=\"V\" Path=\"" +
+               place +
+               "\">\n<Directory Id=\"P\" Path=\"Product\"><Component Id=\"C\">"
+               "<File Name=\"a\" Source=\"a\"/></Component>"
+               "<Directory Id=\"D\" Path=\"doc\"><Component Id=\"E\">"
+               "<File Name=\"a\" Source=\"a\"/></Component></Directory></Directory>"
+               "</Directory></Directory><InstallExecuteSequence><Feature>"
+               "<ComponentRef Id=\"C\"/><ComponentRef Id=\"E\"/></Feature>"
+               "</InstallExecuteSequence></Product></Root>";
+    };
+    for (const char* place : {"Works", "Common Files", "Common Files\\Works"})
+        EXPECT_EQ(findingsIn(script(place)),
+                  std::string("2:1 TZ609 `[ProgramFilesFolder]\\") + place +
+                      "\\Product` stays after uninstall, empty or not.\n");
 }
