@@ -1,6 +1,7 @@
 #include "author/check/ElementMaker.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_set>
 
 #include "elements/raw_installerXML.h"
@@ -100,24 +101,16 @@ void ElementMaker::demand(ElementNumber number) {
             open.pop_back();
             continue;
         }
-        const ElementNumber definition = definitionOf(current);
         const bool isNew = states[current] == State::unknown;
-        if (isNew) {
-            states[current] = State::open;
-            MadeElement& element = storage.emplace_back();
-            element.number = definition == noElement ? current : definition;
-            element.kind = model[element.number].kind;
-            element.failed = element.kind == nullptr;
-            made[current] = &element;
-        }
+        if (isNew)
+            begin(current);
         MadeElement& element = *made[current];
         const std::vector<ElementNumber> needs =
             element.kind ? needsOf(element.number) : std::vector<ElementNumber>{};
         if (isNew) {
             const size_t before = open.size();
-            for (const ElementNumber need : needs)
-                if (states[need] == State::unknown)
-                    open.push_back(need);
+            std::copy_if(needs.begin(), needs.end(), std::back_inserter(open),
+                         [&](ElementNumber need) { return states[need] == State::unknown; });
             if (open.size() > before)
                 continue;
         }
@@ -125,15 +118,7 @@ void ElementMaker::demand(ElementNumber number) {
             return states[need] == State::open;
         });
         if (circle != needs.end()) {
-            element.endless = true;
-            std::wstring way;
-            if (definitionOf(*circle) != element.number)
-                way = L", by way of " + describe(model[*circle]);
-            fail(element,
-                 {Fault::endlessMaking, model[element.number].place,
-                  describe(model[element.number]) + L" needs itself to be made" + way + L".",
-                  way.empty() ? L"take the reference to it out of its own text."
-                              : L"take the reference out of one of their texts."});
+            failInCircle(element, *circle);
         } else if (element.kind) {
             const ElementNumber parent = model[element.number].parent;
             make(element,
@@ -142,6 +127,28 @@ void ElementMaker::demand(ElementNumber number) {
         states[current] = State::done;
         open.pop_back();
     }
+}
+
+void ElementMaker::begin(ElementNumber number) {
+    states[number] = State::open;
+    const ElementNumber definition = definitionOf(number);
+    MadeElement& element = storage.emplace_back();
+    element.number = definition == noElement ? number : definition;
+    element.kind = model[element.number].kind;
+    element.failed = element.kind == nullptr;
+    made[number] = &element;
+}
+
+void ElementMaker::failInCircle(MadeElement& element, ElementNumber next) {
+    const ElementNode& node = model[element.number];
+    element.endless = true;
+    std::wstring way;
+    if (definitionOf(next) != element.number)
+        way = L", by way of " + describe(model[next]);
+    fail(element, {Fault::endlessMaking, node.place,
+                   describe(node) + L" needs itself to be made" + way + L".",
+                   way.empty() ? L"take the reference to it out of its own text."
+                               : L"take the reference out of one of their texts."});
 }
 
 std::vector<ElementNumber> ElementMaker::needsOf(ElementNumber definition) const {
@@ -209,16 +216,8 @@ bool ElementMaker::readDeclared(MadeElement& element, const MadeElement* parent)
     for (const AttributeDeclaration& declaration : element.kind->declared) {
         const AttributeNode* attribute = node.find(declaration.name);
         if (!attribute) {
-            if (!declaration.required)
-                continue;
-            std::wstring help;
-            std::vector<std::wstring_view> present;
-            for (const AttributeNode& other : node.attributes)
-                present.push_back(other.name);
-            if (const std::wstring near = nearMiss.find(declaration.name, present); !near.empty())
-                help = L"is " + inMarks(near) + L" meant as `" + declaration.name + L"`?";
-            fail(element, {Fault::missingAttribute, node.place,
-                           describe(node) + L" has no " + inMarks(declaration.name) + L".", help});
+            if (declaration.required)
+                failWithout(element, declaration.name);
             continue;
         }
         KnownText text;
@@ -242,6 +241,18 @@ bool ElementMaker::readDeclared(MadeElement& element, const MadeElement* parent)
         element.attributes.emplace_back(declaration.name, std::move(text));
     }
     return !element.failed;
+}
+
+void ElementMaker::failWithout(MadeElement& element, const wchar_t* attribute) {
+    const ElementNode& node = model[element.number];
+    std::vector<std::wstring_view> present;
+    for (const AttributeNode& other : node.attributes)
+        present.push_back(other.name);
+    const std::wstring near = nearMiss.find(attribute, present);
+    fail(element,
+         {Fault::missingAttribute, node.place,
+          describe(node) + L" has no " + inMarks(attribute) + L".",
+          near.empty() ? near : L"is " + inMarks(near) + L" meant as `" + attribute + L"`?"});
 }
 
 void ElementMaker::takeDerived(MadeElement& element, const MadeElement* parent) {

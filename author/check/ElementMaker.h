@@ -74,6 +74,7 @@ private:
     enum class State : char { unknown, open, done };
 
     void demand(ElementNumber number);
+    void begin(ElementNumber number);
     std::vector<ElementNumber> needsOf(ElementNumber definition) const;
     void make(MadeElement& element, const MadeElement* parent);
     bool readDeclared(MadeElement& element, const MadeElement* parent);
@@ -82,6 +83,8 @@ private:
     bool expandPiece(MadeElement& element, const AttributeNode& attribute, const TextPiece& piece,
                      KnownText& text);
     bool tellVariable(MadeElement& element, const AttributeNode& attribute, const TextPiece& piece);
+    void failInCircle(MadeElement& element, ElementNumber next);
+    void failWithout(MadeElement& element, const wchar_t* attribute);
     static void fail(MadeElement& element, Problem problem);
     static void blame(MadeElement& element, const MadeElement& cause);
     static void addCost(MadeElement& element, const MadeElement& need);

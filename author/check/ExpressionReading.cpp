@@ -37,14 +37,15 @@ constexpr ForeignOperator foreignOperators[] = {
 /// language. Signs are known in front of anything, words by themselves.
 std::wstring foreignOperatorHelp(std::wstring_view expression, const ExpressionToken& token) {
     const std::wstring_view rest = expression.substr(std::min(token.from, expression.size()));
-    for (const auto& [sign, word] : foreignOperators) {
-        const bool isWord = std::iswalpha(sign.front()) != 0;
-        if (isWord ? token.text != sign : !rest.starts_with(sign))
+    for (const ForeignOperator& row : foreignOperators) {
+        const bool isWord = std::iswalpha(row.sign.front()) != 0;
+        if (isWord ? token.text != row.sign : !rest.starts_with(row.sign))
             continue;
         // What the language itself would cut isn't misspelt.
-        const bool isCut = std::any_of(std::begin(delimiters), std::end(delimiters),
-                                       [&](const wchar_t* mark) { return sign.front() == *mark; });
-        return isCut ? std::wstring(L"compare by ") + word + L"." : didYouMean(word);
+        const bool isCut =
+            std::any_of(std::begin(delimiters), std::end(delimiters),
+                        [&](const wchar_t* mark) { return row.sign.front() == *mark; });
+        return isCut ? std::wstring(L"compare by ") + row.word + L"." : didYouMean(row.word);
     }
     return {};
 }
