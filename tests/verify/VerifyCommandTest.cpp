@@ -192,7 +192,7 @@ TEST_F(VerifyCommandTest, DoesNothingUnlessItIsToldThatItMay) {
     const ProgramRun run = temz(L"verify install.xml");
 
     EXPECT_EQ(run.exitCode, 1639u);
-    EXPECT_THAT(run.error, HasSubstr("temz: --on-this-machine is missing.\n"));
+    EXPECT_THAT(run.error, HasSubstr("temz: --on-this-machine is missing. See temz help.\n"));
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
