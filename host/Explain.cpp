@@ -290,7 +290,7 @@ std::wstring findingCodeIn(const std::wstring& text) {
         const bool ends = at + 5 == text.size() || !std::iswalnum(text[at + 5]);
         if (begins && ends && std::towupper(text[at]) == L'T' &&
             std::towupper(text[at + 1]) == L'Z' &&
-            std::all_of(text.begin() + at + 2, text.begin() + at + 5, std::iswdigit))
+            text.find_first_not_of(L"0123456789", at + 2) >= at + 5)
             return L"TZ" + text.substr(at + 2, 3);
     }
     return L"";
