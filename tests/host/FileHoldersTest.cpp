@@ -10,16 +10,22 @@
 namespace {
 
 TEST(FileHoldersTest, AreThoseThatTheRestartManagerNames) {
+    REQUIRES_WINDOWS("has a restart manager that knows who holds a file");
     const TestFolder folder;
     const std::wstring held = folder.write(L"held.txt", "");
     const LockedFile lock(held);
     const std::wstring thisProcess = L" (" + std::to_wstring(GetCurrentProcessId()) + L")";
 
-    // Wine's restart manager answers every question, and knows nobody.
-    if (runsUnderWine())
-        EXPECT_THAT(holdersOf(held), testing::IsEmpty());
-    else
-        EXPECT_THAT(holdersOf(held), testing::ElementsAre(testing::EndsWith(thisProcess)));
+    EXPECT_THAT(holdersOf(held), testing::ElementsAre(testing::EndsWith(thisProcess)));
+}
+
+TEST(FileHoldersTest, AreNoneWhereTheRestartManagerKnowsNobody) {
+    REQUIRES_WINE("has a restart manager that answers every question and knows nobody");
+    const TestFolder folder;
+    const std::wstring held = folder.write(L"held.txt", "");
+    const LockedFile lock(held);
+
+    EXPECT_THAT(holdersOf(held), testing::IsEmpty());
 }
 
 TEST(FileHoldersTest, AreNoneOfAFileThatNobodyHoldsOrThatIsNotThere) {

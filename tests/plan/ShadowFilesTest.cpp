@@ -154,19 +154,11 @@ TEST_F(ShadowFilesTest, CopyOverAHiddenFileFails) {
 }
 
 TEST_F(ShadowFilesTest, CopyThatDoesNotFitOnTheDriveFails) {
-    const std::wstring source = folder.write(L"huge", "");
-    const HANDLE file =
-        CreateFileW(source.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    REQUIRES_HOLES_IN_FILES();
+    const std::wstring source = folder.path(L"huge");
     ULARGE_INTEGER available{};
     GetDiskFreeSpaceExW(folder.path().c_str(), &available, nullptr, nullptr);
-    LARGE_INTEGER size{};
-    size.QuadPart = static_cast<int64_t>(available.QuadPart / 3 * 2);
-    SetFilePointerEx(file, size, nullptr, FILE_BEGIN);
-    EXPECT_TRUE(SetEndOfFile(file));
-    CloseHandle(file);
-    GetDiskFreeSpaceExW(folder.path().c_str(), &available, nullptr, nullptr);
-    if (available.QuadPart < static_cast<uint64_t>(size.QuadPart))
-        GTEST_SKIP() << "Needs a drive with files that have holes";
+    makeHole(source, available.QuadPart / 3 * 2);
 
     EXPECT_EQ(copy(source, folder.path(L"one")), 0u);
     EXPECT_EQ(copy(source, folder.path(L"two")), DWORD{ERROR_DISK_FULL});

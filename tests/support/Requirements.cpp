@@ -1,14 +1,19 @@
 #include "support/Requirements.h"
 
 #include <windows.h>
+#include <winioctl.h>
 
 #include <algorithm>
 
 #include "support/TestFolder.h"
 
+bool runsUnderWindows() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
+}
+
 bool runsUnderWine() {
     return GetEnvironmentVariableW(L"TEMZ_TESTS_WITHOUT_WINE", nullptr, 0) == 0 &&
-           GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+           !runsUnderWindows();
 }
 
 bool isActiveCodePage(std::initializer_list<unsigned> codePages) {
@@ -31,4 +36,26 @@ bool overwritesReadOnlyFiles() {
     const std::wstring target = folder.write(L"target", "old");
     SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_READONLY);
     return CopyFileW(source.c_str(), target.c_str(), FALSE);
+}
+
+bool keepsHolesInFiles() {
+    constexpr uint64_t size = 64 << 20;
+    const TestFolder folder;
+    const std::wstring path = folder.path(L"hole");
+    makeHole(path, size);
+    DWORD high = 0;
+    const DWORD low = GetCompressedFileSizeW(path.c_str(), &high);
+    return low != INVALID_FILE_SIZE && high == 0 && low < size;
+}
+
+void makeHole(const std::wstring& path, uint64_t bytes) {
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    DWORD returned = 0;
+    DeviceIoControl(file, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &returned, nullptr);
+    LARGE_INTEGER end{};
+    end.QuadPart = static_cast<int64_t>(bytes);
+    SetFilePointerEx(file, end, nullptr, FILE_BEGIN);
+    SetEndOfFile(file);
+    CloseHandle(file);
 }

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <initializer_list>
+#include <string>
 
 // What a test needs of the machine. Where that isn't there, the test is skipped and says why; a
 // requirement stands in the test itself or in the SetUp of its fixture.
@@ -10,6 +12,9 @@
 /// Whether this is Wine. With TEMZ_TESTS_WITHOUT_WINE in the environment it looks as if it weren't,
 /// which shows what is left of the tests elsewhere.
 bool runsUnderWine();
+
+/// Whether this is Windows itself, whatever TEMZ_TESTS_WITHOUT_WINE makes it look like.
+bool runsUnderWindows();
 
 /// Whether the active code page is one of these.
 bool isActiveCodePage(std::initializer_list<unsigned> codePages);
@@ -21,11 +26,23 @@ bool heedsManifestCodePage();
 /// nobody.
 bool overwritesReadOnlyFiles();
 
+/// Whether files may have holes that take no room: not on FAT, nor on every network drive.
+bool keepsHolesInFiles();
+
+/// Makes a file of a size that takes no room, where files may have holes.
+void makeHole(const std::wstring& path, uint64_t bytes);
+
 /// For tests that change the machine, ask the user something, or need elevation, on Windows.
 #define REQUIRES_WINE(reason) \
     if (runsUnderWine()) {    \
     } else                    \
         GTEST_SKIP() << "Needs Wine: " << reason
+
+/// For tests of what Windows answers and Wine doesn't.
+#define REQUIRES_WINDOWS(reason) \
+    if (runsUnderWindows()) {    \
+    } else                       \
+        GTEST_SKIP() << "Needs Windows: " << reason
 
 /// For tests whose texts are written for certain code pages.
 #define REQUIRES_CODE_PAGE(...)            \
@@ -38,6 +55,12 @@ bool overwritesReadOnlyFiles();
     if (heedsManifestCodePage()) {    \
     } else                            \
         GTEST_SKIP() << "Needs Windows 10 1903 or later, or Wine"
+
+/// For tests of files that are larger than the drive.
+#define REQUIRES_HOLES_IN_FILES() \
+    if (keepsHolesInFiles()) {    \
+    } else                        \
+        GTEST_SKIP() << "Needs a drive with sparse files for its temporary folder"
 
 /// For tests of what an ordinary user may not do.
 #define REQUIRES_ORDINARY_USER()      \
