@@ -119,8 +119,11 @@ private:
 
     void putFiles() {
         folder.write(L"app\\a.txt", random.percent(50) ? "one" : "old");
-        if (random.percent(50))
-            SetFileAttributesW(folder.write(L"app\\b.txt", "old").c_str(), FILE_ATTRIBUTE_READONLY);
+        if (random.percent(50)) {
+            const std::wstring file = folder.write(L"app\\b.txt", "old");
+            if (mayBeReadOnly)
+                SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
+        }
         if (random.percent(50))
             folder.write(L"app\\a.txt!@#$%", "left");
         if (random.percent(30))
@@ -138,6 +141,7 @@ private:
         key.make(L"Two\\There");
     }
 
+    const bool mayBeReadOnly = opensReadOnlyFilesForAttributes();
     const TestFolder folder;
     const TestFolder scripts;
     const TestKey key;

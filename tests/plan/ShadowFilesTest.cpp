@@ -198,6 +198,7 @@ TEST_F(ShadowFilesTest, DeletionFailsAsTheSystemsDoes) {
 }
 
 TEST_F(ShadowFilesTest, ReadOnlyFileCanBeDeletedOnceItIsNoMore) {
+    REQUIRES_OPENED_ATTRIBUTES();
     const std::wstring file = folder.write(L"a.txt", "x");
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
 

@@ -38,6 +38,15 @@ bool overwritesReadOnlyFiles() {
     return CopyFileW(source.c_str(), target.c_str(), FALSE);
 }
 
+bool opensReadOnlyFilesForAttributes() {
+    const TestFolder folder;
+    const std::wstring path = folder.write(L"file", "");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    const HANDLE file =
+        CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
+}
+
 bool keepsHolesInFiles() {
     const TestFolder folder;
     const auto available = [&folder] {

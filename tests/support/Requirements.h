@@ -26,6 +26,10 @@ bool heedsManifestCodePage();
 /// nobody.
 bool overwritesReadOnlyFiles();
 
+/// Whether a read-only file can be opened to change its attributes, as whoever may change them can
+/// on Windows. Wine lets only its superuser open it, though it lets all change them.
+bool opensReadOnlyFilesForAttributes();
+
 /// Whether files may have holes that take no room: not on FAT, nor on every network drive.
 bool keepsHolesInFiles();
 
@@ -55,6 +59,12 @@ void makeHole(const std::wstring& path, uint64_t bytes);
     if (heedsManifestCodePage()) {    \
     } else                            \
         GTEST_SKIP() << "Needs Windows 10 1903 or later, or Wine"
+
+/// For tests that foresee whether a file's attributes can be changed.
+#define REQUIRES_OPENED_ATTRIBUTES()         \
+    if (opensReadOnlyFilesForAttributes()) { \
+    } else                                   \
+        GTEST_SKIP() << "Needs Windows, or Wine's superuser: another can't open a read-only file"
 
 /// For tests of files that are larger than the drive.
 #define REQUIRES_HOLES_IN_FILES() \
