@@ -7,22 +7,24 @@ set -euo pipefail
 
 build=${1:-$root/build/release}
 stage=$build/example
+product=$stage/examples/product
 prefix=$wine_home/example
 drive=$prefix/drive_c
 
-# Lays a version's setup program out as it would be shipped.
+# Lays both versions' setup programs out as they would be shipped.
 lay_out() {
-    local version=$1 setup=$stage/v$1
-    mkdir -p "$setup"
-    cp "$build/capi/TEMZC.dll" "$build/host/temz.exe" "$root/examples/product/install.xml" "$setup"
-    cp -r "$root/examples/product/payload" "$root/examples/product/v$version/payload" "$setup"
-    cp "$build/examples/greeter-action.dll" "$build/examples/greeter-service.exe" "$setup/payload"
+    rm -rf "$stage"
+    cmake --install "$build" --component product --prefix "$stage" --strip >/dev/null
+    local version
+    for version in "$product"/v1 "$product"/v2; do
+        cp "$build/capi/TEMZC.dll" "$build/host/temz.exe" "$version"
+    done
 }
 
 verify() {
     (
         wine_environment "$prefix"
-        cd "$stage/v2"
+        cd "$product/v2"
         wine temz.exe verify install.xml --upgrade-from '..\v1\install.xml' --on-this-machine </dev/null
     )
 }
@@ -46,9 +48,7 @@ findings() {
         sed -nE -e 's/greeter[0-9]+\.ico/greeter(stamp).ico/' -e 's/^    (.*)  \(.*\)$/\1/p' | uniq
 }
 
-rm -rf "$stage"
-lay_out 1
-lay_out 2
+lay_out
 stop_prefix "$prefix"
 rm -rf "$prefix"
 start_prefix "$prefix"

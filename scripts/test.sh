@@ -13,13 +13,14 @@ esac
 "$root/scripts/setup.sh"
 if [ "${1:-}" = --quick ]; then
     "$root/scripts/build.sh"
+    (cd "$root" && cmake --build --preset release)
     exec "$root/scripts/ctest.sh" release
 fi
 
 "$root/scripts/format.sh" --check
 "$root/scripts/build.sh"
 cd "$root"
-for preset in checked clang; do
+for preset in release checked clang; do
     [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset"
     cmake --build --preset "$preset"
 done
