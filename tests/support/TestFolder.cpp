@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <system_error>
 
 #include "support/CommonPlaces.h"
@@ -58,7 +58,9 @@ std::string readFile(const std::wstring& path) {
     std::ifstream file(fs::path(path), std::ios::binary);
     if (!file)
         return "<missing>";
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
 }
 
 void writeFile(const std::wstring& path, std::string_view content) {
