@@ -136,6 +136,9 @@ constexpr MessageRow messages[] = {
      L"The machine isn't as it was when the plan was made. The run was ended before the call that "
      L"the plan lacks.",
      L"See what has changed by temz plan, and have the new plan approved."},
+    {L"has left its plan",
+     L"A call had another result than when the plan was made. The run makes no other call then.",
+     L"See what has changed by temz plan, and have the new plan approved."},
     {L"The plan has more than there was to do",
      L"All was done, with fewer calls than the plan has: something of it was done already.",
      L"Compare the plan with what temz plan shows now, if that wasn't expected."},

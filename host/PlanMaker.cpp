@@ -36,12 +36,10 @@ public:
         tracer.size = sizeof tracer;
         tracer.user = this;
         tracer.call = [](void* self, const temz_call* call) {
-            static_cast<PlanMaker*>(self)->action.calls.push_back(copyOf(*call));
+            static_cast<PlanMaker*>(self)->hear(*call);
         };
         tracer.permit = [](void* self, const temz_call* call) -> temz_answer {
-            Call planned = copyOf(*call);
-            static_cast<PlanMaker*>(self)->plan.calls.push_back(
-                {std::move(planned.group), std::move(planned.name), std::move(planned.arguments)});
+            static_cast<PlanMaker*>(self)->plan.calls.push_back(plannedCall(copyOf(*call)));
             return TEMZ_CONTINUE;
         };
         temz_set_observer(context, &observer);
@@ -52,6 +50,13 @@ public:
     }
 
 private:
+    /// A call that changes something has asked for its permit just before.
+    void hear(const temz_call& call) {
+        action.calls.push_back(copyOf(call));
+        if (call.changes)
+            plan.calls.back().result = resultOf(action.calls.back());
+    }
+
     void take(const temz_step& told) {
         Step step;
         step.kind = told.kind;

@@ -16,10 +16,6 @@ constexpr std::wstring_view notVitalLine = L"The last error isn't vital - ignore
 constexpr std::chrono::milliseconds firstPause{250};
 constexpr std::chrono::milliseconds longestPause{2000};
 
-PlannedCall plannedCall(const Call& call) {
-    return {call.group, call.name, call.arguments};
-}
-
 }  // namespace
 
 Call copyOf(const temz_call& call) {
@@ -32,6 +28,14 @@ Call copyOf(const temz_call& call) {
     copy.systemError = call.system_error;
     copy.duration = std::chrono::nanoseconds(call.duration);
     return copy;
+}
+
+PlannedCall plannedCall(const Call& call) {
+    return {call.group, call.name, call.arguments};
+}
+
+CallResult resultOf(const Call& call) {
+    return call.failed ? CallResult(call.systemError) : std::nullopt;
 }
 
 RunWatch::RunWatch(std::vector<Reporter*> reporters, std::optional<ErrorPolicy> policy,
@@ -156,6 +160,8 @@ void RunWatch::hear(const temz_call& heard) {
     tell([&call](Reporter& reporter) { reporter.called(call); });
     if (call.name == L"MoveFileExW" && !call.failed)
         addWaiting(call.arguments[1]);
+    if (duties.plan && heard.changes)
+        duties.plan->returned(resultOf(call));
     const bool notVital = call.group == L"log" && call.arguments[0].ends_with(notVitalLine);
     action.calls.push_back(std::move(call));
     if (!notVital)
@@ -168,18 +174,26 @@ void RunWatch::hear(const temz_call& heard) {
 
 temz_answer RunWatch::permit(const temz_call& call) {
     const Call coming = copyOf(call);
+    if (std::wstring other = duties.plan->otherResult(); !other.empty())
+        return leavePlan(L"The run has left its plan", std::move(other));
     if (duties.plan->take(plannedCall(coming)))
         return TEMZ_CONTINUE;
+    const PlannedCall* next = duties.plan->next();
+    return leavePlan(
+        L"The run was about to leave its plan",
+        L"it comes to " + callText(coming) + L", and the plan " +
+            (next ? L"has " + callText(next->name, next->arguments) : L"has nothing more"));
+}
+
+temz_answer RunWatch::leavePlan(const wchar_t* what, std::wstring why) {
     if (duties.plan->isBetweenActions()) {
         endAction();
         action = {};
     }
-    const PlannedCall* next = duties.plan->next();
     Failure failure;
     failure.code = TEMZ_ERROR_MESSAGE;
-    failure.what = L"The run was about to leave its plan";
-    failure.why = L"it comes to " + callText(coming.name, coming.arguments) + L", and the plan " +
-                  (next ? L"has " + callText(next->name, next->arguments) : L"has nothing more");
+    failure.what = what;
+    failure.why = std::move(why);
     failure.advice = L"See what has changed by temz plan, and have the new plan approved.";
     tell([&](Reporter& reporter) { reporter.failed(action, failure, 1); });
     settle(std::move(failure), Fate::failed);

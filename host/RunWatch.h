@@ -36,6 +36,10 @@ struct WatchDuties {
 /// A copy that outlives the callback.
 Call copyOf(const temz_call& call);
 
+/// What a plan keeps of a call, and what comes of it when it has returned.
+PlannedCall plannedCall(const Call& call);
+CallResult resultOf(const Call& call);
+
 /// Follows a run through the engine's callbacks: tells the reporters, keeps the calls of the action
 /// that is under way, counts, and decides about failures.
 class RunWatch {
@@ -61,6 +65,7 @@ private:
     temz_answer decide(const temz_error& error);
     void hear(const temz_call& heard);
     temz_answer permit(const temz_call& call);
+    temz_answer leavePlan(const wchar_t* what, std::wstring why);
 
     temz_answer answerByPolicy();
     temz_answer answerByUser();

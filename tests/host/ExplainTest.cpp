@@ -45,6 +45,9 @@ constexpr Message messagesOfProgram[] = {
     {L"The run was about to leave its plan: it comes to DeleteFileW(a), and the plan has nothing "
      L"more",
      L"leave its plan"},
+    {L"The run has left its plan: DeleteFileW(a) has another result: success, and in the plan "
+     L"Access denied. [error 5]",
+     L"has left its plan"},
     {L"The plan has more than there was to do: its last calls, 2 of them, weren't made.",
      L"The plan has more than there was to do"},
     {L"The wait for another run was ended.", L"The wait for another run was ended"},

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "SetupTest.h"
+#include "support/LockedFile.h"
 #include "support/TestFolder.h"
 
 using testing::AllOf;
@@ -11,6 +12,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
+using testing::SizeIs;
 
 namespace {
 
@@ -149,6 +151,66 @@ TEST_F(PlanTest, ActionBeforeTheDepartureCountsAsDone) {
 
     EXPECT_EQ(run.exitCode, 1603u);
     EXPECT_THAT(run.error, HasSubstr("Failed after 1 of 2 actions (1603)."));
+}
+
+TEST_F(PlanTest, RunIsEndedBehindACallThatSucceedsThoughItWasToFail) {
+    const std::wstring held = folder.write(L"app\\a.txt", "a1");
+    folder.write(L"app\\b.txt", "b1");
+    writeScript(file("a.txt", "Vital='no'") + file("b.txt"));
+    {
+        const LockedFile lock(held);
+        ASSERT_EQ(temz(L"plan install.xml --mode uninstall --out approved.plan").exitCode, 0u);
+    }
+
+    const ProgramRun run = temz(L"uninstall install.xml --plan approved.plan --quiet");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_THAT(run.error,
+                AllOf(HasSubstr("temz: The run has left its plan: DeleteFileW(" + utf8(held) +
+                                ") has another result: success, and in the plan "),
+                      HasSubstr("[error 32]."), HasSubstr("have the new plan approved.")));
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"b.txt", "b1")));
+}
+
+TEST_F(PlanTest, RunIsEndedBehindACallThatFailsThoughItWasToSucceed) {
+    const std::wstring held = folder.write(L"app\\a.txt", "a1");
+    folder.write(L"app\\b.txt", "b1");
+    writeScript(file("a.txt", "Vital='no'") + file("b.txt"));
+    ASSERT_EQ(temz(L"plan install.xml --mode uninstall --out approved.plan").exitCode, 0u);
+    const LockedFile lock(held);
+
+    const ProgramRun run = temz(L"uninstall install.xml --plan approved.plan --quiet");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_THAT(run.error, HasSubstr("[error 32], and in the plan success.\n"));
+    EXPECT_THAT(installedFiles(), SizeIs(2));
+}
+
+TEST_F(PlanTest, RunWhoseLastCallEndsOtherwiseIsToldSo) {
+    const std::wstring held = folder.write(L"app\\a.txt", "a1");
+    writeScript(file("a.txt", "Vital='no'"));
+    {
+        const LockedFile lock(held);
+        ASSERT_EQ(temz(L"plan install.xml --mode uninstall --out approved.plan").exitCode, 0u);
+    }
+
+    const ProgramRun run = temz(L"uninstall install.xml --plan approved.plan");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_THAT(run.error,
+                testing::StartsWith("temz: The run has left its plan at its end: DeleteFileW("));
+}
+
+TEST_F(PlanTest, WithAssumptionsIsNotKept) {
+    shipTwo();
+
+    const ProgramRun plan = temz(L"plan install.xml --assume OS_BIT=32 --out approved.plan");
+
+    EXPECT_EQ(plan.exitCode, 1639u);
+    EXPECT_EQ(plan.error,
+              "temz: --out keeps a plan for a run on this machine, and --assume tells of another "
+              "one. See temz help.\n");
+    EXPECT_FALSE(exists(setup(L"approved.plan")));
 }
 
 TEST_F(PlanTest, ScriptThatEndsTheProcessIsNotPlanned) {
