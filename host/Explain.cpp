@@ -228,7 +228,7 @@ constexpr MessageRow messages[] = {
      L"Give it another name."},
     {L"is a whole drive", L"The script is made for a folder, and a drive has no name for one.",
      L"Name a folder of it."},
-    {L"can't be read. [error", L"The folder isn't there, or Windows doesn't let it be read.",
+    {L"can't be read: ", L"The folder isn't there, or Windows doesn't let it be read.",
      L"Look at its path and its rights."},
     {L"holds no files", L"A script makes a directory only for the files that it puts there.",
      L"Look whether it is the right folder, and built."},

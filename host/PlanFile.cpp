@@ -1,7 +1,5 @@
 #include "PlanFile.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cwchar>
 #include <filesystem>
@@ -10,6 +8,8 @@
 #include <sstream>
 
 #include "Diagnosis.h"
+#include "ScriptFile.h"
+#include "TextOutput.h"
 #include "Utf8.h"
 
 namespace {
@@ -159,18 +159,16 @@ private:
 
 }  // namespace
 
-bool keepPlan(const Plan& plan, const std::wstring& path) {
-    std::ofstream file(std::filesystem::path(path), std::ios::binary | std::ios::trunc);
-    file << toUtf8(textOf(plan)) << std::flush;
-    return file.good();
+std::wstring keepPlan(const Plan& plan, const std::wstring& path) {
+    return writeTextFile(path, textOf(plan));
 }
 
 std::optional<KeptPlan> readPlan(const std::wstring& path, std::wstring& problem) {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
-    if (!file) {
-        problem = L"It can't be opened.";
+    if (const std::wstring opening = findOpenProblem(path); !opening.empty()) {
+        problem = L"It can't be opened: " + opening;
         return std::nullopt;
     }
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
     const std::string utf8{std::istreambuf_iterator<char>(file), {}};
     std::wistringstream lines(fromUtf8(utf8));
     return PlanReader(problem).read(lines);

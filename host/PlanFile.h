@@ -15,8 +15,8 @@ struct KeptPlan {
     std::vector<PlannedElement> elements;  ///< by their first calls
 };
 
-/// Writes the file. False when that isn't possible.
-bool keepPlan(const Plan& plan, const std::wstring& path);
+/// Writes the file. Gives why that isn't possible; empty when it is.
+std::wstring keepPlan(const Plan& plan, const std::wstring& path);
 
 /// Reads one. Nothing when it can't be read or is none; `problem` then tells why.
 std::optional<KeptPlan> readPlan(const std::wstring& path, std::wstring& problem);

@@ -110,7 +110,8 @@ public:
             warn(text);
         summary.ending =
             logProblem.empty() ? runLoaded() : refuse(Ending::logNotOpened, logProblem);
-        if (summary.ending == Ending::stoppedByUser && stop.isSessionEnding())
+        summary.sessionEnded = summary.ending == Ending::stoppedByUser && stop.isSessionEnding();
+        if (summary.sessionEnded)
             warn(L"Windows ends the session.");
         tell([this](Reporter& reporter) { reporter.finished(summary); });
         if (log && log->writeError() != ERROR_SUCCESS)

@@ -1,6 +1,7 @@
 #include "host/PlanFile.h"
 
 #include <gmock/gmock.h>
+#include <windows.h>
 
 #include "host/Diagnosis.h"
 #include "support/TestFolder.h"
@@ -46,13 +47,13 @@ protected:
 };
 
 TEST_F(PlanFileTest, KeepsCallsInALineEach) {
-    ASSERT_TRUE(keepPlan(planWithFailure(), folder.path(L"plan")));
+    ASSERT_EQ(keepPlan(planWithFailure(), folder.path(L"plan")), L"");
     EXPECT_EQ(readFile(folder.path(L"plan")),
-              "temz-plan\t2\nsha256\t0a1b\nmode\tinstall\nelement\tFile\t3\n"
-              "call\t\tfile\tCreateDirectoryW\tC:\\\\app\n"
-              "call\t5\tfile\tCopyFileW\ta\tC:\\\\app\\\\a\t0\n"
-              "element\tFile\t4\ncall\t\tfile\tCreateDirectoryW\tC:\\\\app\n"
-              "call\t\tfile\tCopyFileW\tb\tC:\\\\app\\\\b\t0\nend\n");
+              "temz-plan\t2\r\nsha256\t0a1b\r\nmode\tinstall\r\nelement\tFile\t3\r\n"
+              "call\t\tfile\tCreateDirectoryW\tC:\\\\app\r\n"
+              "call\t5\tfile\tCopyFileW\ta\tC:\\\\app\\\\a\t0\r\n"
+              "element\tFile\t4\r\ncall\t\tfile\tCreateDirectoryW\tC:\\\\app\r\n"
+              "call\t\tfile\tCopyFileW\tb\tC:\\\\app\\\\b\t0\r\nend\r\n");
 }
 
 TEST_F(PlanFileTest, GivesBackWhatItHasKept) {
@@ -61,7 +62,7 @@ TEST_F(PlanFileTest, GivesBackWhatItHasKept) {
     plan.calls[1].arguments = {};
     plan.calls[2].result = 183;
     plan.calls[3].result = 0;
-    ASSERT_TRUE(keepPlan(plan, folder.path(L"plan")));
+    ASSERT_EQ(keepPlan(plan, folder.path(L"plan")), L"");
 
     const std::optional<KeptPlan> kept = readPlan(folder.path(L"plan"), problem);
 
@@ -96,8 +97,10 @@ TEST_F(PlanFileTest, RefusesWhatIsNoWholePlan) {
         EXPECT_EQ(problem, expected) << text;
     }
     EXPECT_FALSE(readPlan(folder.path(L"none"), problem));
-    EXPECT_EQ(problem, L"It can't be opened.");
-    EXPECT_FALSE(keepPlan(Plan(), folder.path(L"none\\plan")));
+    EXPECT_EQ(problem, L"It can't be opened: " + systemTextWithCode(ERROR_FILE_NOT_FOUND));
+    const std::wstring nowhere = folder.path(L"none\\plan");
+    EXPECT_EQ(keepPlan(Plan(), nowhere),
+              nowhere + L" can't be written: " + systemTextWithCode(ERROR_PATH_NOT_FOUND));
 }
 
 TEST(PlanHoldTest, TakesTheCallsInTheirOrderOnly) {

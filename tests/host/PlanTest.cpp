@@ -16,6 +16,12 @@ using testing::SizeIs;
 
 namespace {
 
+/// The exit code, and behind the lines their last reason.
+auto HasReason(const std::string& exitCode, const std::string& reason) {
+    return AllOf(testing::StartsWith(exitCode + "{"), HasSubstr("\"exitCode\":" + exitCode + ","),
+                 HasSubstr("\"reason\":\"" + reason));
+}
+
 class PlanTest : public SetupTest {
 protected:
     /// Two files in a component, of which the second is in a condition.
@@ -98,6 +104,25 @@ TEST_F(PlanTest, IsWrittenAsAPageAndKept) {
     const ProgramRun nowhere = temz(L"plan install.xml --html none\\plan.html");
     EXPECT_EQ(nowhere.exitCode, 2u);
     EXPECT_THAT(nowhere.error, HasSubstr("temz: none\\plan.html can't be written: "));
+}
+
+TEST_F(PlanTest, TellsAsJsonTooWhyThereIsNone) {
+    const auto lines = [this](const std::wstring& options) {
+        const ProgramRun plan = temz(L"plan install.xml --json " + options);
+        EXPECT_THAT(plan.output,
+                    testing::StartsWith("{\"event\":\"plan\",\"schema\":\"temz-plan-1\","));
+        EXPECT_THAT(plan.output, HasSubstr("}\n{\"event\":\"end\","));
+        EXPECT_NE(plan.error, "");
+        return std::to_string(plan.exitCode) + plan.output;
+    };
+    EXPECT_THAT(lines(L""), HasReason("1619", "install.xml can't be opened: "));
+    ship(L"install.xml", "<Script>");
+    EXPECT_THAT(lines(L"--no-check"), HasReason("1620", "install.xml can't be loaded: "));
+    writeSequence("<CustomAction DllFile='a.dll' DllEntry='" + std::string(600, 'a') + "'/>");
+    EXPECT_THAT(lines(L""), HasReason("1620", "install.xml isn't planned: "));
+    writeSequence("");
+    EXPECT_THAT(lines(L"--assume NONE=1"), HasReason("1639", "The script has no variable NONE."));
+    EXPECT_THAT(lines(L"--out none\\a.plan"), HasReason("2", "none\\\\a.plan can't be written: "));
 }
 
 TEST_F(PlanTest, IsRefusedForScriptsThatCannotBeLoaded) {
@@ -228,9 +253,8 @@ TEST_F(PlanTest, ScriptThatEndsTheProcessIsNotPlanned) {
 TEST_F(PlanTest, KeptPlanMayChangeTheEndsOfItsLines) {
     shipTwo();
     ASSERT_EQ(temz(L"plan install.xml --out approved.plan").exitCode, 0u);
-    std::string lines;
-    for (const char byte : readFile(setup(L"approved.plan")))
-        lines += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
+    std::string lines = readFile(setup(L"approved.plan"));
+    ASSERT_GT(std::erase(lines, '\r'), 0u);
     ship(L"approved.plan", lines);
 
     EXPECT_EQ(temz(L"install install.xml --plan approved.plan").exitCode, 0u);
