@@ -47,26 +47,32 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
     temz_observer observer{};
     observer.size = sizeof observer;
     observer.user = this;
-    observer.update = [](void* watch, const temz_outcome* now) {
-        return static_cast<RunWatch*>(watch)->update(*now);
+    observer.update = [](void* user, const temz_outcome* now) {
+        auto& watch = *static_cast<RunWatch*>(user);
+        return watch.guard.answer([&] { return watch.update(*now); });
     };
-    observer.ask = [](void* watch, const temz_outcome* now) {
-        return static_cast<RunWatch*>(watch)->decide(now->error);
+    observer.ask = [](void* user, const temz_outcome* now) {
+        auto& watch = *static_cast<RunWatch*>(user);
+        return watch.guard.answer([&] { return watch.decide(now->error); });
     };
     temz_tracer tracer{};
     tracer.size = sizeof tracer;
     tracer.user = this;
-    tracer.call = [](void* watch, const temz_call* call) {
-        static_cast<RunWatch*>(watch)->hear(*call);
+    tracer.call = [](void* user, const temz_call* call) {
+        auto& watch = *static_cast<RunWatch*>(user);
+        watch.guard.run([&] { watch.hear(*call); });
     };
     if (duties.plan)
-        tracer.permit = [](void* watch, const temz_call* call) {
-            return static_cast<RunWatch*>(watch)->permit(*call);
+        tracer.permit = [](void* user, const temz_call* call) {
+            auto& watch = *static_cast<RunWatch*>(user);
+            return watch.guard.answer([&] { return watch.permit(*call); });
         };
     temz_set_observer(context, &observer);
     temz_set_tracer(context, &tracer);
     const temz_status ended = temz_run(context, mode, &outcome);
-    const temz_status status = planLeft ? temz_status{TEMZ_RUN_FAILED} : ended;
+    const temz_status status = guard.statusOf(planLeft ? temz_status{TEMZ_RUN_FAILED} : ended);
+    if (guard.hasCaught())
+        fate = Fate::failed;
     temz_set_observer(context, nullptr);
     temz_set_tracer(context, nullptr);
 
@@ -186,10 +192,8 @@ temz_answer RunWatch::permit(const temz_call& call) {
 }
 
 temz_answer RunWatch::leavePlan(const wchar_t* what, std::wstring why) {
-    if (duties.plan->isBetweenActions()) {
+    if (duties.plan->isBetweenActions())
         endAction();
-        action = {};
-    }
     Failure failure;
     failure.code = TEMZ_ERROR_MESSAGE;
     failure.what = what;
@@ -210,10 +214,8 @@ void RunWatch::addWaiting(const std::wstring& path) {
 }
 
 Failure RunWatch::tellFailure(const temz_error& error) {
-    if (action.number > 0 && !isFailureOf(action, error)) {
+    if (action.number > 0 && !isFailureOf(action, error))
         endAction();
-        action = {};
-    }
     Failure failure = duties.diagnose(action, error);
     attempt = failure.what == lastFailed ? attempt + 1 : 1;
     lastFailed = failure.what;
@@ -235,9 +237,11 @@ void RunWatch::settle(Failure failure, Fate itsFate) {
 }
 
 void RunWatch::endAction() {
-    counted.done += fate == Fate::done && action.number > 0;
-    if (action.number > 0)
-        tell([this](Reporter& reporter) { reporter.ended(action, fate); });
-    fate = Fate::done;
+    const Action ended = std::exchange(action, {});
+    const Fate itsFate = std::exchange(fate, Fate::done);
     lastFailed.clear();
+    if (ended.number == 0)
+        return;
+    counted.done += itsFate == Fate::done;
+    tell([&](Reporter& reporter) { reporter.ended(ended, itsFate); });
 }

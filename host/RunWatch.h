@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CallbackGuard.h"
 #include "PlanFile.h"
 #include "Report.h"
 
@@ -50,7 +51,8 @@ public:
     RunWatch& operator=(const RunWatch&) = delete;
 
     /// Carries out the script that the context has loaded. The status is temz_run's, or
-    /// TEMZ_RUN_FAILED for a run that was to leave its plan.
+    /// TEMZ_RUN_FAILED for a run that was to leave its plan, or what has kept the run from being
+    /// followed to its end.
     temz_status run(temz_context* context, temz_mode mode, temz_outcome& outcome);
 
     /// What has been counted; the exit code is the caller's to decide.
@@ -74,7 +76,7 @@ private:
     Failure tellFailure(const temz_error& error);
     /// Takes a failure for final.
     void settle(Failure failure, Fate itsFate);
-    void endAction();
+    void endAction();  ///< and begins what is of no action, until the next is announced
     /// Several elements may name the same file.
     void addWaiting(const std::wstring& path);
     std::vector<Call> takeCallsAhead(uint32_t code);
@@ -89,6 +91,7 @@ private:
     std::optional<ErrorPolicy> policy;
     WatchDuties duties;
 
+    CallbackGuard guard;
     temz_context* context = nullptr;
     Action action;           // the one that is under way
     Fate fate = Fate::done;  // as far as it is known
