@@ -405,6 +405,10 @@ private:
                               command->word + L".");
         if (line.verb == Verb::run && line.verbose && line.log.empty() && !line.json)
             return refuse(L"--verbose needs --log or --json, where the calls are shown.");
+        if (!line.assumptions.empty() && !line.out.empty())
+            return refuse(
+                L"--out keeps a plan for a run on this machine, and --assume tells of "
+                L"another one.");
         return true;
     }
 

@@ -407,15 +407,3 @@ std::wstring callText(const std::wstring& name, const std::vector<std::wstring>&
         text += (i == 0 ? L"" : L", ") + arguments[i];
     return text + L")";
 }
-
-std::wstring systemText(uint32_t code) {
-    wchar_t text[512];
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-                       text, static_cast<DWORD>(std::size(text)), nullptr);
-    return withoutLineEnd(std::wstring(text, length));
-}
-
-std::wstring systemTextWithCode(uint32_t code) {
-    return systemText(code) + L" [error " + std::to_wstring(code) + L"]";
-}

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Report.h"
+#include "author/SystemText.h"
 
 /// Facts of the machine by which a failure is explained; tests replace them.
 struct Witnesses {
@@ -44,9 +45,3 @@ inline std::wstring callText(const Call& call) {
 /// What to do about an error code of the system's, whatever the call; empty when there is nothing
 /// to say.
 std::wstring adviceOn(uint32_t code);
-
-/// The system's text for an error code, without a line end; empty when it has none.
-std::wstring systemText(uint32_t code);
-
-/// The same with the code behind it: "Access denied. [error 5]".
-std::wstring systemTextWithCode(uint32_t code);

@@ -16,7 +16,7 @@ constexpr ExitCode codes[] = {
      L"All was done, and files wait for the next restart of the machine.",
      L"Restart the machine: Restart, not Shut down."},
     {Ending::stoppedByUser, ERROR_INSTALL_USEREXIT,
-     L"The user has ended the run. What was done before stays.",
+     L"The user has ended the run, or Windows the session. What was done before stays.",
      L"Run the same command again, or uninstall."},
     {Ending::failed, ERROR_INSTALL_FAILURE,
      L"The run has failed, or a vital action was left out. What was done before stays.",
@@ -32,7 +32,9 @@ constexpr ExitCode codes[] = {
     {Ending::scriptNotLoaded, ERROR_INSTALL_PACKAGE_INVALID,
      L"The script can't be loaded, a run would surely end half-way, or the plan isn't of this run. "
      L"Nothing was done.",
-     L"Mend the script; temz check tells all that is wrong with it."},
+     L"Mend the script, of which temz check tells all that is wrong, or have a plan of this run "
+     L"made "
+     L"and approved."},
     {Ending::logNotOpened, ERROR_INSTALL_LOG_FAILURE, L"The log can't be opened. Nothing was done.",
      L"Name a file in a directory that is there and can be written to."},
     {Ending::badCommandLine, ERROR_INVALID_COMMAND_LINE,

@@ -136,6 +136,9 @@ constexpr MessageRow messages[] = {
      L"The machine isn't as it was when the plan was made. The run was ended before the call that "
      L"the plan lacks.",
      L"See what has changed by temz plan, and have the new plan approved."},
+    {L"has left its plan",
+     L"A call had another result than when the plan was made. The run makes no other call then.",
+     L"See what has changed by temz plan, and have the new plan approved."},
     {L"The plan has more than there was to do",
      L"All was done, with fewer calls than the plan has: something of it was done already.",
      L"Compare the plan with what temz plan shows now, if that wasn't expected."},
@@ -225,7 +228,7 @@ constexpr MessageRow messages[] = {
      L"Give it another name."},
     {L"is a whole drive", L"The script is made for a folder, and a drive has no name for one.",
      L"Name a folder of it."},
-    {L"can't be read. [error", L"The folder isn't there, or Windows doesn't let it be read.",
+    {L"can't be read: ", L"The folder isn't there, or Windows doesn't let it be read.",
      L"Look at its path and its rights."},
     {L"holds no files", L"A script makes a directory only for the files that it puts there.",
      L"Look whether it is the right folder, and built."},

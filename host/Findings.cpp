@@ -2,25 +2,26 @@
 
 #include <algorithm>
 
+#include "CallbackGuard.h"
 #include "Columns.h"
 
 namespace {
 
 constexpr size_t gutterWidth = 6;  // of the line's number
 
-void noteFinding(void* user, const temz_finding* told) {
+ScriptFinding copyOf(const temz_finding& told) {
     ScriptFinding finding;
-    finding.severity = told->severity;
-    finding.endsRun = told->ends_run != 0;
-    finding.line = told->line;
-    finding.column = told->column;
-    finding.length = told->length;
-    finding.code = told->code;
-    finding.file = told->file;
-    finding.text = told->text;
-    finding.help = told->help;
-    finding.sourceLine = told->source_line;
-    static_cast<std::vector<ScriptFinding>*>(user)->push_back(std::move(finding));
+    finding.severity = told.severity;
+    finding.endsRun = told.ends_run != 0;
+    finding.line = told.line;
+    finding.column = told.column;
+    finding.length = told.length;
+    finding.code = told.code;
+    finding.file = told.file;
+    finding.text = told.text;
+    finding.help = told.help;
+    finding.sourceLine = told.source_line;
+    return finding;
 }
 
 std::wstring counted(unsigned count, const wchar_t* word) {
@@ -52,14 +53,21 @@ std::wstring markedLine(const ScriptFinding& finding, size_t width) {
 
 temz_status findFaults(const std::wstring& script, const std::wstring& payload,
                        const std::wstring& previous, std::vector<ScriptFinding>& findings) {
+    struct Notes {
+        std::vector<ScriptFinding>& findings;
+        CallbackGuard guard = {};
+    } notes{findings};
     temz_check_request request{};
     request.size = sizeof request;
     request.script = script.c_str();
     request.payload = payload.empty() ? nullptr : payload.c_str();
     request.previous = previous.empty() ? nullptr : previous.c_str();
-    request.user = &findings;
-    request.finding = noteFinding;
-    return temz_check(&request);
+    request.user = &notes;
+    request.finding = [](void* user, const temz_finding* finding) {
+        auto& noted = *static_cast<Notes*>(user);
+        noted.guard.run([&] { noted.findings.push_back(copyOf(*finding)); });
+    };
+    return notes.guard.statusOf(temz_check(&request));
 }
 
 std::wstring fatalFaults(const std::wstring& script) {

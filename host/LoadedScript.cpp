@@ -48,7 +48,8 @@ std::wstring lastFailure(temz_context* context) {
     size_t length = 0;
     temz_last_failure(context, nullptr, 0, &length);
     std::wstring text(length, L'\0');
-    temz_last_failure(context, text.data(), text.size(), &length);
+    if (temz_last_failure(context, text.data(), text.size(), &length) != TEMZ_OK)
+        return {};
     text.resize(length - 1);
     return text;
 }

@@ -30,5 +30,5 @@ std::wstring findScript(const std::wstring& script,
 /// A context with the script that was found. Null, with the problem, when it can't be loaded.
 ContextPtr loadScript(const std::wstring& script, const std::wstring& path, LoadProblem& problem);
 
-/// The text of temz_last_failure.
+/// The text of temz_last_failure; empty when that can't be had, either.
 std::wstring lastFailure(temz_context* context);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,13 +39,20 @@ struct Step {
     bool uncertain = false;             ///< it fails, unless what can't be foreseen prevents that
 };
 
+/// The system's error code with which a call fails; nothing when it succeeds.
+using CallResult = std::optional<uint32_t>;
+
 /// A call that changes something, by which a run is held against its plan.
 struct PlannedCall {
     std::wstring group;
     std::wstring name;
     std::vector<std::wstring> arguments;
+    CallResult result = {};
 
-    bool operator==(const PlannedCall&) const = default;
+    /// Whether both ask for the same, whatever comes of it.
+    bool asksAs(const PlannedCall& other) const {
+        return group == other.group && name == other.name && arguments == other.arguments;
+    }
 };
 
 /// Where in the plan's calls an element begins to act.

@@ -19,11 +19,6 @@ void warn(const std::wstring& text) {
     write(Stream::error, L"temz: " + text + L"\n");
 }
 
-Ending refuse(const LoadProblem& problem) {
-    warn(problem.text);
-    return problem.ending;
-}
-
 PlanHeader headerOf(const CommandLine& command) {
     PlanHeader header;
     header.version = programVersion();
@@ -34,10 +29,6 @@ PlanHeader headerOf(const CommandLine& command) {
     for (const Assumption& assumption : command.assumptions)
         header.assumptions.push_back(assumption.name + L" = " + assumption.value);
     return header;
-}
-
-Ending refuseToWrite(const std::wstring& problem) {
-    return refuse({Ending::notCarriedOut, problem});
 }
 
 /// Why there is no plan; Ending::done when there is one.
@@ -59,48 +50,57 @@ LoadProblem findPlanProblem(temz_status status, temz_context* context) {
     }
 }
 
-Ending endingOf(const Plan& plan) {
-    return wouldSucceed(summaryOf(plan)) ? Ending::done : Ending::faultsFound;
+/// Makes the plan, but for its header. Why there is none.
+LoadProblem makePlan(const CommandLine& command, Plan& plan) {
+    LoadProblem problem;
+    const std::wstring path = findScript(command.script, warn, problem);
+    if (path.empty())
+        return problem;
+    // The engine itself plans, and would end as it would in the run.
+    const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
+    if (!faults.empty())
+        return {Ending::scriptNotLoaded, command.script +
+                                             L" isn't planned: a run would surely end half-way.\n" +
+                                             faults.substr(0, faults.size() - 1)};
+    const ContextPtr context = loadScript(command.script, path, problem);
+    if (!context)
+        return problem;
+    StopRequest stop;
+    makePlan(
+        context.get(), command.mode, command.assumptions, [&stop] { return stop.wanted(); },
+        realWitnesses, plan);
+    return findPlanProblem(plan.status, context.get());
+}
+
+/// Writes the files that the command wants. Why one of them can't be written.
+LoadProblem writeFiles(const CommandLine& command, const Plan& plan) {
+    std::wstring unwritten;
+    if (!command.out.empty())
+        unwritten = keepPlan(plan, command.out);
+    if (unwritten.empty() && !command.html.empty())
+        unwritten = writeTextFile(command.html, planHtml(plan));
+    return unwritten.empty() ? LoadProblem() : LoadProblem{Ending::notCarriedOut, unwritten};
 }
 
 }  // namespace
 
 Ending showPlan(const CommandLine& command) {
-    LoadProblem problem;
-    const std::wstring path = findScript(command.script, warn, problem);
-    if (path.empty())
-        return refuse(problem);
-    // The engine itself plans, and would end as it would in the run.
-    const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
-    if (!faults.empty())
-        return refuse({Ending::scriptNotLoaded,
-                       command.script + L" isn't planned: a run would surely end half-way.\n" +
-                           faults.substr(0, faults.size() - 1)});
     Plan plan;
     plan.header = headerOf(command);
-    const ContextPtr context = loadScript(command.script, path, problem);
-    if (!context)
-        return refuse(problem);
-    {
-        StopRequest stop;
-        makePlan(
-            context.get(), command.mode, command.assumptions, [&stop] { return stop.wanted(); },
-            realWitnesses, plan);
-    }
-    problem = findPlanProblem(plan.status, context.get());
+    LoadProblem problem = makePlan(command, plan);
     if (problem.ending != Ending::done)
-        return refuse(problem);
-
-    if (!command.out.empty() && !keepPlan(plan, command.out))
-        return refuseToWrite(command.out + L" can't be written.");
-    if (!command.html.empty())
-        if (const std::wstring unwritten = writeTextFile(command.html, planHtml(plan));
-            !unwritten.empty())
-            return refuseToWrite(unwritten);
-    const Ending ending = endingOf(plan);
-    if (command.json)
-        writePlanAsJson(plan, exitCodeOf(ending));
+        plan.steps.clear();
     else
+        problem = writeFiles(command, plan);
+    const bool isShown = problem.ending == Ending::done;
+    const Ending ending = !isShown                        ? problem.ending
+                          : wouldSucceed(summaryOf(plan)) ? Ending::done
+                                                          : Ending::faultsFound;
+    if (command.json)
+        writePlanAsJson(plan, exitCodeOf(ending), problem.text);
+    else if (isShown)
         write(Stream::output, planText(plan, canShowColours()));
+    if (!isShown)
+        warn(problem.text);
     return ending;
 }

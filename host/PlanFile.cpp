@@ -1,7 +1,5 @@
 #include "PlanFile.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cwchar>
 #include <filesystem>
@@ -9,13 +7,16 @@
 #include <iterator>
 #include <sstream>
 
+#include "Diagnosis.h"
+#include "ScriptFile.h"
+#include "TextOutput.h"
 #include "Utf8.h"
 
 namespace {
 
 // A line has fields between tabs; in them, a backslash, a tab and the ends of lines are escaped.
 constexpr wchar_t format[] = L"temz-plan";
-constexpr wchar_t formatVersion[] = L"1";
+constexpr wchar_t formatVersion[] = L"2";
 
 struct Escape {
     wchar_t character;
@@ -63,8 +64,14 @@ std::vector<std::wstring> fieldsOf(const std::wstring& text) {
     return fields;
 }
 
+uint32_t number(const std::wstring& field) {
+    return static_cast<uint32_t>(std::wcstoul(field.c_str(), nullptr, 10));
+}
+
+/// Its result is the system's error code, or nothing.
 std::wstring callLine(const PlannedCall& call) {
-    std::vector<std::wstring> fields{L"call", call.group, call.name};
+    const std::wstring result = call.result ? std::to_wstring(*call.result) : L"";
+    std::vector<std::wstring> fields{L"call", result, call.group, call.name};
     fields.insert(fields.end(), call.arguments.begin(), call.arguments.end());
     return line(fields);
 }
@@ -83,8 +90,13 @@ std::wstring textOf(const Plan& plan) {
     return text + line({L"end"});
 }
 
-uint32_t lineNumber(const std::wstring& field) {
-    return static_cast<uint32_t>(std::wcstoul(field.c_str(), nullptr, 10));
+PlannedCall readCall(const std::vector<std::wstring>& fields) {
+    const CallResult result = fields[1].empty() ? std::nullopt : CallResult(number(fields[1]));
+    return {fields[2], fields[3], {fields.begin() + 4, fields.end()}, result};
+}
+
+std::wstring textOf(const CallResult& result) {
+    return result ? systemTextWithCode(*result) : L"success";
 }
 
 /// Reads the lines behind the first. What it finds wrong is in `problem`.
@@ -130,9 +142,9 @@ private:
         else if (kind == L"mode" && fields.size() == 2)
             plan.mode = fields[1];
         else if (kind == L"element" && fields.size() == 3)
-            plan.elements.push_back({plan.calls.size(), fields[1], lineNumber(fields[2])});
-        else if (kind == L"call" && fields.size() >= 3)
-            plan.calls.push_back({fields[1], fields[2], {fields.begin() + 3, fields.end()}});
+            plan.elements.push_back({plan.calls.size(), fields[1], number(fields[2])});
+        else if (kind == L"call" && fields.size() >= 4)
+            plan.calls.push_back(readCall(fields));
         else if (kind == L"end" && fields.size() == 1)
             complete = true;
         else
@@ -147,18 +159,16 @@ private:
 
 }  // namespace
 
-bool keepPlan(const Plan& plan, const std::wstring& path) {
-    std::ofstream file(std::filesystem::path(path), std::ios::binary | std::ios::trunc);
-    file << toUtf8(textOf(plan)) << std::flush;
-    return file.good();
+std::wstring keepPlan(const Plan& plan, const std::wstring& path) {
+    return writeTextFile(path, textOf(plan));
 }
 
 std::optional<KeptPlan> readPlan(const std::wstring& path, std::wstring& problem) {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
-    if (!file) {
-        problem = L"It can't be opened.";
+    if (const std::wstring opening = findOpenProblem(path); !opening.empty()) {
+        problem = L"It can't be opened: " + opening;
         return std::nullopt;
     }
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
     const std::string utf8{std::istreambuf_iterator<char>(file), {}};
     std::wistringstream lines(fromUtf8(utf8));
     return PlanReader(problem).read(lines);
@@ -168,12 +178,27 @@ bool PlanHold::take(const PlannedCall& call) {
     const auto from = plan.calls.begin() + static_cast<ptrdiff_t>(again);
     const auto behind =
         plan.calls.begin() + static_cast<ptrdiff_t>(std::min(position + 1, plan.calls.size()));
-    const auto found = std::find(from, behind, call);
+    const auto found = std::find_if(
+        from, behind, [&call](const PlannedCall& planned) { return planned.asksAs(call); });
     if (found == behind)
         return false;
     position = static_cast<size_t>(found - plan.calls.begin()) + 1;
     again = position;
     return true;
+}
+
+void PlanHold::returned(const CallResult& result) {
+    departed.reset();
+    if (result != plan.calls[position - 1].result)
+        departed = result;
+}
+
+std::wstring PlanHold::otherResult() const {
+    if (!departed)
+        return {};
+    const PlannedCall& call = plan.calls[position - 1];
+    return callText(call.name, call.arguments) + L" has another result: " + textOf(*departed) +
+           L", and in the plan " + textOf(call.result);
 }
 
 const PlannedCall* PlanHold::next() const {
@@ -182,6 +207,7 @@ const PlannedCall* PlanHold::next() const {
 
 // A File makes its directory before it is announced, so its calls begin where its element does.
 void PlanHold::retried() {
+    departed.reset();
     again = 0;
     for (const PlannedElement& element : plan.elements)
         if (element.firstCall <= announcedAt)

@@ -15,8 +15,8 @@ struct KeptPlan {
     std::vector<PlannedElement> elements;  ///< by their first calls
 };
 
-/// Writes the file. False when that isn't possible.
-bool keepPlan(const Plan& plan, const std::wstring& path);
+/// Writes the file. Gives why that isn't possible; empty when it is.
+std::wstring keepPlan(const Plan& plan, const std::wstring& path);
 
 /// Reads one. Nothing when it can't be read or is none; `problem` then tells why.
 std::optional<KeptPlan> readPlan(const std::wstring& path, std::wstring& problem);
@@ -29,6 +29,11 @@ public:
     /// Takes a call that is about to be made. False when the plan doesn't have it next: it must not
     /// be made then.
     bool take(const PlannedCall& call);
+    /// The call that was taken last has been made.
+    void returned(const CallResult& result);
+    /// Which call has had another result than the plan has for it, and both; empty when none. No
+    /// other call must be made then.
+    std::wstring otherResult() const;
     /// What the plan has next; null at its end.
     const PlannedCall* next() const;
     /// How many of its calls the run hasn't come to.
@@ -46,4 +51,5 @@ private:
     size_t position = 0;
     size_t announcedAt = 0;
     size_t again = 0;  // from where on calls may come once more; at most `position`
+    std::optional<CallResult> departed;  // the result of the call before `position` if not its own
 };

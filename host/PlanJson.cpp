@@ -69,7 +69,7 @@ void writeStep(const Step& step) {
     addOfKind(step, line);
 }
 
-void writeSummary(const PlanSummary& summary, int exitCode) {
+void writeSummary(const PlanSummary& summary, int exitCode, const std::wstring& reason) {
     std::vector<std::wstring> drives;
     std::vector<uint64_t> bytes;
     for (const auto& [drive, needed] : summary.bytesNeeded) {
@@ -93,12 +93,13 @@ void writeSummary(const PlanSummary& summary, int exitCode) {
         .add(L"uncertainFailures", summary.uncertainFailures)
         .add(L"otherFailures", summary.otherFailures)
         .add(L"endsUnasked", summary.endsUnasked)
-        .add(L"unforeseeable", summary.unforeseeable);
+        .add(L"unforeseeable", summary.unforeseeable)
+        .add(L"reason", reason);
 }
 
 }  // namespace
 
-void writePlanAsJson(const Plan& plan, int exitCode) {
+void writePlanAsJson(const Plan& plan, int exitCode, const std::wstring& reason) {
     const PlanHeader& header = plan.header;
     JsonLine(L"plan")
         .add(L"schema", std::wstring(schemaVersion))
@@ -110,5 +111,5 @@ void writePlanAsJson(const Plan& plan, int exitCode) {
         .add(L"assumptions", header.assumptions);
     for (const Step& step : plan.steps)
         writeStep(step);
-    writeSummary(summaryOf(plan), exitCode);
+    writeSummary(summaryOf(plan), exitCode, reason);
 }

@@ -2,10 +2,15 @@
 
 #include <utility>
 
+#include "CallbackGuard.h"
 #include "DeepStack.h"
 #include "RunWatch.h"
 
 namespace {
+
+temz_answer answerTo(const std::function<bool()>& stopWanted) {
+    return stopWanted() ? TEMZ_STOP : TEMZ_CONTINUE;
+}
 
 /// Follows a plan through the engine's callbacks.
 class PlanMaker {
@@ -13,45 +18,53 @@ public:
     PlanMaker(const std::function<bool()>& stopWanted, const Witnesses& witnesses, Plan& plan)
         : stopWanted(stopWanted), witnesses(witnesses), plan(plan) {}
 
-    void make(temz_context* context, temz_mode mode, const std::vector<Assumption>& assumptions) {
-        std::vector<temz_assumption> records;
-        records.reserve(assumptions.size());
-        for (const Assumption& assumption : assumptions)
-            records.push_back({assumption.name.c_str(), assumption.value.c_str()});
+    void make(temz_context* context, temz_mode mode,
+              const std::vector<temz_assumption>& assumptions) {
         temz_planner planner{};
         planner.size = sizeof planner;
-        planner.assumption_count = static_cast<uint32_t>(records.size());
-        planner.assumptions = records.data();
+        planner.assumption_count = static_cast<uint32_t>(assumptions.size());
+        planner.assumptions = assumptions.data();
         planner.user = this;
-        planner.step = [](void* self, const temz_step* step) {
-            static_cast<PlanMaker*>(self)->take(*step);
+        planner.step = [](void* user, const temz_step* step) {
+            auto& maker = *static_cast<PlanMaker*>(user);
+            maker.guard.run([&] { maker.take(*step); });
         };
         temz_observer observer{};
         observer.size = sizeof observer;
         observer.user = this;
-        observer.update = [](void* self, const temz_outcome*) -> temz_answer {
-            return static_cast<PlanMaker*>(self)->stopWanted() ? TEMZ_STOP : TEMZ_CONTINUE;
+        observer.update = [](void* user, const temz_outcome*) {
+            auto& maker = *static_cast<PlanMaker*>(user);
+            return maker.guard.answer([&] { return answerTo(maker.stopWanted); });
         };
         temz_tracer tracer{};
         tracer.size = sizeof tracer;
         tracer.user = this;
-        tracer.call = [](void* self, const temz_call* call) {
-            static_cast<PlanMaker*>(self)->action.calls.push_back(copyOf(*call));
+        tracer.call = [](void* user, const temz_call* call) {
+            auto& maker = *static_cast<PlanMaker*>(user);
+            maker.guard.run([&] { maker.hear(*call); });
         };
-        tracer.permit = [](void* self, const temz_call* call) -> temz_answer {
-            Call planned = copyOf(*call);
-            static_cast<PlanMaker*>(self)->plan.calls.push_back(
-                {std::move(planned.group), std::move(planned.name), std::move(planned.arguments)});
-            return TEMZ_CONTINUE;
+        tracer.permit = [](void* user, const temz_call* call) {
+            auto& maker = *static_cast<PlanMaker*>(user);
+            return maker.guard.answer([&]() -> temz_answer {
+                maker.plan.calls.push_back(plannedCall(copyOf(*call)));
+                return TEMZ_CONTINUE;
+            });
         };
         temz_set_observer(context, &observer);
         temz_set_tracer(context, &tracer);
-        plan.status = temz_plan(context, mode, &planner, nullptr);
+        plan.status = guard.statusOf(temz_plan(context, mode, &planner, nullptr));
         temz_set_observer(context, nullptr);
         temz_set_tracer(context, nullptr);
     }
 
 private:
+    /// A call that changes something has asked for its permit just before.
+    void hear(const temz_call& call) {
+        action.calls.push_back(copyOf(call));
+        if (call.changes)
+            plan.calls.back().result = resultOf(action.calls.back());
+    }
+
     void take(const temz_step& told) {
         Step step;
         step.kind = told.kind;
@@ -119,6 +132,7 @@ private:
     const std::function<bool()>& stopWanted;
     const Witnesses& witnesses;
     Plan& plan;
+    CallbackGuard guard;
     Action action;
     bool unforeseeable = false;  // something was, so far
 };
@@ -127,27 +141,33 @@ private:
 
 void makePlan(temz_context* context, temz_mode mode, const std::vector<Assumption>& assumptions,
               const std::function<bool()>& stopWanted, const Witnesses& witnesses, Plan& plan) {
-    onDeepStack([&] { PlanMaker(stopWanted, witnesses, plan).make(context, mode, assumptions); });
+    std::vector<temz_assumption> records;
+    records.reserve(assumptions.size());
+    for (const Assumption& assumption : assumptions)
+        records.push_back({assumption.name.c_str(), assumption.value.c_str()});
+    PlanMaker maker(stopWanted, witnesses, plan);
+    onDeepStack([&] { maker.make(context, mode, records); });
 }
 
 unsigned countActions(temz_context* context, temz_mode mode,
                       const std::function<bool()>& stopWanted) {
     struct Count {
         const std::function<bool()>& stopWanted;
+        CallbackGuard guard = {};
         unsigned actions = 0;
     } count{stopWanted};
     temz_observer observer{};
     observer.size = sizeof observer;
     observer.user = &count;
-    observer.update = [](void* user, const temz_outcome*) -> temz_answer {
+    observer.update = [](void* user, const temz_outcome*) {
         auto& counted = *static_cast<Count*>(user);
         ++counted.actions;
-        return counted.stopWanted() ? TEMZ_STOP : TEMZ_CONTINUE;
+        return counted.guard.answer([&] { return answerTo(counted.stopWanted); });
     };
     temz_status status = TEMZ_INTERNAL;
     onDeepStack([&] {
         temz_set_observer(context, &observer);
-        status = temz_plan(context, mode, nullptr, nullptr);
+        status = count.guard.statusOf(temz_plan(context, mode, nullptr, nullptr));
         temz_set_observer(context, nullptr);
     });
     return status == TEMZ_OK ? count.actions : 0;

@@ -78,6 +78,7 @@ struct RunSummary {
     std::vector<std::wstring> leftOut;  ///< what failed and was gone on without, and why
     bool restartNeeded = false;
     std::vector<std::wstring> waiting;  ///< files that wait for the restart
+    bool sessionEnded = false;          ///< by which Windows, not the user, has ended the run
     std::wstring stoppedAt;             ///< the action before which the user stopped, or empty
     std::wstring reason;                ///< why the run could not begin; empty when it did
 };

@@ -37,7 +37,9 @@ std::wstring headline(const RunSummary& summary) {
     if (nothingWasTried(summary))
         return L"Nothing was done" + code + L".";
     if (summary.ending == Ending::stoppedByUser)
-        return L"Ended by the user after " + done + code + L". What was done before stays.";
+        return (summary.sessionEnded ? L"Ended with the session after "
+                                     : L"Ended by the user after ") +
+               done + code + L". What was done before stays.";
     return L"Failed after " + done + code + L". What was done before stays.";
 }
 

@@ -16,10 +16,6 @@ constexpr std::wstring_view notVitalLine = L"The last error isn't vital - ignore
 constexpr std::chrono::milliseconds firstPause{250};
 constexpr std::chrono::milliseconds longestPause{2000};
 
-PlannedCall plannedCall(const Call& call) {
-    return {call.group, call.name, call.arguments};
-}
-
 }  // namespace
 
 Call copyOf(const temz_call& call) {
@@ -34,6 +30,14 @@ Call copyOf(const temz_call& call) {
     return copy;
 }
 
+PlannedCall plannedCall(const Call& call) {
+    return {call.group, call.name, call.arguments};
+}
+
+CallResult resultOf(const Call& call) {
+    return call.failed ? CallResult(call.systemError) : std::nullopt;
+}
+
 RunWatch::RunWatch(std::vector<Reporter*> reporters, std::optional<ErrorPolicy> policy,
                    WatchDuties duties)
     : reporters(std::move(reporters)), policy(policy), duties(std::move(duties)) {}
@@ -43,26 +47,32 @@ temz_status RunWatch::run(temz_context* runContext, temz_mode mode, temz_outcome
     temz_observer observer{};
     observer.size = sizeof observer;
     observer.user = this;
-    observer.update = [](void* watch, const temz_outcome* now) {
-        return static_cast<RunWatch*>(watch)->update(*now);
+    observer.update = [](void* user, const temz_outcome* now) {
+        auto& watch = *static_cast<RunWatch*>(user);
+        return watch.guard.answer([&] { return watch.update(*now); });
     };
-    observer.ask = [](void* watch, const temz_outcome* now) {
-        return static_cast<RunWatch*>(watch)->decide(now->error);
+    observer.ask = [](void* user, const temz_outcome* now) {
+        auto& watch = *static_cast<RunWatch*>(user);
+        return watch.guard.answer([&] { return watch.decide(now->error); });
     };
     temz_tracer tracer{};
     tracer.size = sizeof tracer;
     tracer.user = this;
-    tracer.call = [](void* watch, const temz_call* call) {
-        static_cast<RunWatch*>(watch)->hear(*call);
+    tracer.call = [](void* user, const temz_call* call) {
+        auto& watch = *static_cast<RunWatch*>(user);
+        watch.guard.run([&] { watch.hear(*call); });
     };
     if (duties.plan)
-        tracer.permit = [](void* watch, const temz_call* call) {
-            return static_cast<RunWatch*>(watch)->permit(*call);
+        tracer.permit = [](void* user, const temz_call* call) {
+            auto& watch = *static_cast<RunWatch*>(user);
+            return watch.guard.answer([&] { return watch.permit(*call); });
         };
     temz_set_observer(context, &observer);
     temz_set_tracer(context, &tracer);
     const temz_status ended = temz_run(context, mode, &outcome);
-    const temz_status status = planLeft ? temz_status{TEMZ_RUN_FAILED} : ended;
+    const temz_status status = guard.statusOf(planLeft ? temz_status{TEMZ_RUN_FAILED} : ended);
+    if (guard.hasCaught())
+        fate = Fate::failed;
     temz_set_observer(context, nullptr);
     temz_set_tracer(context, nullptr);
 
@@ -156,6 +166,8 @@ void RunWatch::hear(const temz_call& heard) {
     tell([&call](Reporter& reporter) { reporter.called(call); });
     if (call.name == L"MoveFileExW" && !call.failed)
         addWaiting(call.arguments[1]);
+    if (duties.plan && heard.changes)
+        duties.plan->returned(resultOf(call));
     const bool notVital = call.group == L"log" && call.arguments[0].ends_with(notVitalLine);
     action.calls.push_back(std::move(call));
     if (!notVital)
@@ -168,18 +180,24 @@ void RunWatch::hear(const temz_call& heard) {
 
 temz_answer RunWatch::permit(const temz_call& call) {
     const Call coming = copyOf(call);
+    if (std::wstring other = duties.plan->otherResult(); !other.empty())
+        return leavePlan(L"The run has left its plan", std::move(other));
     if (duties.plan->take(plannedCall(coming)))
         return TEMZ_CONTINUE;
-    if (duties.plan->isBetweenActions()) {
-        endAction();
-        action = {};
-    }
     const PlannedCall* next = duties.plan->next();
+    return leavePlan(
+        L"The run was about to leave its plan",
+        L"it comes to " + callText(coming) + L", and the plan " +
+            (next ? L"has " + callText(next->name, next->arguments) : L"has nothing more"));
+}
+
+temz_answer RunWatch::leavePlan(const wchar_t* what, std::wstring why) {
+    if (duties.plan->isBetweenActions())
+        endAction();
     Failure failure;
     failure.code = TEMZ_ERROR_MESSAGE;
-    failure.what = L"The run was about to leave its plan";
-    failure.why = L"it comes to " + callText(coming.name, coming.arguments) + L", and the plan " +
-                  (next ? L"has " + callText(next->name, next->arguments) : L"has nothing more");
+    failure.what = what;
+    failure.why = std::move(why);
     failure.advice = L"See what has changed by temz plan, and have the new plan approved.";
     tell([&](Reporter& reporter) { reporter.failed(action, failure, 1); });
     settle(std::move(failure), Fate::failed);
@@ -196,10 +214,8 @@ void RunWatch::addWaiting(const std::wstring& path) {
 }
 
 Failure RunWatch::tellFailure(const temz_error& error) {
-    if (action.number > 0 && !isFailureOf(action, error)) {
+    if (action.number > 0 && !isFailureOf(action, error))
         endAction();
-        action = {};
-    }
     Failure failure = duties.diagnose(action, error);
     attempt = failure.what == lastFailed ? attempt + 1 : 1;
     lastFailed = failure.what;
@@ -221,9 +237,11 @@ void RunWatch::settle(Failure failure, Fate itsFate) {
 }
 
 void RunWatch::endAction() {
-    counted.done += fate == Fate::done && action.number > 0;
-    if (action.number > 0)
-        tell([this](Reporter& reporter) { reporter.ended(action, fate); });
-    fate = Fate::done;
+    const Action ended = std::exchange(action, {});
+    const Fate itsFate = std::exchange(fate, Fate::done);
     lastFailed.clear();
+    if (ended.number == 0)
+        return;
+    counted.done += itsFate == Fate::done;
+    tell([&](Reporter& reporter) { reporter.ended(ended, itsFate); });
 }

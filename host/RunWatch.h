@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CallbackGuard.h"
 #include "PlanFile.h"
 #include "Report.h"
 
@@ -36,6 +37,10 @@ struct WatchDuties {
 /// A copy that outlives the callback.
 Call copyOf(const temz_call& call);
 
+/// What a plan keeps of a call, and what comes of it when it has returned.
+PlannedCall plannedCall(const Call& call);
+CallResult resultOf(const Call& call);
+
 /// Follows a run through the engine's callbacks: tells the reporters, keeps the calls of the action
 /// that is under way, counts, and decides about failures.
 class RunWatch {
@@ -46,7 +51,8 @@ public:
     RunWatch& operator=(const RunWatch&) = delete;
 
     /// Carries out the script that the context has loaded. The status is temz_run's, or
-    /// TEMZ_RUN_FAILED for a run that was to leave its plan.
+    /// TEMZ_RUN_FAILED for a run that was to leave its plan, or what has kept the run from being
+    /// followed to its end.
     temz_status run(temz_context* context, temz_mode mode, temz_outcome& outcome);
 
     /// What has been counted; the exit code is the caller's to decide.
@@ -61,6 +67,7 @@ private:
     temz_answer decide(const temz_error& error);
     void hear(const temz_call& heard);
     temz_answer permit(const temz_call& call);
+    temz_answer leavePlan(const wchar_t* what, std::wstring why);
 
     temz_answer answerByPolicy();
     temz_answer answerByUser();
@@ -69,7 +76,7 @@ private:
     Failure tellFailure(const temz_error& error);
     /// Takes a failure for final.
     void settle(Failure failure, Fate itsFate);
-    void endAction();
+    void endAction();  ///< and begins what is of no action, until the next is announced
     /// Several elements may name the same file.
     void addWaiting(const std::wstring& path);
     std::vector<Call> takeCallsAhead(uint32_t code);
@@ -84,6 +91,7 @@ private:
     std::optional<ErrorPolicy> policy;
     WatchDuties duties;
 
+    CallbackGuard guard;
     temz_context* context = nullptr;
     Action action;           // the one that is under way
     Fate fate = Fate::done;  // as far as it is known

@@ -110,7 +110,8 @@ public:
             warn(text);
         summary.ending =
             logProblem.empty() ? runLoaded() : refuse(Ending::logNotOpened, logProblem);
-        if (summary.ending == Ending::stoppedByUser && stop.isSessionEnding())
+        summary.sessionEnded = summary.ending == Ending::stoppedByUser && stop.isSessionEnding();
+        if (summary.sessionEnded)
             warn(L"Windows ends the session.");
         tell([this](Reporter& reporter) { reporter.finished(summary); });
         if (log && log->writeError() != ERROR_SUCCESS)
@@ -230,6 +231,8 @@ private:
         const temz_status status = watch.run(context, command.mode, outcome);
         summary = watch.summary();
         summary.total = total;
+        if (plan && status == TEMZ_OK && !plan->otherResult().empty())
+            warn(L"The run has left its plan at its end: " + plan->otherResult());
         if (plan && status == TEMZ_OK && plan->left() > 0)
             warn(L"The plan has more than there was to do: its last calls, " +
                  std::to_wstring(plan->left()) + L" of them, weren't made.");

@@ -62,12 +62,13 @@ int runAlone(const std::wstring& mode, const std::wstring& script, bool json) {
     return static_cast<int>(exitCode);
 }
 
-/// Says so when it can't.
-bool canBeOpened(const std::wstring& script) {
-    const std::wstring problem = findOpenProblem(script);
-    if (!problem.empty())
-        write(Stream::error, L"temz: " + script + L" can't be opened: " + problem + L"\n");
-    return problem.empty();
+/// Why the scripts of a command can't be opened; empty when they can.
+std::wstring findUnopened(const CommandLine& command) {
+    for (const std::wstring& script : {command.upgradeFrom, command.script})
+        if (const std::wstring problem = script.empty() ? L"" : findOpenProblem(script);
+            !problem.empty())
+            return script + L" can't be opened: " + problem;
+    return {};
 }
 
 /// One product on this machine.
@@ -79,6 +80,11 @@ public:
     Ending carryOut() {
         const std::wstring script = wholePath(command.script);
         report->started(script);
+        if (const std::wstring reason = findUnopened(command); !reason.empty()) {
+            report->refused(reason, Ending::scriptNotOpened);
+            write(Stream::error, L"temz: " + reason + L"\n");
+            return Ending::scriptNotOpened;
+        }
         const std::vector<std::wstring> besides = ownOutputs();
         const Picture before = takePicture(besides);
         if (command.upgradeFrom.empty()) {
@@ -116,7 +122,5 @@ private:
 }  // namespace
 
 Ending verifyScript(const CommandLine& command) {
-    const bool opens = (command.upgradeFrom.empty() || canBeOpened(command.upgradeFrom)) &&
-                       canBeOpened(command.script);
-    return opens ? Verification(command).carryOut() : Ending::scriptNotOpened;
+    return Verification(command).carryOut();
 }

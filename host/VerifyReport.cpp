@@ -41,6 +41,8 @@ public:
               L"New on the machine: " + (list.empty() ? L"nothing" : list) + L".\n");
     }
 
+    void refused(const std::wstring& /*reason*/, Ending /*ending*/) override {}
+
     void finished(const std::vector<Difference>& differences, Ending ending) override {
         write(Stream::output, L"--- the machine, compared with before the install\n");
         for (const Aftermath aftermath : aftermaths)
@@ -91,6 +93,8 @@ public:
             line.add(wordOf(kind), countNew(kind, before, after));
     }
 
+    void refused(const std::wstring& reason, Ending ending) override { end({}, ending, reason); }
+
     void finished(const std::vector<Difference>& differences, Ending ending) override {
         for (const Difference& difference : differences)
             JsonLine(L"difference")
@@ -98,10 +102,17 @@ public:
                 .add(L"kind", std::wstring(wordOf(difference.kind)))
                 .add(L"name", difference.name)
                 .add(L"detail", difference.detail);
+        end(differences, ending, L"");
+    }
+
+private:
+    static void end(const std::vector<Difference>& differences, Ending ending,
+                    const std::wstring& reason) {
         JsonLine line(L"end");
         line.add(L"exitCode", exitCodeOf(ending));
         for (const Aftermath aftermath : aftermaths)
             line.add(wordOf(aftermath), countOf(differences, aftermath));
+        line.add(L"reason", reason);
     }
 };
 

@@ -18,6 +18,8 @@ public:
     virtual void runBegins(const std::wstring& mode, const std::wstring& script) = 0;
     virtual void runEnded(const std::wstring& mode, const std::wstring& script, int exitCode) = 0;
     virtual void installed(const Picture& before, const Picture& after) = 0;
+    /// Nothing can be verified; comes in the place of all but `started`.
+    virtual void refused(const std::wstring& reason, Ending ending) = 0;
     virtual void finished(const std::vector<Difference>& differences, Ending ending) = 0;
 };
 

@@ -8,6 +8,8 @@
 #include <memory>
 #include <string_view>
 
+#include "author/SystemText.h"
+
 namespace {
 
 struct FindCloser {
@@ -15,7 +17,7 @@ struct FindCloser {
 };
 
 std::wstring unreadable(DWORD error) {
-    return L"can't be read. [error " + std::to_wstring(error) + L"]";
+    return L"can't be read: " + systemTextWithCode(error);
 }
 
 bool isDevice(const std::wstring& name) {

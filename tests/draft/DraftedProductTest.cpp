@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "SetupTest.h"
+#include "author/SystemText.h"
 #include "support/Requirements.h"
 
 namespace fs = std::filesystem;
@@ -151,7 +152,8 @@ TEST_F(DraftedProductTest, IsRefusedWithAReason) {
               "control character and none of <>:\"/\\|?* in a name.\n");
     const ProgramRun absent = temz(L"harvest absent");
     EXPECT_EQ(absent.exitCode, 2u);
-    EXPECT_THAT(absent.error, HasSubstr("absent can't be read. [error 3]\n"));
+    EXPECT_THAT(absent.error,
+                HasSubstr("absent can't be read: " + utf8(systemTextWithCode(3)) + "\n"));
     EXPECT_THAT(absent.output, IsEmpty());
 }
 

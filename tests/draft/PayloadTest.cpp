@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include "author/SystemText.h"
 #include "support/TestFolder.h"
 
 using testing::ElementsAre;
@@ -70,7 +71,7 @@ TEST_F(PayloadTest, MustHoldAFile) {
 
 TEST_F(PayloadTest, MustBeThere) {
     EXPECT_FALSE(read(folder.path(L"p")));
-    EXPECT_EQ(problem, folder.path(L"p") + L" can't be read. [error 3]");
+    EXPECT_EQ(problem, folder.path(L"p") + L" can't be read: " + systemTextWithCode(3));
 }
 
 TEST_F(PayloadTest, MustHaveAName) {

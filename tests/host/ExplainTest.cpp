@@ -45,6 +45,9 @@ constexpr Message messagesOfProgram[] = {
     {L"The run was about to leave its plan: it comes to DeleteFileW(a), and the plan has nothing "
      L"more",
      L"leave its plan"},
+    {L"The run has left its plan: DeleteFileW(a) has another result: success, and in the plan "
+     L"Access denied. [error 5]",
+     L"has left its plan"},
     {L"The plan has more than there was to do: its last calls, 2 of them, weren't made.",
      L"The plan has more than there was to do"},
     {L"The wait for another run was ended.", L"The wait for another run was ended"},
@@ -107,14 +110,13 @@ constexpr Message messagesOfProgram[] = {
     {L"temz: The log is incomplete: There is not enough space on the disk. [error 112]",
      L"The log is incomplete"},
     {L"temz: a.html can't be written: Access denied. [error 5]", L"can't be written"},
-    {L"temz: a.plan can't be written.", L"can't be written"},
     {L"temz: The product's directory can't be called a?: Windows allows no control character and "
      L"none of <>:\"/\\|?* in a name.",
      L"can't be called"},
     {L"temz: C:\\a\\b. can't be installed: Windows drops dots and blanks at the end of a name.",
      L"can't be installed: "},
     {L"temz: C:\\ is a whole drive; name a folder.", L"is a whole drive"},
-    {L"temz: C:\\a can't be read. [error 5]", L"can't be read. [error"},
+    {L"temz: C:\\a can't be read: Access denied. [error 5]", L"can't be read: "},
     {L"temz: C:\\a holds no files.", L"holds no files"},
     {L"Nothing was done (1618).", L"Nothing was done ("},
     {L"Failed after 1 of 2 actions (1603). What was done before stays.",

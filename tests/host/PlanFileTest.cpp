@@ -1,7 +1,9 @@
 #include "host/PlanFile.h"
 
 #include <gmock/gmock.h>
+#include <windows.h>
 
+#include "host/Diagnosis.h"
 #include "support/TestFolder.h"
 
 using testing::ElementsAre;
@@ -23,6 +25,13 @@ Plan planOfTwo() {
     return plan;
 }
 
+/// A plan whose first copy fails.
+Plan planWithFailure() {
+    Plan plan = planOfTwo();
+    plan.calls[1].result = 5;
+    return plan;
+}
+
 PlanHold holdOf(const Plan& plan) {
     return PlanHold({plan.header.scriptHash, plan.header.mode, plan.calls, plan.elements});
 }
@@ -38,27 +47,33 @@ protected:
 };
 
 TEST_F(PlanFileTest, KeepsCallsInALineEach) {
-    ASSERT_TRUE(keepPlan(planOfTwo(), folder.path(L"plan")));
-    EXPECT_EQ(
-        readFile(folder.path(L"plan")),
-        "temz-plan\t1\nsha256\t0a1b\nmode\tinstall\nelement\tFile\t3\n"
-        "call\tfile\tCreateDirectoryW\tC:\\\\app\ncall\tfile\tCopyFileW\ta\tC:\\\\app\\\\a\t0\n"
-        "element\tFile\t4\ncall\tfile\tCreateDirectoryW\tC:\\\\app\n"
-        "call\tfile\tCopyFileW\tb\tC:\\\\app\\\\b\t0\nend\n");
+    ASSERT_EQ(keepPlan(planWithFailure(), folder.path(L"plan")), L"");
+    EXPECT_EQ(readFile(folder.path(L"plan")),
+              "temz-plan\t2\r\nsha256\t0a1b\r\nmode\tinstall\r\nelement\tFile\t3\r\n"
+              "call\t\tfile\tCreateDirectoryW\tC:\\\\app\r\n"
+              "call\t5\tfile\tCopyFileW\ta\tC:\\\\app\\\\a\t0\r\n"
+              "element\tFile\t4\r\ncall\t\tfile\tCreateDirectoryW\tC:\\\\app\r\n"
+              "call\t\tfile\tCopyFileW\tb\tC:\\\\app\\\\b\t0\r\nend\r\n");
 }
 
 TEST_F(PlanFileTest, GivesBackWhatItHasKept) {
     Plan plan = planOfTwo();
     plan.calls[0].arguments = {L"", L"\\n\n\r\t\\", L"\u00E4\u5B89\U0001F4BE", L""};
     plan.calls[1].arguments = {};
-    ASSERT_TRUE(keepPlan(plan, folder.path(L"plan")));
+    plan.calls[2].result = 183;
+    plan.calls[3].result = 0;
+    ASSERT_EQ(keepPlan(plan, folder.path(L"plan")), L"");
 
     const std::optional<KeptPlan> kept = readPlan(folder.path(L"plan"), problem);
 
     ASSERT_TRUE(kept);
     EXPECT_EQ(kept->scriptHash, L"0a1b");
     EXPECT_EQ(kept->mode, L"install");
-    EXPECT_EQ(kept->calls, plan.calls);
+    ASSERT_EQ(kept->calls.size(), plan.calls.size());
+    for (size_t i = 0; i < plan.calls.size(); ++i) {
+        EXPECT_TRUE(kept->calls[i].asksAs(plan.calls[i])) << i;
+        EXPECT_EQ(kept->calls[i].result, plan.calls[i].result) << i;
+    }
     ASSERT_EQ(kept->elements.size(), 2u);
     EXPECT_EQ(kept->elements[1].firstCall, 2u);
     EXPECT_EQ(kept->elements[1].line, 4u);
@@ -71,19 +86,21 @@ TEST_F(PlanFileTest, RefusesWhatIsNoWholePlan) {
     } files[] = {
         {"", L"It is no plan."},
         {"<Script/>", L"It is no plan."},
-        {"temz-plan\t2\nend\n", L"It is a plan of another version of the program."},
-        {"temz-plan\t1\nmode\tinstall\n", L"It isn't complete."},
-        {"temz-plan\t1\nnonsense\nend\n", L"It has a line that is none of a plan."},
-        {"temz-plan\t1\ncall\tfile\nend\n", L"It has a line that is none of a plan."},
-        {"temz-plan\t1\nend\ncall\tfile\tCopyFileW\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t1\nend\n", L"It is a plan of another version of the program."},
+        {"temz-plan\t2\nmode\tinstall\n", L"It isn't complete."},
+        {"temz-plan\t2\nnonsense\nend\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t2\ncall\t\tfile\nend\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t2\nend\ncall\t\tfile\tCopyFileW\n", L"It has a line that is none of a plan."},
     };
     for (const auto& [text, expected] : files) {
         EXPECT_FALSE(read(text)) << text;
         EXPECT_EQ(problem, expected) << text;
     }
     EXPECT_FALSE(readPlan(folder.path(L"none"), problem));
-    EXPECT_EQ(problem, L"It can't be opened.");
-    EXPECT_FALSE(keepPlan(Plan(), folder.path(L"none\\plan")));
+    EXPECT_EQ(problem, L"It can't be opened: " + systemTextWithCode(ERROR_FILE_NOT_FOUND));
+    const std::wstring nowhere = folder.path(L"none\\plan");
+    EXPECT_EQ(keepPlan(Plan(), nowhere),
+              nowhere + L" can't be written: " + systemTextWithCode(ERROR_PATH_NOT_FOUND));
 }
 
 TEST(PlanHoldTest, TakesTheCallsInTheirOrderOnly) {
@@ -93,7 +110,7 @@ TEST(PlanHoldTest, TakesTheCallsInTheirOrderOnly) {
     hold.announced();
     EXPECT_FALSE(hold.take(makeDirectory));
     EXPECT_FALSE(hold.take(copyB));
-    EXPECT_EQ(*hold.next(), copyA);
+    EXPECT_TRUE(hold.next()->asksAs(copyA));
     EXPECT_EQ(hold.left(), 3u);
     EXPECT_TRUE(hold.take(copyA));
     EXPECT_TRUE(hold.take(makeDirectory));
@@ -140,6 +157,48 @@ TEST(PlanHoldTest, GoesOnBehindARetriedActionThatMadeNoCall) {
     hold.retried();
     EXPECT_TRUE(hold.take(makeDirectory));
     EXPECT_TRUE(hold.take(copyA));
+}
+
+TEST(PlanHoldTest, FindsACallThatSucceedsThoughItWasToFail) {
+    PlanHold hold = holdOf(planWithFailure());
+    hold.take(makeDirectory);
+    hold.returned(std::nullopt);
+    EXPECT_EQ(hold.otherResult(), L"");
+    hold.take(copyA);
+    EXPECT_EQ(hold.otherResult(), L"");
+    hold.returned(std::nullopt);
+    EXPECT_EQ(hold.otherResult(),
+              L"CopyFileW(a, C:\\app\\a, 0) has another result: success, and in the plan " +
+                  systemTextWithCode(5));
+}
+
+TEST(PlanHoldTest, FindsACallThatFailsThoughItWasToSucceedOrOtherwise) {
+    PlanHold hold = holdOf(planWithFailure());
+    hold.take(makeDirectory);
+    hold.returned(183);
+    EXPECT_EQ(hold.otherResult(), L"CreateDirectoryW(C:\\app) has another result: " +
+                                      systemTextWithCode(183) + L", and in the plan success");
+    hold.take(copyA);
+    hold.returned(32);
+    EXPECT_EQ(hold.otherResult(), L"CopyFileW(a, C:\\app\\a, 0) has another result: " +
+                                      systemTextWithCode(32) + L", and in the plan " +
+                                      systemTextWithCode(5));
+    hold.returned(5);
+    EXPECT_EQ(hold.otherResult(), L"");
+}
+
+TEST(PlanHoldTest, LooksAtTheLastResultOfWhatIsRetried) {
+    PlanHold hold = holdOf(planOfTwo());
+    hold.take(makeDirectory);
+    hold.returned(std::nullopt);
+    hold.announced();
+    hold.take(copyA);
+    hold.returned(32);
+    hold.retried();
+    EXPECT_EQ(hold.otherResult(), L"");
+    hold.take(copyA);
+    hold.returned(32);
+    EXPECT_NE(hold.otherResult(), L"");
 }
 
 TEST(PlanHoldTest, KnowsWhetherAnActionIsOver) {

@@ -8,6 +8,7 @@
 #include "host/PlanJson.h"
 
 using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -16,7 +17,7 @@ namespace {
 TEST(PlanJsonTest, WritesAnObjectForEachStepBetweenHeaderAndSummary) {
     const FakeConsole console;
 
-    writePlanAsJson(scriptedPlan(), 1603);
+    writePlanAsJson(scriptedPlan(), 1603, L"why");
 
     EXPECT_TRUE(console.output.starts_with(
         LR"({"event":"plan","schema":"temz-plan-1","version":"1.2.3","windows":"10.0.19045",)"
@@ -33,7 +34,8 @@ TEST(PlanJsonTest, WritesAnObjectForEachStepBetweenHeaderAndSummary) {
                       HasSubstr(LR"("systemError":1060,"what":"Starting service X",)"),
                       HasSubstr(LR"("fate":"vital"})"), HasSubstr(LR"("on":"uninstall",)"),
                       HasSubstr(LR"({"event":"end","exitCode":1603,"filesAdded":0,)"),
-                      HasSubstr(LR"("drives":["C:"],"bytesNeeded":[14336],)")));
+                      HasSubstr(LR"("drives":["C:"],"bytesNeeded":[14336],)"),
+                      EndsWith(L",\"reason\":\"why\"}\n")));
 }
 
 TEST(PlanHtmlTest, ShowsEachLineOfTheTree) {

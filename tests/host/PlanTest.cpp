@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "SetupTest.h"
+#include "support/LockedFile.h"
 #include "support/TestFolder.h"
 
 using testing::AllOf;
@@ -11,8 +12,15 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
+using testing::SizeIs;
 
 namespace {
+
+/// The exit code, and behind the lines their last reason.
+auto HasReason(const std::string& exitCode, const std::string& reason) {
+    return AllOf(testing::StartsWith(exitCode + "{"), HasSubstr("\"exitCode\":" + exitCode + ","),
+                 HasSubstr("\"reason\":\"" + reason));
+}
 
 class PlanTest : public SetupTest {
 protected:
@@ -98,6 +106,25 @@ TEST_F(PlanTest, IsWrittenAsAPageAndKept) {
     EXPECT_THAT(nowhere.error, HasSubstr("temz: none\\plan.html can't be written: "));
 }
 
+TEST_F(PlanTest, TellsAsJsonTooWhyThereIsNone) {
+    const auto lines = [this](const std::wstring& options) {
+        const ProgramRun plan = temz(L"plan install.xml --json " + options);
+        EXPECT_THAT(plan.output,
+                    testing::StartsWith("{\"event\":\"plan\",\"schema\":\"temz-plan-1\","));
+        EXPECT_THAT(plan.output, HasSubstr("}\n{\"event\":\"end\","));
+        EXPECT_NE(plan.error, "");
+        return std::to_string(plan.exitCode) + plan.output;
+    };
+    EXPECT_THAT(lines(L""), HasReason("1619", "install.xml can't be opened: "));
+    ship(L"install.xml", "<Script>");
+    EXPECT_THAT(lines(L"--no-check"), HasReason("1620", "install.xml can't be loaded: "));
+    writeSequence("<CustomAction DllFile='a.dll' DllEntry='" + std::string(600, 'a') + "'/>");
+    EXPECT_THAT(lines(L""), HasReason("1620", "install.xml isn't planned: "));
+    writeSequence("");
+    EXPECT_THAT(lines(L"--assume NONE=1"), HasReason("1639", "The script has no variable NONE."));
+    EXPECT_THAT(lines(L"--out none\\a.plan"), HasReason("2", "none\\\\a.plan can't be written: "));
+}
+
 TEST_F(PlanTest, IsRefusedForScriptsThatCannotBeLoaded) {
     EXPECT_EQ(temz(L"plan none.xml").exitCode, 1619u);
     ship(L"install.xml", "<Script>");
@@ -151,6 +178,66 @@ TEST_F(PlanTest, ActionBeforeTheDepartureCountsAsDone) {
     EXPECT_THAT(run.error, HasSubstr("Failed after 1 of 2 actions (1603)."));
 }
 
+TEST_F(PlanTest, RunIsEndedBehindACallThatSucceedsThoughItWasToFail) {
+    const std::wstring held = folder.write(L"app\\a.txt", "a1");
+    folder.write(L"app\\b.txt", "b1");
+    writeScript(file("a.txt", "Vital='no'") + file("b.txt"));
+    {
+        const LockedFile lock(held);
+        ASSERT_EQ(temz(L"plan install.xml --mode uninstall --out approved.plan").exitCode, 0u);
+    }
+
+    const ProgramRun run = temz(L"uninstall install.xml --plan approved.plan --quiet");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_THAT(run.error,
+                AllOf(HasSubstr("temz: The run has left its plan: DeleteFileW(" + utf8(held) +
+                                ") has another result: success, and in the plan "),
+                      HasSubstr("[error 32]."), HasSubstr("have the new plan approved.")));
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"b.txt", "b1")));
+}
+
+TEST_F(PlanTest, RunIsEndedBehindACallThatFailsThoughItWasToSucceed) {
+    const std::wstring held = folder.write(L"app\\a.txt", "a1");
+    folder.write(L"app\\b.txt", "b1");
+    writeScript(file("a.txt", "Vital='no'") + file("b.txt"));
+    ASSERT_EQ(temz(L"plan install.xml --mode uninstall --out approved.plan").exitCode, 0u);
+    const LockedFile lock(held);
+
+    const ProgramRun run = temz(L"uninstall install.xml --plan approved.plan --quiet");
+
+    EXPECT_EQ(run.exitCode, 1603u);
+    EXPECT_THAT(run.error, HasSubstr("[error 32], and in the plan success.\n"));
+    EXPECT_THAT(installedFiles(), SizeIs(2));
+}
+
+TEST_F(PlanTest, RunWhoseLastCallEndsOtherwiseIsToldSo) {
+    const std::wstring held = folder.write(L"app\\a.txt", "a1");
+    writeScript(file("a.txt", "Vital='no'"));
+    {
+        const LockedFile lock(held);
+        ASSERT_EQ(temz(L"plan install.xml --mode uninstall --out approved.plan").exitCode, 0u);
+    }
+
+    const ProgramRun run = temz(L"uninstall install.xml --plan approved.plan");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_THAT(run.error,
+                testing::StartsWith("temz: The run has left its plan at its end: DeleteFileW("));
+}
+
+TEST_F(PlanTest, WithAssumptionsIsNotKept) {
+    shipTwo();
+
+    const ProgramRun plan = temz(L"plan install.xml --assume OS_BIT=32 --out approved.plan");
+
+    EXPECT_EQ(plan.exitCode, 1639u);
+    EXPECT_EQ(plan.error,
+              "temz: --out keeps a plan for a run on this machine, and --assume tells of another "
+              "one. See temz help.\n");
+    EXPECT_FALSE(exists(setup(L"approved.plan")));
+}
+
 TEST_F(PlanTest, ScriptThatEndsTheProcessIsNotPlanned) {
     writeScript("<CustomAction DllFile='a.dll' DllEntry='" + std::string(600, 'a') +
                 "' Return='check'/>");
@@ -166,9 +253,8 @@ TEST_F(PlanTest, ScriptThatEndsTheProcessIsNotPlanned) {
 TEST_F(PlanTest, KeptPlanMayChangeTheEndsOfItsLines) {
     shipTwo();
     ASSERT_EQ(temz(L"plan install.xml --out approved.plan").exitCode, 0u);
-    std::string lines;
-    for (const char byte : readFile(setup(L"approved.plan")))
-        lines += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
+    std::string lines = readFile(setup(L"approved.plan"));
+    ASSERT_GT(std::erase(lines, '\r'), 0u);
     ship(L"approved.plan", lines);
 
     EXPECT_EQ(temz(L"install install.xml --plan approved.plan").exitCode, 0u);

@@ -85,6 +85,14 @@ TEST(SummaryTextTest, SaysWhatWasDone) {
         EXPECT_EQ(summaryText(ended(ending, done, total), L""), text);
 }
 
+TEST(SummaryTextTest, TellsTheEndOfTheSessionFromTheUsersWish) {
+    RunSummary summary = ended(Ending::stoppedByUser, 3);
+    summary.sessionEnded = true;
+
+    EXPECT_EQ(summaryText(summary, L""),
+              L"Ended with the session after 3 actions (1602). What was done before stays.");
+}
+
 TEST(SummaryTextTest, SaysBeforeWhatTheUserHasStopped) {
     RunSummary summary = ended(Ending::stoppedByUser, 3);
     summary.stoppedAt = L"Copying b";

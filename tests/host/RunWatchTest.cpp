@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <memory>
+#include <stdexcept>
 
 #include "host/Diagnosis.h"
 #include "support/LockedFile.h"
@@ -21,12 +23,17 @@ namespace {
 class RecordingReporter final : public Reporter {
 public:
     void began(const Action& action) override {
+        onBegan();
         events.push_back(std::to_wstring(action.number) + L" " +
                          describeAction(action.code, action.text1, action.text2));
         percents.push_back(action.percent);
     }
-    void called(const Call& call) override { calls.push_back(call.name); }
+    void called(const Call& call) override {
+        onCalled(call);
+        calls.push_back(call.name);
+    }
     void failed(const Action&, const Failure& failure, unsigned attempt) override {
+        onFailed();
         events.push_back(failure.what + L" failed " + std::to_wstring(attempt));
     }
     void ended(const Action& action, Fate fate) override {
@@ -39,6 +46,9 @@ public:
     }
     void warned(const std::wstring& text) override { events.push_back(text); }
 
+    std::function<void()> onBegan = [] {};
+    std::function<void()> onFailed = [] {};
+    std::function<void(const Call&)> onCalled = [](const Call&) {};
     std::vector<std::wstring> events;
     std::vector<unsigned> percents;
     std::vector<std::wstring> calls;
@@ -386,6 +396,59 @@ TEST_F(RunWatchTest, StopsBeforeAnActionThatTheUserNoLongerWants) {
     EXPECT_TRUE(watch->endedByUser());
     EXPECT_TRUE(exists(folder.path(L"app\\a")));
     EXPECT_FALSE(exists(folder.path(L"app\\b")));
+}
+
+// Exceptions can't pass the library, which is called by way of C.
+
+TEST_F(RunWatchTest, EndsTheRunWhereAnActionCannotBeTold) {
+    load(there(L"a") + there(L"b"));
+    reporter.onBegan = [this] {
+        if (!reporter.events.empty())
+            throw std::bad_alloc();
+    };
+
+    EXPECT_EQ(run(), TEMZ_NO_MEMORY);
+
+    EXPECT_THAT(reporter.events, ElementsAre(L"1 Copying a", L"1 done", L"2 failed"));
+    EXPECT_EQ(watch->summary().done, 1u);
+    EXPECT_EQ(watch->summary().reason, temz_status_text(TEMZ_NO_MEMORY));
+    EXPECT_FALSE(exists(folder.path(L"app\\b")));
+}
+
+TEST_F(RunWatchTest, EndsTheRunBehindACallThatCannotBeTold) {
+    load(there(L"a") + there(L"b"));
+    reporter.onCalled = [](const Call& call) {
+        if (call.name == L"CopyFileW")
+            throw std::runtime_error("no such thing");
+    };
+
+    EXPECT_EQ(run(), TEMZ_INTERNAL);
+
+    EXPECT_THAT(reporter.events, ElementsAre(L"1 Copying a", L"1 failed"));
+    EXPECT_TRUE(exists(folder.path(L"app\\a")));
+    EXPECT_FALSE(exists(folder.path(L"app\\b")));
+}
+
+TEST_F(RunWatchTest, EndsTheRunWhereAFailureCannotBeExplained) {
+    load(missing(L"a") + there(L"b"));
+    duties.diagnose = [](const Action&, const temz_error&) -> Failure { throw std::bad_alloc(); };
+
+    EXPECT_EQ(run(ignoring), TEMZ_NO_MEMORY);
+
+    EXPECT_THAT(reporter.events, ElementsAre(L"1 Copying a", L"1 failed"));
+    EXPECT_FALSE(exists(folder.path(L"app\\b")));
+}
+
+TEST_F(RunWatchTest, EndsTheRunWhereItsPlanCannotBeLookedAt) {
+    load(there(L"a"));
+    PlanHold hold({});
+    duties.plan = &hold;
+    duties.diagnose = nullptr;
+    reporter.onFailed = [] { throw std::bad_alloc(); };
+
+    EXPECT_EQ(run(), TEMZ_NO_MEMORY);
+
+    EXPECT_FALSE(exists(folder.path(L"app")));
 }
 
 TEST_F(RunWatchTest, StopsDuringThePauseBeforeARetry) {

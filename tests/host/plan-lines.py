@@ -23,6 +23,8 @@ def main(schema_path, path, *wanted):
     events = [line["event"] for line in lines]
     if events != ["plan"] + ["step"] * (len(lines) - 2) + ["end"]:
         sys.exit("A plan is its header, its steps and its end.")
+    if bool(lines[-1]["reason"]) != (lines[-1]["exitCode"] not in (0, 1)):
+        sys.exit(f"What can't be carried out, and nothing else, has its reason: {lines[-1]}")
     steps = lines[1:-1]
     seen = {step["kind"] for step in steps}
     seen |= {f"change:{step['change']}" for step in steps if step["kind"] == "change"}

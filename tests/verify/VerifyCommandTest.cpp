@@ -205,4 +205,14 @@ TEST_F(VerifyCommandTest, NeedsTheScriptsToBeThere) {
     EXPECT_THAT(run.output, Not(HasSubstr("---")));
 }
 
+TEST_F(VerifyCommandTest, TellsAsJsonTooThatAScriptIsNotThere) {
+    const ProgramRun run = verify(L"absent.xml --json");
+
+    EXPECT_EQ(run.exitCode, 1619u);
+    EXPECT_THAT(run.output, testing::StartsWith("{\"event\":\"start\",\"schema\":"));
+    EXPECT_THAT(run.output, HasSubstr("}\n{\"event\":\"end\",\"exitCode\":1619,"));
+    EXPECT_THAT(run.output, HasSubstr("\"reason\":\"absent.xml can't be opened: "));
+    EXPECT_THAT(run.error, testing::StartsWith("temz: absent.xml can't be opened: "));
+}
+
 }  // namespace

@@ -25,8 +25,10 @@ def main(schema_path, path, exit_code, *wanted):
     if events[0] != "start" or events[-1] != "end" or len(set(events[1:-1]) & {"start", "end"}):
         sys.exit("The first line must be the start and the last the end, and no other.")
     end = lines[-1]
-    if end["exitCode"] != int(exit_code):
+    if end["exitCode"] % 256 != int(exit_code):
         sys.exit(f"The exit code is {exit_code}, and {end['exitCode']} is told.")
+    if bool(end["reason"]) != (len(lines) == 2):
+        sys.exit(f"A verification that hasn't begun, and no other, has its reason: {end}")
     for what in ("left", "changed", "lost"):
         if end[what] != sum(line.get("what") == what for line in lines):
             sys.exit(f"{what} is counted wrong.")

@@ -36,6 +36,7 @@ check() {
         status=1
     }
 }
+check absent.xml
 check left.xml run:install run:uninstall installed difference:left
 check lost.xml run:install run:uninstall installed difference:lost
 check lost.xml run:install run:uninstall installed
