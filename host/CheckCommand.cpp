@@ -134,3 +134,11 @@ Ending checkScriptFile(const CommandLine& command) {
     TextCheckReporter reporter;
     return check(command, reporter);
 }
+
+void tellNoCheck(const std::wstring& problem) {
+    JsonCheckReporter json;
+    CheckReporter& reporter = json;
+    reporter.started({});
+    reporter.failed(problem);
+    reporter.finished(FindingCounts({}), Ending::badCommandLine);
+}

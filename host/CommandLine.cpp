@@ -476,6 +476,13 @@ bool wantsJson(int count, const wchar_t* const* arguments) {
     });
 }
 
+std::optional<Verb> namedVerb(int count, const wchar_t* const* arguments) {
+    for (int i = 1; i < count; ++i)
+        if (const Command* command = findCommand(arguments[i]))
+            return command->verb;
+    return std::nullopt;
+}
+
 std::wstring usage() {
     std::wstring text = L"Usage: temz COMMAND [OPTION]...\n\n";
     for (const Command& command : commands)

@@ -72,5 +72,8 @@ std::optional<CommandLine> readCommandLine(int count, const wchar_t* const* argu
 /// Whether arguments that are no command ask at least for JSON.
 bool wantsJson(int count, const wchar_t* const* arguments);
 
+/// The command that arguments name which are no command line; nothing where they name none.
+std::optional<Verb> namedVerb(int count, const wchar_t* const* arguments);
+
 /// How the program is called: all commands and options with what they mean.
 std::wstring usage();

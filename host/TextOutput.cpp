@@ -5,8 +5,11 @@
 #include "Handles.h"
 #include "Utf8.h"
 
-std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
-    const FilePtr file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+namespace {
+
+/// As writeTextFile; the disposition says what comes of a file that is there.
+std::wstring writeText(const std::wstring& path, const std::wstring& text, DWORD disposition) {
+    const FilePtr file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, disposition,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
     const std::string bytes = toUtf8Lines(text);
     DWORD written = 0;
@@ -14,7 +17,15 @@ std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
         WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
         return {};
     const DWORD error = GetLastError();
+    if (error == ERROR_FILE_EXISTS)
+        return path + L" is there already, and isn't replaced. Remove it, or name another file.";
     return path + L" can't be written: " + systemTextWithCode(error);
+}
+
+}  // namespace
+
+std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
+    return writeText(path, text, CREATE_ALWAYS);
 }
 
 Ending giveText(const std::wstring& text, const std::wstring& file) {
@@ -22,7 +33,7 @@ Ending giveText(const std::wstring& text, const std::wstring& file) {
         write(Stream::output, text);
         return Ending::done;
     }
-    const std::wstring problem = writeTextFile(file, text);
+    const std::wstring problem = writeText(file, text, CREATE_NEW);
     if (problem.empty())
         return Ending::done;
     write(Stream::error, L"temz: " + problem + L"\n");

@@ -8,6 +8,7 @@
 /// Gives why it can't be written; empty when it is.
 std::wstring writeTextFile(const std::wstring& path, const std::wstring& text);
 
-/// Gives out what the program was asked for: into a file, or without one to the standard output.
-/// That a file can't be written is told.
+/// Gives out what the program was asked for: into a new file, or without one to the standard
+/// output. An author may have worked on a file that is there, so it isn't replaced; that it is
+/// there, or can't be written, is told.
 Ending giveText(const std::wstring& text, const std::wstring& file);

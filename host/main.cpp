@@ -17,18 +17,24 @@
 
 namespace {
 
-Ending refuse(const std::wstring& problem, bool json) {
-    if (json)
-        tellNoCommand(problem);
+Ending refuse(const std::wstring& problem) {
     write(Stream::error, L"temz: " + problem + L" See temz help.\n");
     return Ending::badCommandLine;
+}
+
+/// A reader of JSON gets the lines of the command that he has asked for, and those of a run where
+/// no telling which. A plan or a verification that can't begin has none.
+void tellInJson(const std::wstring& problem, std::optional<Verb> verb) {
+    if (verb == Verb::check)
+        tellNoCheck(problem);
+    else if (verb != Verb::plan && verb != Verb::verify)
+        tellNoCommand(problem);
 }
 
 Ending explainSubject(const CommandLine& command) {
     const std::wstring text = explain(command.subject);
     if (text.empty())
-        return refuse(command.subject + L" is nothing that there is an explanation for.",
-                      command.json);
+        return refuse(command.subject + L" is nothing that there is an explanation for.");
     write(Stream::output, text);
     return Ending::done;
 }
@@ -73,8 +79,9 @@ int wmain(int count, wchar_t** arguments) {
     const SafeStart safeStart;
     std::wstring problem;
     const auto command = readCommandLine(count, arguments, problem);
-    const Ending ending =
-        command ? carryOut(*command) : refuse(problem, wantsJson(count, arguments));
+    if (!command && wantsJson(count, arguments))
+        tellInJson(problem, namedVerb(count, arguments));
+    const Ending ending = command ? carryOut(*command) : refuse(problem);
     if (command ? command->mayAsk() : count < 2)
         waitForKeyIfAlone();
     return exitCodeOf(ending);

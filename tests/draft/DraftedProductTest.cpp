@@ -124,8 +124,21 @@ TEST_F(DraftedProductTest, IsDraftedAlikeEachTime) {
     pay({L"b.exe", L"a.txt", L"c\\d.txt"});
     draft();
     const std::string script = readFile(setup(L"install.xml"));
+    fs::remove(setup(L"install.xml"));
     draft();
     EXPECT_EQ(readFile(setup(L"install.xml")), script);
+}
+
+TEST_F(DraftedProductTest, ReplacesNoScript) {
+    pay({L"a.txt"});
+    ship(L"install.xml", "an author's own");
+    for (const wchar_t* command : {L"new --name P --payload payload --out install.xml",
+                                   L"harvest payload --out install.xml"}) {
+        const ProgramRun run = temz(command);
+        EXPECT_EQ(run.exitCode, 2u);
+        EXPECT_THAT(run.error, HasSubstr("install.xml is there already"));
+        EXPECT_EQ(readFile(setup(L"install.xml")), "an author's own");
+    }
 }
 
 TEST_F(DraftedProductTest, CanBePutTogetherFromAPart) {

@@ -43,6 +43,12 @@ TEST(CommandLineTest, TellsWhetherAWrongOneWantsJson) {
     EXPECT_FALSE(wantsJson(0, arguments));
 }
 
+TEST(CommandLineTest, TellsWhichCommandAWrongOneNames) {
+    const wchar_t* arguments[] = {L"plan", L"--frobnicate", L"check", L"plan"};
+    EXPECT_EQ(namedVerb(4, arguments), Verb::check);
+    EXPECT_EQ(namedVerb(2, arguments), std::nullopt);
+}
+
 TEST(CommandLineTest, NamesTheModeAndTheScript) {
     const struct {
         const wchar_t* word;

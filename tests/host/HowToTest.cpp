@@ -106,7 +106,7 @@ TEST_F(HowToTest, KeepsSettingsUntilTheProductIsRemoved) {
     }
 
     succeed(L"uninstall settings.xml");
-    EXPECT_TRUE(fs::is_empty(installed(L"Settings")));
+    EXPECT_FALSE(exists(installed(L"Settings")));
 }
 
 /// The service of service.xml, as the system knows it.
@@ -162,7 +162,7 @@ TEST_F(HowToTest, CreatesAServiceWithQuotationMarksAroundItsPath) {
 
     succeed(L"uninstall service.xml");
     EXPECT_TRUE(waitUntil([&] { return service.state() == ExampleService::gone; }));
-    EXPECT_FALSE(exists(program));
+    EXPECT_TRUE(waitUntil([&] { return !exists(installed(L"Service")); }));
 }
 
 /// A product that stands in the list of installed programs.

@@ -25,6 +25,18 @@ TEST_F(SchemaCommandTest, ShowsTheSchemaOrWritesIt) {
     EXPECT_EQ(content, shown.output);
 }
 
+TEST_F(SchemaCommandTest, ReplacesNoFile) {
+    ship(L"install.xsd", "an author's own");
+
+    const ProgramRun run = temz(L"schema --out install.xsd");
+
+    EXPECT_EQ(run.exitCode, 2u);
+    EXPECT_EQ(run.error,
+              "temz: install.xsd is there already, and isn't replaced. Remove it, or name another "
+              "file.\n");
+    EXPECT_EQ(readFile(setup(L"install.xsd")), "an author's own");
+}
+
 TEST_F(SchemaCommandTest, TellsThatItCannotBeWritten) {
     const ProgramRun run = temz(L"schema --out missing\\install.xsd");
 

@@ -1,0 +1,35 @@
+#include <gmock/gmock.h>
+
+#include "SetupTest.h"
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+using CheckCommandTest = SetupTest;
+
+TEST_F(CheckCommandTest, TellsOfAWrongCommandLineInItsOwnJson) {
+    const ProgramRun run = temz(L"check --json");
+
+    EXPECT_EQ(run.exitCode, 1639u);
+    EXPECT_THAT(run.output, StartsWith(R"({"event":"start","schema":"temz-check-1",)"));
+    EXPECT_THAT(run.output,
+                HasSubstr(R"({"event":"problem","text":"The SCRIPT is missing."})"
+                          "\n"
+                          R"({"event":"end","exitCode":1639,"errors":0,"warnings":0,"notes":0})"));
+    EXPECT_EQ(run.error, "temz: The SCRIPT is missing. See temz help.\n");
+}
+
+TEST_F(CheckCommandTest, LeavesTheJsonOfOtherCommandsToThem) {
+    for (const wchar_t* command : {L"plan --json", L"verify install.xml --json"}) {
+        const ProgramRun run = temz(command);
+        EXPECT_EQ(run.exitCode, 1639u) << utf8(command);
+        EXPECT_EQ(run.output, "") << utf8(command);
+        EXPECT_THAT(run.error, HasSubstr(" is missing.")) << utf8(command);
+    }
+    for (const wchar_t* command : {L"install --json", L"frobnicate --json"})
+        EXPECT_THAT(temz(command).output, HasSubstr("temz-run-1")) << utf8(command);
+}
+
+}  // namespace
