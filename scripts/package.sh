@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# Makes the SDK's archives in the folder $1, build/package if there is none: temz-VERSION-win64.zip, what
+# debuggers read of its programs beside it, and a NuGet package. The same sources and tools give the same
+# bytes. With TEMZ_SIGN=COMMAND in the environment, the command is run for each program and library of ours,
+# its file as the last argument, and signs it in place.
+set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+packages=$(realpath -m "${1:-$root/build/package}")
+binutils=x86_64-w64-mingw32
+umask 022
+export LC_ALL=C.UTF-8
+
+echo "Building what is shipped"
+cd "$root"
+[ -e build/release/build.ninja ] || cmake --preset release >"$root/build/configure.log"
+cmake --build --preset product >"$root/build/product.log" || { cat "$root/build/product.log" >&2; exit 1; }
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' build/release/CMakeCache.txt)
+name=temz-$version-win64
+sdk=$packages/$name
+debug=$packages/$name-debug
+
+echo "Laying out the SDK"
+rm -rf "$packages"
+mkdir -p "$packages"
+# What debuggers read is kept beside the SDK, under the name of the file that it belongs to.
+cmake --install build/release --prefix "$debug" >/dev/null
+cmake --install build/release --prefix "$sdk" --strip >/dev/null
+find "$debug" -type f ! -path "$debug/bin/*" -delete
+for file in "$debug"/bin/*; do
+    "$binutils-objcopy" --only-keep-debug "$file" "$file.debug"
+    rm "$file"
+done
+find "$debug" -type d -empty -delete
+cp "$root/LICENSE" "$debug"
+
+if [ -n "${TEMZ_SIGN:-}" ]; then
+    echo "Signing"
+    for file in "$sdk"/bin/*; do
+        $TEMZ_SIGN "$file"
+    done
+fi
+
+echo "Building the documents"
+"$root/scripts/docs.sh" "$sdk/share/doc"
+
+echo "Packing"
+python3 "$root/packaging/spdx.py" "$sdk" "$version" >"$packages/spdx.json"
+mv "$packages/spdx.json" "$sdk/temz.spdx.json"
+(cd "$sdk" && find . -type f ! -name SHA256SUMS -printf '%P\0' | sort -z | xargs -0 sha256sum >SHA256SUMS)
+for folder in "$sdk" "$debug"; do
+    python3 "$root/packaging/zip.py" "$folder" "$folder.zip" "$(basename "$folder")"
+done
+(cd "$packages" && sha256sum ./*.zip)
