@@ -4,6 +4,7 @@
 
 #include "SetupTest.h"
 #include "support/Requirements.h"
+#include "support/Sweep.h"
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
@@ -64,17 +65,12 @@ TEST_F(DraftedProductTest, IsCleanWithOneFile) {
     expectToBeClean(1, 1);
 }
 
-TEST_F(DraftedProductTest, IsCleanWith500Files) {
-    for (int i = 0; i < 500; ++i)
-        pay({L"d" + std::to_wstring(i % 20) + L"\\f" + std::to_wstring(i) + L".txt"});
-    expectToBeClean(500, 0);
-}
-
-TEST_F(DraftedProductTest, IsCleanWith5000Files) {
-    for (int i = 0; i < 5000; ++i)
+TEST_F(DraftedProductTest, IsCleanWithManyFiles) {
+    const size_t count = 5000 / sweepStride(10);
+    for (size_t i = 0; i < count; ++i)
         pay({L"d" + std::to_wstring(i % 7) + L"\\e" + std::to_wstring(i % 30) + L"\\f" +
              std::to_wstring(i) + L".txt"});
-    expectToBeClean(5000, 0);
+    expectToBeClean(count, 0);
 }
 
 TEST_F(DraftedProductTest, IsCleanWithADeepTree) {
