@@ -11,4 +11,4 @@ cmake --build --preset release --target temz_check_tests temz_plan_tests temz_dr
 export TEMZ_WHOLE_SWEEPS=1
 scripts/wine-run.sh $tests/check/temz_check_tests.exe --gtest_brief=1 --gtest_filter='PopulationTest.*'
 scripts/wine-run.sh $tests/plan/temz_plan_tests.exe --gtest_brief=1 --gtest_filter='EqualityTest.*'
-scripts/wine-run.sh $tests/draft/temz_draft_tests.exe --gtest_brief=1 --gtest_filter='*ManyFiles'
+scripts/wine-run.sh $tests/draft/temz_draft_tests.exe --gtest_brief=1 --gtest_filter='*ManyFiles*'
