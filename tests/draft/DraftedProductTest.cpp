@@ -66,7 +66,7 @@ TEST_F(DraftedProductTest, IsCleanWithOneFile) {
 }
 
 TEST_F(DraftedProductTest, IsCleanWithManyFilesInDeepTrees) {
-    const size_t count = 5000 / sweepStride(10);
+    const size_t count = 5000 / sweepStride(20);
     for (size_t i = 0; i < count; ++i) {
         std::wstring place;
         for (size_t level = 0; level <= i % 40; ++level)
