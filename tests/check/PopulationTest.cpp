@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include <cstdlib>
+#include <cstdio>
 
 #include "check/CCheckTest.h"
 #include "check/ScriptGenerator.h"
@@ -9,12 +9,12 @@
 #include "support/ActionCall.h"
 #include "support/FakeShell.h"
 #include "support/PayloadFolder.h"
+#include "support/Sweep.h"
 #include "support/TestKey.h"
 
 namespace {
 
 constexpr size_t wholePopulation = 2500;
-/// Of the population each so many is taken, unless TEMZ_WHOLE_POPULATION is in the environment.
 constexpr size_t stride = 25;
 
 /// What ends the process can't be run here.
@@ -98,8 +98,7 @@ protected:
 }  // namespace
 
 TEST_F(PopulationTest, AVerdictIsWhatARunDoes) {
-    const bool whole = std::getenv("TEMZ_WHOLE_POPULATION") != nullptr;
-    for (size_t number = 0; number < wholePopulation; number += whole ? 1 : stride) {
+    for (size_t number = 0; number < wholePopulation; number += sweepStride(stride)) {
         Random random(static_cast<uint32_t>(number + 1));
         ScriptGenerator generator(random, playground);
         DraftElement script = generator.makeScript();
@@ -110,12 +109,12 @@ TEST_F(PopulationTest, AVerdictIsWhatARunDoes) {
         text.clear();
         script.write(text);
         compare(text, "spoilt " + std::to_string(number));
-        if (HasFailure() && !whole)
+        if (HasFailure() && !sweepsAreWhole())
             break;
     }
     RecordProperty("compared", static_cast<int>(compared));
     RecordProperty("failed", static_cast<int>(failed));
-    if (whole)
+    if (sweepsAreWhole())
         std::printf("%zu scripts compared, of which %zu fail\n", compared, failed);
     EXPECT_GT(failed * 10, compared) << "faults that no run minds are no test";
 }

@@ -5,6 +5,7 @@
 #include "SetupTest.h"
 #include "author/SystemText.h"
 #include "support/Requirements.h"
+#include "support/Sweep.h"
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
@@ -65,26 +66,15 @@ TEST_F(DraftedProductTest, IsCleanWithOneFile) {
     expectToBeClean(1, 1);
 }
 
-TEST_F(DraftedProductTest, IsCleanWith500Files) {
-    for (int i = 0; i < 500; ++i)
-        pay({L"d" + std::to_wstring(i % 20) + L"\\f" + std::to_wstring(i) + L".txt"});
-    expectToBeClean(500, 0);
-}
-
-TEST_F(DraftedProductTest, IsCleanWith5000Files) {
-    for (int i = 0; i < 5000; ++i)
-        pay({L"d" + std::to_wstring(i % 7) + L"\\e" + std::to_wstring(i % 30) + L"\\f" +
-             std::to_wstring(i) + L".txt"});
-    expectToBeClean(5000, 0);
-}
-
-TEST_F(DraftedProductTest, IsCleanWithADeepTree) {
-    std::wstring place;
-    for (int i = 0; i < 40; ++i) {
-        place += L"d\\";
-        pay({place + L"f.txt"});
+TEST_F(DraftedProductTest, IsCleanWithManyFilesInDeepTrees) {
+    const size_t count = 5000 / sweepStride(20);
+    for (size_t i = 0; i < count; ++i) {
+        std::wstring place;
+        for (size_t level = 0; level <= i % 40; ++level)
+            place += L"d" + std::to_wstring(i % 7) + L"\\";
+        pay({place + L"f" + std::to_wstring(i) + L".txt"});
     }
-    expectToBeClean(40, 0);
+    expectToBeClean(count, 0);
 }
 
 TEST_F(DraftedProductTest, InstallsFilesWhateverTheyAreCalled) {

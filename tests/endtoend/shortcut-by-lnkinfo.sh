@@ -2,15 +2,8 @@
 # Installs links by the console host $1 with its library $2, and has them read by a program that
 # knows their format and has nothing to do with the shell that wrote them.
 set -euo pipefail
-
-scripts=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../scripts" && pwd)
-work=$(dirname "$1")/shortcut-by-lnkinfo
-rm -rf "$work"
-mkdir "$work"
-cp "$1" "$2" "$work"
-cd "$work"
 # The links lie outside of the prefix, which another program may have when they are read.
-folder="Z:${work//\//\\}"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/temz.sh"
 target='C:\Program Files\App\app.exe'
 echo icon >app.ico
 
@@ -28,16 +21,7 @@ cat >script.xml <<SCRIPT
 </Product></Script>
 SCRIPT
 
-run() {
-    "$scripts/wine-run.sh" "$work/temz.exe" "$1" script.xml </dev/null
-}
-
-status=0
-expect() {
-    [ "$2" = "$3" ] && return
-    echo "$1 is '$2', not '$3'." >&2
-    status=1
-}
+expect() { [ "$2" = "$3" ] || fail "$1 is '$2', not '$3'."; }
 
 field() {
     lnkinfo "menu/$1.lnk" | sed -n "s/^[[:space:]]*$2[[:space:]]*: //p"
@@ -49,13 +33,13 @@ expect_link() {
     expect "The icon of $1" "$(field "$1" 'Icon location')" "$3"
 }
 
-run install
+temz install script.xml
 copy=$(echo app[0-9]*.ico) # under a name with a time stamp
 expect 'The copy of the icon' "$(cat "$copy")" icon
 expect_link Full 'C:\work here' "$folder\\$copy"
 expect_link Plain 'C:\Program Files\App' "$target"
 expect_link 'Absent icon' 'C:\Program Files\App' 'C:\none\app.ico'
-run uninstall
+temz uninstall script.xml
 expect 'What uninstall leaves' "$(echo menu/* "$copy")" "menu/* $copy"
 expect 'The copy of the icon' "$(cat "$copy")" icon
 exit "$status"

@@ -3,27 +3,15 @@
 # SARIF looked at by a validator that has nothing to do with the program; $3 is the schema of the
 # lines. Where SARIF_SCHEMA names the standard's own schema, the documents are held against that, too.
 set -euo pipefail
-
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-wine_run=$here/../../scripts/wine-run.sh
-work=$(dirname "$1")/check-reports
-rm -rf "$work"
-mkdir "$work"
-cp "$1" "$2" "$work"
-cd "$work"
-
-status=0
-fail() {
-    echo "$*" >&2
-    status=1
-}
+. "$(dirname "${BASH_SOURCE[0]}")/../support/temz.sh"
+schema=$3
 
 # check NAME EXIT-CODE FINDINGS ARGUMENTS: a check, and the codes of what it finds.
 check() {
     local name=$1 expected=$2 findings=$3 code=0
     shift 3
-    "$wine_run" "$work/temz.exe" check "$@" --json --sarif "$name.sarif" >"$name.out" </dev/null || code=$?
-    [ "$code" = "$expected" ] || fail "$name: exit code $code, not $expected."
+    temz check "$@" --json --sarif "$name.sarif" >"$name.out" || code=$?
+    expect_code "$name" $code "$expected"
     "$here/valid-json.py" "$schema" "$name.out" lines || fail "$name: see $work/$name.out"
     [ "$(sed -n 's/.*"event":"finding".*"code":"\([^"]*\)".*/\1/p' "$name.out" | tr '\n' ' ')" = "$findings" ] ||
         fail "$name: other findings than \"$findings\": see $work/$name.out"
@@ -34,7 +22,6 @@ check() {
     [ "$(grep -o '"ruleId":"[^"]*"' "$name.sarif" | cut -d'"' -f4 | tr '\n' ' ')" = "$findings" ] ||
         fail "$name: other results than \"$findings\": see $work/$name.sarif"
 }
-schema=$3
 
 printf '<?xml version="1.0" encoding="UTF-8"?>
 <Script><Product><InstallExecuteSequence><Fragment On="install"><Caution Title="%s"/></Fragment>
@@ -44,7 +31,7 @@ printf '<Script>' >broken.xml
 
 check good 0 '' good.xml
 check faulty 1 'TZ203 ' 'mäßig gut.xml'
-check whole-path 1 'TZ203 ' "Z:${work//\//\\}\\mäßig gut.xml"
+check whole-path 1 'TZ203 ' "$folder\\mäßig gut.xml"
 check ignored 0 '' 'mäßig gut.xml' --ignore TZ203
 check broken 1 'TZ101 ' broken.xml
 check absent 2 '' absent.xml

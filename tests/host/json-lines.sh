@@ -2,16 +2,8 @@
 # Runs scripts by temz.exe ($1), which needs the library $2, with --json, and has every line that it
 # writes checked against the schema $3 by a validator that has nothing to do with the program.
 set -euo pipefail
-
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-wine_run=$here/../../scripts/wine-run.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../support/temz.sh"
 schema=$3
-work=$(dirname "$1")/json-lines
-rm -rf "$work"
-mkdir "$work"
-cp "$1" "$2" "$work"
-cd "$work"
-folder="Z:${work//\//\\}"
 echo content >there.txt
 
 # A script whose component holds the elements.
@@ -21,27 +13,14 @@ script() {
         "</InstallExecuteSequence></Product></Script>" >"$1"
 }
 
-status=0
 # check NAME EXIT-CODE ARGUMENTS -- EVENT...: a run, and what must stand among its lines.
 check() {
-    local name=$1 expected=$2 code=0
-    shift 2
-    local arguments=()
-    while [ "$1" != -- ]; do
-        arguments+=("$1")
-        shift
-    done
-    shift
-    "$wine_run" "$work/temz.exe" --json "${arguments[@]}" </dev/null >"$name.out" 2>"$name.err" || code=$?
-    # The shell keeps eight bits of an exit code.
-    if [ "$code" != $((expected % 256)) ]; then
-        echo "$name: exit code $code, not $((expected % 256))." >&2
-        status=1
-    fi
-    "$here/json-lines.py" "$schema" "$name.out" "end:$expected" "$@" || {
-        echo "$name: see $work/$name.out" >&2
-        status=1
-    }
+    local name=$1 expected=$2 code=0 arguments others
+    split "${@:3}"
+    temz --json "${arguments[@]}" >"$name.out" 2>"$name.err" || code=$?
+    expect_code "$name" $code "$expected"
+    "$here/json-lines.py" "$schema" "$name.out" "end:$expected" "${others[@]}" ||
+        fail "$name: see $work/$name.out"
 }
 
 # Texts with all that JSON must escape, and more than ASCII.

@@ -4,22 +4,13 @@
 Every line is valid by the schema, the first is the plan and the last its end, and each KIND of step,
 or kind of change such as change:file-added, stands there.
 """
-import json
 import sys
 
-import jsonschema
+from valid_lines import valid_lines
 
 
 def main(schema_path, path, *wanted):
-    with open(schema_path, encoding="utf-8") as file:
-        schema = json.load(file)
-    jsonschema.Draft7Validator.check_schema(schema)
-    validator = jsonschema.Draft7Validator(schema)
-    with open(path, encoding="utf-8", errors="strict", newline="\n") as file:
-        lines = [json.loads(line) for line in file]
-    for number, line in enumerate(lines, 1):
-        for error in validator.iter_errors(line):
-            sys.exit(f"Line {number}: {line}: {error.message}")
+    lines = valid_lines(schema_path, path)
     events = [line["event"] for line in lines]
     if events != ["plan"] + ["step"] * (len(lines) - 2) + ["end"]:
         sys.exit("A plan is its header, its steps and its end.")

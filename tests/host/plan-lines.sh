@@ -3,23 +3,9 @@
 # has nothing to do with the program: each line of --json by a validator with the schema $3, the page
 # of --html by a browser.
 set -euo pipefail
-
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-wine_run=$here/../../scripts/wine-run.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../support/temz.sh"
 schema=$3
-work=$(dirname "$1")/plan-lines
-rm -rf "$work"
-mkdir "$work"
-cp "$1" "$2" "$work"
-cd "$work"
-folder="Z:${work//\//\\}"
 echo content >there.txt
-
-status=0
-fail() {
-    echo "$*" >&2
-    status=1
-}
 
 printf '%s' "<Script><Product><Directory Path='$folder\\app'><Component Id='C'>" \
     "<File Name='a.txt' Source='there.txt'/><Condition Expression='OS_BIT E 32'>" \
@@ -33,18 +19,12 @@ printf '%s' "<Script><Product><Directory Path='$folder\\app'><Component Id='C'>"
 
 # check SCRIPT EXIT-CODE ARGUMENTS -- KIND...: a plan, and what must stand among its lines.
 check() {
-    local script=$1 expected=$2 code=0
-    shift 2
-    local arguments=()
-    while [ "$1" != -- ]; do
-        arguments+=("$1")
-        shift
-    done
-    shift
-    "$wine_run" "$work/temz.exe" plan "$script" --json "${arguments[@]}" </dev/null >plan.out || code=$?
-    # The shell keeps eight bits of an exit code.
-    [ "$code" = $((expected % 256)) ] || fail "$script ${arguments[*]}: exit code $code, not $((expected % 256))."
-    "$here/plan-lines.py" "$schema" plan.out "end:$expected" "$@" || fail "$script ${arguments[*]}: see $work/plan.out"
+    local script=$1 expected=$2 code=0 arguments others
+    split "${@:3}"
+    temz plan "$script" --json "${arguments[@]}" >plan.out || code=$?
+    expect_code "$script ${arguments[*]}" $code "$expected"
+    "$here/plan-lines.py" "$schema" plan.out "end:$expected" "${others[@]}" ||
+        fail "$script ${arguments[*]}: see $work/plan.out"
 }
 
 check install.xml 1 --html plan.html -- group element condition search action failure left-out \

@@ -17,6 +17,7 @@
 #include "support/Restart.h"
 #include "support/ScriptTest.h"
 #include "support/Sleeper.h"
+#include "support/Sweep.h"
 #include "support/TestFolder.h"
 #include "support/TestKey.h"
 #include "support/TestService.h"
@@ -167,9 +168,10 @@ protected:
 };
 
 TEST_F(EqualityTest, OfGeneratedScripts) {
-    constexpr uint32_t scripts = 200;
+    constexpr uint32_t scripts = 400;
+    const auto stride = static_cast<uint32_t>(sweepStride(8));
     size_t calls = 0;
-    for (uint32_t seed = 0; seed < scripts; ++seed) {
+    for (uint32_t seed = 0; seed < scripts; seed += stride) {
         GeneratedRun generated(seed);
         generated.prepare();
         const std::wstring script = generated.writeScript();
