@@ -14,6 +14,7 @@
 #include "capi/Gate.h"
 #include "capi/Records.h"
 #include "capi/Session.h"
+#include "capi/Shortage.h"
 
 struct temz_context {
     std::unique_ptr<Session> session;
@@ -268,7 +269,7 @@ temz_status temz_plan(temz_context* context, temz_mode mode, const temz_planner*
     };
     return gate.passRun(prepare, [&] {
         const OutcomeScope told(*context->session, outcome);
-        return context->session->plan(mode, taken);
+        return Shortage().statusOf([&] { return context->session->plan(mode, taken); });
     });
 }
 
@@ -313,9 +314,11 @@ temz_status temz_check(const temz_check_request* request) {
     return gate.passRun(prepare, [&]() -> temz_status {
         const auto textOf = [](const temz_char* text) { return text ? text : L""; };
         const CheckRequest checked{taken.script, textOf(taken.payload), textOf(taken.previous)};
-        const CheckEnd end =
-            checkScript(checked, [&](const Finding& found) { tellFinding(taken, found); });
-        return end == CheckEnd::done ? TEMZ_OK : TEMZ_NOT_READABLE;
+        return Shortage().statusOf([&]() -> temz_status {
+            const CheckEnd end =
+                checkScript(checked, [&](const Finding& found) { tellFinding(taken, found); });
+            return end == CheckEnd::done ? TEMZ_OK : TEMZ_NOT_READABLE;
+        });
     });
 }
 

@@ -123,6 +123,40 @@ TEST_P(MemoryTest, EndsInTracedRun) {
     EXPECT_GT(calls, 0u);
 }
 
+// Where a run does without, or fails, a plan isn't what a run would do.
+TEST_P(MemoryTest, EndsInPlan) {
+    size_t steps = 0;
+    const temz_planner planner = {
+        sizeof planner, 0, nullptr, &steps,
+        [](void* user, const temz_step*) { ++*static_cast<size_t*>(user); }};
+
+    const auto statuses = answers(
+        [&] {
+            loadAnew();
+            steps = 0;
+        },
+        [&] { return temz_plan(context, TEMZ_INSTALL, &planner, nullptr); });
+
+    EXPECT_THAT(statuses, testing::ElementsAre(TEMZ_NO_MEMORY));
+    EXPECT_EQ(steps, 8u);
+    EXPECT_FALSE(exists(app(L"")));
+    EXPECT_EQ(temz_run(context, TEMZ_INSTALL, nullptr), TEMZ_OK);
+}
+
+TEST_P(MemoryTest, EndsInCheck) {
+    size_t findings = 0;
+    const std::wstring faulty = folder.write(L"faulty.xml", fileScript("Onn='install'"));
+    const temz_check_request request = {
+        sizeof request, faulty.c_str(),
+        nullptr,        nullptr,
+        &findings,      [](void* user, const temz_finding*) { ++*static_cast<size_t*>(user); }};
+
+    const auto statuses = answers([&] { findings = 0; }, [&] { return temz_check(&request); });
+
+    EXPECT_THAT(statuses, testing::ElementsAre(TEMZ_NO_MEMORY));
+    EXPECT_GE(findings, 1u);
+}
+
 TEST_P(MemoryTest, EndsInQuestions) {
     wchar_t text[TEMZ_TEXT_LENGTH];
     loadAnew();

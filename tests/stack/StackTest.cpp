@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "DeepScripts.h"
 #include "support/HostTest.h"
 #include "support/OwnStack.h"
 #include "support/TestKey.h"
@@ -17,13 +18,6 @@ using testing::ElementsAre;
 using testing::Values;
 
 namespace {
-
-constexpr size_t stackSize = 1024 * 1024;
-
-/// Directories that may need one another, each the next and the first the product.
-constexpr int longestChain = 511;
-constexpr char lastOfChain[] = "D511";
-constexpr char oneTooMany[] = "D512";
 
 /// Whose stack is used: both have the same size.
 enum Thread { MainThread, ThreadOfItsOwn };
@@ -80,41 +74,7 @@ INSTANTIATE_TEST_SUITE_P(, StackTest, Values(MainThread, ThreadOfItsOwn), [](con
     return info.param == MainThread ? "MainThread" : "ThreadOfItsOwn";
 });
 
-constexpr char caution[] = "<Caution Title='deep'/>";
 constexpr wchar_t refusal[] = L"Get directory error:Create Element error:";
-
-template <class Text>
-Text repeated(const Text& text, int count) {
-    Text all;
-    while (count-- > 0)
-        all += text;
-    return all;
-}
-
-std::string nested(int count, const std::string& start, const std::string& end,
-                   const std::string& middle) {
-    return repeated(start, count) + middle + repeated(end, count);
-}
-
-/// `text` for each number of a range, with "$" as the number and "^" as the one before.
-std::string numbered(int first, int last, std::string_view text) {
-    std::string all;
-    for (int number = first; number <= last; ++number)
-        for (const char character : text)
-            if (character == '$' || character == '^')
-                all += std::to_string(character == '$' ? number : number - 1);
-            else
-                all += character;
-    return all;
-}
-
-/// Directories "D1" to "D<count>", each of which needs the one before it, as `text` has it.
-std::string directories(int count, std::string_view text) {
-    return "<Directory Id='D1' Path='p'/>" + numbered(2, count, text);
-}
-
-constexpr char byText[] = "<Directory Id='D$' Path='[D^]'/>";
-constexpr char byReference[] = "<DirectoryRef Id='D^'><Directory Id='D$'/></DirectoryRef>";
 
 TEST(MainThreadTest, HasAStackOfOneMebibyte) {
     const auto* base = reinterpret_cast<const char*>(GetModuleHandleW(nullptr));
