@@ -52,7 +52,8 @@ void checkTexts(const Checked& checked);
 void checkVariables(const Checked& checked);
 void checkRegistry(const Checked& checked);
 void checkFiles(const Checked& checked);
-void checkPayload(const Checked& checked, const CheckRequest& request);
+/// False when the payload can't be read.
+bool checkPayload(const Checked& checked, const CheckRequest& request);
 void checkBalance(const Checked& checked);
 void checkUpgrade(const Checked& checked, const Checked& previous);
 void checkDirectories(const Checked& checked);

@@ -96,6 +96,13 @@ TEST_F(FolderChecksTest, APreviousScriptThatCannotBeReadIsNoFinding) {
     EXPECT_EQ(checkScript(request, [](const Finding&) {}), CheckEnd::notReadable);
 }
 
+TEST_F(FolderChecksTest, APayloadThatCannotBeReadIsNoEmptyOne) {
+    CheckRequest request;
+    request.script = folder.write(L"new.xml", product(twoFiles));
+    request.payload = folder.path(L"missing");
+    EXPECT_EQ(checkScript(request, [](const Finding&) { ADD_FAILURE(); }), CheckEnd::notReadable);
+}
+
 TEST_F(FolderChecksTest, AShortcutThatIsNeverRemovedIsTold) {
     const std::string limited =
         "<Root><Product><Directory Id=\"R\" Path=\"C:\\x\">\n"

@@ -155,16 +155,39 @@ TEST_F(DraftedProductTest, CanBePutTogetherFromAPart) {
     EXPECT_EQ(treeOf(folder.path(L"app")), treeOf(setup(L"payload")));
 }
 
+TEST_F(DraftedProductTest, PassesTheCheckWithFoldersAlone) {
+    pay({L"bin\\a.exe"});
+    draft();
+    EXPECT_EQ(temz(L"check install.xml --payload payload").output,
+              "No findings. Nothing was run.\n");
+}
+
+TEST_F(DraftedProductTest, PassesTheCheckWithTheLongestName) {
+    pay({L"a.exe"});
+    const auto draft = [this](size_t length) {
+        return temz(L"new --payload payload --out install.xml --name " +
+                    std::wstring(length, L'x'));
+    };
+    const ProgramRun refused = draft(101);
+    EXPECT_EQ(refused.exitCode, 1639u);
+    EXPECT_THAT(refused.error, HasSubstr("it has 101 characters; a product's name can have 100."));
+    EXPECT_FALSE(exists(setup(L"install.xml")));
+
+    EXPECT_EQ(draft(100).exitCode, 0u);
+    EXPECT_EQ(temz(L"check install.xml --payload payload").output,
+              "No findings. Nothing was run.\n");
+}
+
 TEST_F(DraftedProductTest, IsRefusedWithAReason) {
     pay({L"a.txt"});
     const ProgramRun named = temz(L"new --name a:b --payload payload");
-    EXPECT_EQ(named.exitCode, 2u);
+    EXPECT_EQ(named.exitCode, 1639u);
     EXPECT_EQ(named.error,
               "temz: The product's directory can't be called a:b: Windows allows no "
               "control character and none of <>:\"/\\|?* in a name.\n");
     const ProgramRun absent = temz(L"harvest absent");
     EXPECT_EQ(absent.exitCode, 2u);
-    EXPECT_THAT(absent.error, HasSubstr("absent can't be read. [error 3]\n"));
+    EXPECT_THAT(absent.error, HasSubstr("absent can't be read: " + systemError(3) + "\n"));
     EXPECT_THAT(absent.output, IsEmpty());
 }
 
