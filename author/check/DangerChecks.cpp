@@ -66,7 +66,9 @@ public:
                 checkLibrary(action);
             else if (action.is(shellExcuteKind))
                 checkProgram(action);
-            else if (action.is(serviceControlKind))
+        });
+        forEachActionInOrder(checked, [this](const Action& action) {
+            if (action.is(serviceControlKind))
                 checkService(action);
         });
     }
