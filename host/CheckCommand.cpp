@@ -6,6 +6,7 @@
 #include "Findings.h"
 #include "JsonLine.h"
 #include "Machine.h"
+#include "PayloadFolder.h"
 #include "Sarif.h"
 #include "ScriptFile.h"
 #include "TextOutput.h"
@@ -88,6 +89,9 @@ std::wstring problemOf(temz_status status, const CommandLine& command) {
     for (const std::wstring& file : {command.script, command.previous})
         if (std::wstring problem = file.empty() ? L"" : whyNotRead(file); !problem.empty())
             return problem;
+    std::wstring problem;
+    if (!command.payload.empty() && !readPayloadFolder(command.payload, problem))
+        return problem;
     return temz_status_text(status);
 }
 

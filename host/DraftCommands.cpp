@@ -1,14 +1,15 @@
 #include "DraftCommands.h"
 
 #include "Console.h"
+#include "PayloadFolder.h"
 #include "TextOutput.h"
 #include "author/draft/Draft.h"
 
 namespace {
 
-Ending refuse(const std::wstring& problem) {
+Ending refuse(const std::wstring& problem, Ending ending = Ending::notCarriedOut) {
     write(Stream::error, L"temz: " + problem + L"\n");
-    return Ending::notCarriedOut;
+    return ending;
 }
 
 /// Reads the folder and gives out what `draft` makes of it.
@@ -16,7 +17,8 @@ template <class Draft>
 Ending giveDraft(const CommandLine& command, const Draft& draft) {
     Notes notes;
     std::wstring problem;
-    const auto payload = readPayload(command.payload, notes, problem);
+    const std::optional<Folder> folder = readPayloadFolder(command.payload, problem);
+    const auto payload = folder ? payloadOf(*folder, notes, problem) : std::nullopt;
     if (!payload)
         return refuse(problem);
     const std::wstring script = draft(*payload, notes);
@@ -28,8 +30,9 @@ Ending giveDraft(const CommandLine& command, const Draft& draft) {
 }  // namespace
 
 Ending giveProduct(const CommandLine& command) {
-    if (const std::wstring fault = faultOfName(command.name); !fault.empty())
-        return refuse(L"The product's directory can't be called " + command.name + L": " + fault);
+    if (const std::wstring fault = faultOfProductName(command.name); !fault.empty())
+        return refuse(L"The product's directory can't be called " + command.name + L": " + fault,
+                      Ending::badCommandLine);
     return giveDraft(command, [&command](const Payload& payload, Notes& notes) {
         return draftProduct(command.name, payload, notes);
     });

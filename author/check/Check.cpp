@@ -63,8 +63,8 @@ CheckEnd checkParsed(const CheckRequest& request, const ScriptText& text,
     checkDirectories(checked);
     checkDangers(checked);
     checkOrder(checked);
-    if (!request.payload.empty())
-        checkPayload(checked, request);
+    if (!request.payload.empty() && !checkPayload(checked, request))
+        return CheckEnd::notReadable;
     return request.previous.empty() ? CheckEnd::done : compareWith(request.previous, checked);
 }
 

@@ -35,12 +35,25 @@ struct Action {
                     Modes modes = allModes) const;
 };
 
-/// Calls `check` for each action of a run that was made and takes part in some mode.
+/// Calls `check` for each action of these that was made and takes part in some mode.
 template <class Check>
-void forEachAction(const Checked& checked, Check check) {
-    for (const Visit& visit : checked.walk.visits())
+void forEachActionOf(const std::deque<Visit>& visits, const Checked& checked, Check check) {
+    for (const Visit& visit : visits)
         if (visit.possible != 0 && !visit.made->failed)
             check(Action{checked, visit, checked.model[visit.number]});
+}
+
+/// Each action of a run once, with all the modes in which it is reached.
+template <class Check>
+void forEachAction(const Checked& checked, Check check) {
+    forEachActionOf(checked.walk.visits(), checked, check);
+}
+
+/// Each action as a run comes by it, for checks of what comes before what: one that is reached here
+/// in one mode and there in another comes twice, with the modes of each place.
+template <class Check>
+void forEachActionInOrder(const Checked& checked, Check check) {
+    forEachActionOf(checked.walk.passes(), checked, check);
 }
 
 // The families of checks. Each tells what it finds.
@@ -52,7 +65,8 @@ void checkTexts(const Checked& checked);
 void checkVariables(const Checked& checked);
 void checkRegistry(const Checked& checked);
 void checkFiles(const Checked& checked);
-void checkPayload(const Checked& checked, const CheckRequest& request);
+/// False when the payload can't be read.
+bool checkPayload(const Checked& checked, const CheckRequest& request);
 void checkBalance(const Checked& checked);
 void checkUpgrade(const Checked& checked, const Checked& previous);
 void checkDirectories(const Checked& checked);

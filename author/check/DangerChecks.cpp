@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cwctype>
 
+#include "author/SystemDirectories.h"
 #include "author/check/Effects.h"
 
 namespace {
@@ -52,7 +53,7 @@ public:
         for (const Effects::Things* things : {&effects.files(), &effects.shortcuts()})
             for (const auto& [path, thing] : *things)
                 if (thing.made != 0)
-                    addProductFile(path);
+                    addAbove(above(path));
     }
 
     void check() {
@@ -65,16 +66,17 @@ public:
                 checkLibrary(action);
             else if (action.is(shellExcuteKind))
                 checkProgram(action);
-            else if (action.is(serviceControlKind))
+        });
+        forEachActionInOrder(checked, [this](const Action& action) {
+            if (action.is(serviceControlKind))
                 checkService(action);
         });
     }
 
 private:
-    void addProductFile(const std::wstring& path) {
-        own.insert(std::wstring(above(path)));
-        for (std::wstring_view outer = above(path); !outer.empty(); outer = above(outer))
-            if (!aboveProduct.insert(std::wstring(outer)).second)
+    void addAbove(std::wstring_view directory) {
+        for (; !directory.empty(); directory = above(directory))
+            if (!aboveProduct.insert(withFolderWords(std::wstring(directory))).second)
                 return;
     }
 
@@ -118,7 +120,7 @@ private:
     /// Whether the product puts something into it or into one around it.
     bool isInProduct(std::wstring_view path) const {
         for (; !path.empty(); path = above(path))
-            if (own.contains(std::wstring(path)))
+            if (effects.isOwn(path))
                 return true;
         return false;
     }
@@ -126,16 +128,16 @@ private:
     void checkDirectory(const Action& action) {
         const KnownText& text = *action.text(pathAttribute);
         const std::wstring name = normalized(text.text);
-        const std::wstring path = lowered(name);
-        if (!text.exact || path.empty())
+        if (!text.exact || name.empty())
             return;
-        if (text.startsWithFolder() && partsOf(path) == 1)
-            return tell(action, Fault::folderWordRemoved, pathAttribute,
-                        inMarks(name) + L" is a folder of the system.");
-        if (isDriveRoot(path) || path == L"\\")
+        if (isDriveRoot(name) || name == L"\\")
             return tell(action, Fault::driveRemoved, pathAttribute,
                         inMarks(name) + L" is a whole drive.");
-        if (isInProduct(path) || own.empty())
+        const std::wstring path = withFolderWords(lowered(name));
+        if (isSystemDirectory(path))
+            return tell(action, Fault::folderWordRemoved, pathAttribute,
+                        inMarks(name) + L" is a folder of the system.");
+        if (isInProduct(path) || aboveProduct.empty())
             return;
         // Directly below a folder of the system stand the directories of vendors and of others.
         if (aboveProduct.contains(path)) {
@@ -215,8 +217,8 @@ private:
 
     const Checked& checked;
     Effects effects;
-    std::unordered_set<std::wstring> own;           // directories that something is put into
-    std::unordered_set<std::wstring> aboveProduct;  // these, and those around them
+    std::unordered_set<std::wstring>
+        aboveProduct;  // what something is put into, and what is around
     std::map<std::wstring, Modes> stoppedSoFar;
 };
 

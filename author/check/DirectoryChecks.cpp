@@ -1,44 +1,12 @@
-#include <algorithm>
 #include <set>
-#include <unordered_map>
-#include <unordered_set>
 
+#include "author/SystemDirectories.h"
 #include "author/check/Effects.h"
 
 namespace {
 
-/// Directories of the system that no product makes, in lower case; so is what stands above them.
-constexpr std::wstring_view systemDirectories[] = {
-    L"[programfilesfolder]\\common files",
-    L"[programmenufolder]\\accessories",
-    L"[programmenufolder]\\administrative tools",
-    L"[programmenufolder]\\startup",
-    L"[startmenufolder]\\programs\\startup",
-    L"[system32folder]\\drivers\\etc",
-    L"[windowsfolder]\\fonts",
-    L"[windowsfolder]\\inf",
-    L"[windowsfolder]\\system32\\drivers\\etc",
-    L"[windowsfolder]\\syswow64",
-    L"[windowsfolder]\\temp",
-    L"c:\\program files (x86)\\common files",
-    L"c:\\program files\\common files",
-    L"c:\\programdata",
-    L"c:\\users\\public\\desktop",
-    L"c:\\users\\public\\documents",
-    L"c:\\windows\\fonts",
-    L"c:\\windows\\system32\\drivers\\etc",
-    L"c:\\windows\\syswow64",
-    L"c:\\windows\\temp",
-};
-
 bool isOfTheSystem(std::wstring_view directory) {
-    return partsOf(directory) < 2 ||
-           std::any_of(
-               std::begin(systemDirectories), std::end(systemDirectories),
-               [&](std::wstring_view known) {
-                   return known.starts_with(directory) &&
-                          (known.size() == directory.size() || known[directory.size()] == L'\\');
-               });
+    return partsOf(directory) < 2 || isSystemDirectory(directory);
 }
 
 /// Directories that the install makes for what it puts into them, and that nothing removes.
@@ -47,9 +15,6 @@ public:
     explicit LeftDirectories(const Checked& checked) : checked(checked), effects(checked) {}
 
     void tell() {
-        forEachInstalled([this](const std::wstring& path, const Effects::Thing&) {
-            own.insert(std::wstring(above(path)));
-        });
         forEachInstalled([this](const std::wstring& path, const Effects::Thing& thing) {
             const std::wstring directory = outermost(path);
             if (directory.empty() || effects.goesWithDirectory(path, uninstalling))
@@ -77,7 +42,7 @@ private:
         for (size_t end = path.find(L'\\'); end != std::wstring::npos;
              end = path.find(L'\\', end + 1)) {
             std::wstring directory = path.substr(0, end);
-            const bool isVendors = isOfTheSystem(above(directory)) && !own.contains(directory);
+            const bool isVendors = isOfTheSystem(above(directory)) && !effects.isOwn(directory);
             if (!isOfTheSystem(directory) && !isVendors)
                 return directory;
         }
@@ -106,7 +71,6 @@ private:
 
     const Checked& checked;
     Effects effects;
-    std::unordered_set<std::wstring> own;  // directories that something is put into
     std::set<std::wstring> left;
     std::set<std::wstring> needed;
 };

@@ -26,6 +26,23 @@ Effects::Effects(const Checked& checked) {
         else if (action.is(shellExcuteKind))
             addCommand(action, L"ExeCommand");
     });
+    const ElementNumber product = checked.model.product();
+    const std::wstring name =
+        product == noElement ? std::wstring() : lowered(checked.model[product].id());
+    for (const Things* things : {&fileTargets, &linkTargets})
+        for (const auto& [path, thing] : *things)
+            if (thing.made != 0)
+                addOwn(withFolderWords(std::wstring(above(path))), name);
+}
+
+void Effects::addOwn(const std::wstring& directory, const std::wstring& product) {
+    if (!ownDirectories.insert(directory).second || product.empty())
+        return;
+    std::wstring_view outer = directory;
+    while (!outer.empty() && !outer.ends_with(L"\\" + product))
+        outer = above(outer);
+    if (!outer.empty())
+        ownDirectories.insert(std::wstring(outer));
 }
 
 void Effects::addFile(const Action& action, Things& things) {
@@ -105,6 +122,10 @@ void Effects::addCommand(const Action& action, const wchar_t* attribute) {
         if (path && path->exact)
             emptied[lowered(normalized(path->text))] |= action.visit.possible;
     }
+}
+
+bool Effects::isOwn(std::wstring_view directory) const {
+    return ownDirectories.contains(withFolderWords(std::wstring(directory)));
 }
 
 bool Effects::goesWithDirectory(const std::wstring& path, Modes modes) const {

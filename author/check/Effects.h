@@ -36,6 +36,10 @@ public:
     };
     const std::map<std::wstring, Service>& services() const { return servicesByName; }
 
+    /// Whether a directory is the product's own: something is put into it, or it is the innermost
+    /// around such a one that is called like the product.
+    bool isOwn(std::wstring_view directory) const;
+
     /// Whether a file goes with a directory that is removed, or that a command is about, in all of
     /// these modes.
     bool goesWithDirectory(const std::wstring& path, Modes modes) const;
@@ -50,6 +54,7 @@ private:
     void addService(const Action& action);
     void addDirectory(const Action& action);
     void addCommand(const Action& action, const wchar_t* attribute);
+    void addOwn(const std::wstring& directory, const std::wstring& product);
 
     Things fileTargets;
     Things linkTargets;
@@ -57,4 +62,5 @@ private:
     std::map<std::wstring, Service> servicesByName;
     std::map<std::wstring, Modes> emptied;  // directories, by the modes in which they are
     std::unordered_set<std::wstring> aboveRemoved;
+    std::unordered_set<std::wstring> ownDirectories;  // in them stand the words of folders
 };

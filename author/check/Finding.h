@@ -51,7 +51,7 @@ struct CheckRequest {
 
 enum class CheckEnd {
     done,
-    notReadable,  ///< the script, or the previous one, can't be read; nothing is told then
+    notReadable,  ///< the script, the previous one or the payload can't be read; nothing is told
 };
 
 /// Reads a script as the engine would and tells all that is wrong with it, in order of place.

@@ -55,8 +55,10 @@ constexpr FindingKind kinds[] = {
      L"A Condition around a definition that is reached by reference is never evaluated.",
      L"Put the Condition around the reference, or into the definition."},
     {L"TZ213", warning, goesOn,
-     L"A Directory is named almost like a folder of the system, but isn't one.",
-     L"Spell the folder word exactly."},
+     L"A Directory stands in no folder of the system: its Id is almost a folder word, or its Path "
+     L"is "
+     L"relative.",
+     L"Spell the folder word exactly, or put the Directory into one whose Id is a folder word."},
     {L"TZ214", error, endsRun, L"What is to be put into a directory stands in none.",
      L"Define the Component in a Directory and refer to it by ComponentRef."},
     {L"TZ215", warning, goesOn, L"A variable isn't seen where it stands.",

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "author/SystemDirectories.h"
+
 /// A text of a script as far as it is known without a machine. A folder of the system stands in it
 /// as its word in brackets, and a variable that a run can change as the value that it begins with.
 struct KnownText {
@@ -56,5 +58,4 @@ struct KnownText {
 
 private:
     static constexpr size_t shortestFolder = 3;  // a drive's root
-    static constexpr size_t longestFolder = 52;  // the start menu's programs
 };

@@ -15,7 +15,7 @@ public:
     explicit OrderCheck(const Checked& checked) : checked(checked), effects(checked) {}
 
     void check() {
-        forEachAction(checked, [this](const Action& action) {
+        forEachActionInOrder(checked, [this](const Action& action) {
             if (action.is(fileKind))
                 passFile(action);
             else if (action.is(shortcutKind))

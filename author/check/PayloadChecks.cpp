@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "author/Folder.h"
 #include "author/check/Targets.h"
 
 namespace fs = std::filesystem;
@@ -24,26 +25,31 @@ public:
             folder = folder.parent_path();
     }
 
-    void check() {
-        listFiles();
+    /// Whether the payload could be read.
+    bool check() {
+        UnreadFolder unread;
+        const std::optional<Folder> read = readFolder(folder.wstring(), unread);
+        if (!read)
+            return false;
+        listFiles(*read, L"");
         forEachAction(checked, [this](const Action& action) {
             if (action.is(fileKind) && (action.visit.possible & installingModes) != 0)
                 checkSource(action);
         });
         if (!checked.report.hasGaps())
             checkUnused();
+        return true;
     }
 
 private:
-    void listFiles() {
-        std::error_code error;
-        for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
-             entry.increment(error))
-            if (entry->is_regular_file(error)) {
-                files.push_back(
-                    entry->path().lexically_relative(folder).make_preferred().wstring());
-                byName.try_emplace(lowered(entry->path().filename().wstring()), files.back());
-            }
+    /// The path is that of a folder in the payload, with a separator at its end.
+    void listFiles(const Folder& listed, const std::wstring& path) {
+        for (const FolderFile& file : listed.files) {
+            files.push_back(path + file.name);
+            byName.try_emplace(lowered(file.name), files.back());
+        }
+        for (const Folder& inner : listed.folders)
+            listFiles(inner, path + inner.name + L"\\");
     }
 
     static std::wstring keyOf(const fs::path& path) {
@@ -125,6 +131,6 @@ private:
 
 }  // namespace
 
-void checkPayload(const Checked& checked, const CheckRequest& request) {
-    PayloadCheck(checked, request).check();
+bool checkPayload(const Checked& checked, const CheckRequest& request) {
+    return PayloadCheck(checked, request).check();
 }

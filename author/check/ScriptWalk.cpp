@@ -154,6 +154,10 @@ void ScriptWalk::visitChild(const Frame& frame, ElementNumber child) {
     const Modes possibleInside = modesOf(visit, possible | sure, sureInside);
     visit.possible |= possibleInside;
     visit.sure |= sureInside;
+    Visit& pass = passed.emplace_back(visit);
+    pass.possible = possibleInside;
+    pass.sure = sureInside;
+    pass.guard = frame.guard;
     if (possibleInside != 0)
         enter(visit, possibleInside, sureInside, frame.guard, references);
 }

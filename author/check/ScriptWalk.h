@@ -49,6 +49,10 @@ public:
 
     /// What was visited, in the order of the first time.
     const std::deque<Visit>& visits() const { return visited; }
+
+    /// The same, one for each time that it was reached in modes in which it hadn't been: with these
+    /// modes and what guards it there, in the order of a run.
+    const std::deque<Visit>& passes() const { return passed; }
     bool isReached(ElementNumber number) const { return visitsOf[number] != none; }
 
     /// How many steps the walk has taken: a measure of its work that is the same on every machine.
@@ -88,6 +92,7 @@ private:
         size_t next;
     };
     std::deque<Visit> visited;
+    std::deque<Visit> passed;
     std::vector<Known> known;
     std::vector<size_t> visitsOf;
     std::deque<MadeElement> madeElements;

@@ -172,13 +172,28 @@ private:
         const ElementNode& element = model[number];
         const std::wstring near = checked.nearMiss.find(element.id(), folderWords());
         if (near.empty())
-            return;
+            return checkRelativePath(number);
         std::wstring text = inMarks(element.id()) + L" is no folder of the system";
         const bool isOutermost = !isPlace(model[element.parent]);
         if (isOutermost && element.find(pathAttribute) == nullptr)
             text += L", so what stands in it goes to a path relative to the working directory";
         report.tellOf(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace, text + L".",
                       didYouMean(near));
+    }
+
+    /// An outermost directory has nothing that its path could be joined to.
+    void checkRelativePath(ElementNumber number) {
+        const ElementNode& element = model[number];
+        if (isPlace(model[element.parent]) || !element.find(pathAttribute))
+            return;
+        const KnownText* path = checked.maker.onDemand(number).find(pathAttribute);
+        if (path == nullptr || !path->exact || path->text.empty() || path->opaqueEnd > 0 ||
+            path->text.find_first_of(L"\\/") == 0 || path->text.find(L':') != std::wstring::npos)
+            return;
+        report.tellOf(Fault::misspeltFolderWord, element.find(pathAttribute)->valuePlace,
+                      inMarks(path->text) + L" is relative to the working directory.",
+                      L"put the Directory into one whose Id is a folder word, such as "
+                      L"ProgramFilesFolder.");
     }
 
     ElementNumber checkDefinition(ElementNumber number) {

@@ -6,8 +6,14 @@
 #include <vector>
 
 #include "author/Markup.h"
+#include "author/SystemDirectories.h"
 
 namespace {
+
+constexpr size_t longestPath = 259;  // that Windows makes
+
+/// The path of the shortcut has the name twice: [ProgramMenuFolder]\NAME\NAME.lnk.
+constexpr size_t longestName = (longestPath - longestFolder - std::size(L"\\\\.lnk") + 1) / 2;
 
 /// A text in which the engine sees no reference.
 std::wstring literal(const std::wstring& plain) {
@@ -48,6 +54,29 @@ std::wstring programOf(const std::wstring& product, const Payload& payload) {
         if (inLowerCase(withoutBlanks(program.substr(0, program.size() - suffix.size()))) == wanted)
             return program;
     return L"";
+}
+
+/// The file with the longest path below the folder, which is that of the folder here.
+std::wstring longestPlace(const Payload& folder, const std::wstring& path) {
+    std::wstring longest;
+    const auto consider = [&longest](const std::wstring& place) {
+        if (place.size() > longest.size())
+            longest = place;
+    };
+    for (const std::wstring& file : folder.files)
+        consider(path + file);
+    for (const Payload& inner : folder.folders)
+        consider(longestPlace(inner, path + inner.name + L"\\"));
+    return longest;
+}
+
+void noteLongPath(const std::wstring& name, const Payload& payload, Notes& notes) {
+    const std::wstring place = longestPlace(payload, L"");
+    const size_t length = longestFolder + std::size(L"\\\\") - 1 + name.size() + place.size();
+    if (length > longestPath)
+        notes.push_back(place + L" gets a path of up to " + std::to_wstring(length) +
+                        L" characters, and Windows makes files of up to " +
+                        std::to_wstring(longestPath) + L". Shorten the names.");
 }
 
 /// A script in the making.
@@ -162,6 +191,17 @@ void writeSequence(Draft& draft, bool hasShortcut) {
 
 }  // namespace
 
+std::wstring faultOfProductName(const std::wstring& name) {
+    if (name.size() > longestName)
+        return L"it has " + std::to_wstring(name.size()) +
+               L" characters; a product's name can have " + std::to_wstring(longestName) + L".";
+    const std::wstring directory = L"]\\" + inLowerCase(name);
+    if (isSystemDirectory(L"[programfilesfolder" + directory) ||
+        isSystemDirectory(L"[programmenufolder" + directory))
+        return L"that is a directory of Windows, which an uninstall would remove.";
+    return faultOfName(name);
+}
+
 std::wstring draftProduct(const std::wstring& name, const Payload& payload, Notes& notes) {
     const std::wstring program = programOf(name, payload);
     if (program.empty())
@@ -192,6 +232,7 @@ std::wstring draftProduct(const std::wstring& name, const Payload& payload, Note
     writeSequence(draft, !program.empty());
     draft.close();
     draft.close();
+    noteLongPath(name, payload, notes);
     noteEncoding(draft.script, notes);
     return draft.script;
 }

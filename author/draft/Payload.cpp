@@ -4,21 +4,9 @@
 
 #include <algorithm>
 #include <cwctype>
-#include <filesystem>
-#include <memory>
 #include <string_view>
 
-#include "author/SystemText.h"
-
 namespace {
-
-struct FindCloser {
-    void operator()(HANDLE find) const { FindClose(find); }
-};
-
-std::wstring unreadable(DWORD error) {
-    return L"can't be read: " + systemTextWithCode(error);
-}
 
 bool isDevice(const std::wstring& name) {
     std::wstring stem = name.substr(0, name.find(L'.'));
@@ -36,74 +24,59 @@ bool isWholeText(const std::wstring& name) {
                                static_cast<int>(name.size()), nullptr, 0, nullptr, nullptr) != 0;
 }
 
-/// Reads one payload.
-class Reader {
+/// Judges what is in one folder.
+class Judge {
 public:
-    Reader(std::wstring root, Notes& notes, std::wstring& problem)
-        : root(std::move(root)), notes(notes), problem(problem) {}
+    Judge(const Folder& root, Notes& notes, std::wstring& problem)
+        : root(root), notes(notes), problem(problem) {}
 
     /// The path is that of the folder, counted from the root; empty for the root itself.
-    bool read(Payload& folder, const std::wstring& path) {
-        WIN32_FIND_DATAW entry;
-        const std::wstring pattern = root + L"\\" + (path.empty() ? L"" : path + L"\\") + L"*";
-        const HANDLE raw = FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &entry,
-                                            FindExSearchNameMatch, nullptr, 0);
-        if (raw == INVALID_HANDLE_VALUE)
-            return refuse(path, unreadable(GetLastError()));
-        const std::unique_ptr<void, FindCloser> find(raw);
-        do
-            if (!take(entry, folder, path))
+    bool take(const Folder& folder, const std::wstring& path, Payload& payload) {
+        const std::wstring front = path.empty() ? path : path + L"\\";
+        for (const std::wstring& link : folder.links)
+            notes.push_back(front + link + L" is a link to a folder, and left out.");
+        for (const FolderFile& file : folder.files) {
+            if (!isInstallable(file.name, front))
                 return false;
-        while (FindNextFileW(raw, &entry));
-        if (const DWORD error = GetLastError(); error != ERROR_NO_MORE_FILES)
-            return refuse(path, unreadable(error));
-        std::sort(folder.files.begin(), folder.files.end());
-        std::sort(folder.folders.begin(), folder.folders.end(),
-                  [](const auto& a, const auto& b) { return a.name < b.name; });
-        return true;
+            if (file.resists)
+                notes.push_back(front + file.name +
+                                L" is read-only or hidden, and so will its copy be, which Windows "
+                                L"then refuses to replace at an upgrade. Clear that: attrib -r -h "
+                                L"\"" +
+                                root.name + L"\\" + front + file.name + L"\"");
+            payload.files.push_back(file.name);
+        }
+        return std::all_of(folder.folders.begin(), folder.folders.end(), [&](const Folder& inner) {
+            return isInstallable(inner.name, front) &&
+                   takeInner(inner, front + inner.name, payload);
+        });
     }
 
 private:
-    bool refuse(const std::wstring& path, const std::wstring& reason) {
-        problem = (path.empty() ? root : root + L"\\" + path) + L" " + reason;
-        return false;
+    bool isInstallable(const std::wstring& name, const std::wstring& front) {
+        const std::wstring fault = faultOfName(name);
+        if (!fault.empty())
+            problem = root.name + L"\\" + front + name + L" can't be installed: " + fault;
+        return fault.empty();
     }
 
-    bool take(const WIN32_FIND_DATAW& entry, Payload& folder, const std::wstring& path) {
-        const std::wstring name = entry.cFileName;
-        if (name == L"." || name == L"..")
-            return true;
-        const std::wstring place = path.empty() ? name : path + L"\\" + name;
-        if (const std::wstring fault = faultOfName(name); !fault.empty())
-            return refuse(place, L"can't be installed: " + fault);
-        if (!(entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
-            if (entry.dwFileAttributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN))
-                notes.push_back(place +
-                                L" is read-only or hidden, and so will its copy be, which "
-                                L"Windows then refuses to replace at an upgrade.");
-            folder.files.push_back(name);
-            return true;
-        }
-        if (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) {
-            notes.push_back(place + L" is a link to a folder, and left out.");
-            return true;
-        }
-        Payload child{name, {}, {}};
+    bool takeInner(const Folder& inner, const std::wstring& path, Payload& payload) {
+        Payload child{inner.name, {}, {}};
         const size_t noteCount = notes.size();
-        if (!read(child, place))
+        if (!take(inner, path, child))
             return false;
         if (child.holdsFiles()) {
-            folder.folders.push_back(std::move(child));
+            payload.folders.push_back(std::move(child));
             return true;
         }
         notes.resize(noteCount);
-        notes.push_back(place +
-                        L" holds no files, and is left out: a script makes a "
-                        L"directory only for what it puts there.");
+        notes.push_back(path +
+                        L" holds no files, and is left out: a script makes a directory only for "
+                        L"what it puts there.");
         return true;
     }
 
-    const std::wstring root;
+    const Folder& root;
     Notes& notes;
     std::wstring& problem;
 };
@@ -115,18 +88,16 @@ bool Payload::holdsFiles() const {
                                          [](const Payload& folder) { return folder.holdsFiles(); });
 }
 
-std::optional<Payload> readPayload(const std::wstring& path, Notes& notes, std::wstring& problem) {
-    const std::filesystem::path whole = std::filesystem::absolute(path).lexically_normal();
-    const std::filesystem::path folder = whole.has_filename() ? whole : whole.parent_path();
-    Payload payload{folder.filename().wstring(), {}, {}};
-    if (payload.name.empty()) {
-        problem = path + L" is a whole drive; name a folder.";
+std::optional<Payload> payloadOf(const Folder& folder, Notes& notes, std::wstring& problem) {
+    Payload payload{folder.name, {}, {}};
+    if (folder.name.empty()) {
+        problem = L"A whole drive can't be installed; name a folder in it.";
         return std::nullopt;
     }
-    if (!Reader(folder.wstring(), notes, problem).read(payload, L""))
+    if (!Judge(folder, notes, problem).take(folder, L"", payload))
         return std::nullopt;
     if (!payload.holdsFiles()) {
-        problem = path + L" holds no files.";
+        problem = folder.name + L" holds no files.";
         return std::nullopt;
     }
     return payload;

@@ -108,6 +108,9 @@ void checkNeedsAFileThatCanBeRead(void) {
     request.script = CHECKED_FILE;
     request.previous = FOLDER L"\\missing.xml";
     CHECK_NUMBER(TEMZ_NOT_READABLE, temz_check(&request));
+    request.previous = NULL;
+    request.payload = FOLDER L"\\missing";
+    CHECK_NUMBER(TEMZ_NOT_READABLE, temz_check(&request));
     CHECK_NUMBER(0, told.count);
 }
 

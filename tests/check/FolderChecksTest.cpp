@@ -96,6 +96,13 @@ TEST_F(FolderChecksTest, APreviousScriptThatCannotBeReadIsNoFinding) {
     EXPECT_EQ(checkScript(request, [](const Finding&) {}), CheckEnd::notReadable);
 }
 
+TEST_F(FolderChecksTest, APayloadThatCannotBeReadIsNoEmptyOne) {
+    CheckRequest request;
+    request.script = folder.write(L"new.xml", product(twoFiles));
+    request.payload = folder.path(L"missing");
+    EXPECT_EQ(checkScript(request, [](const Finding&) { ADD_FAILURE(); }), CheckEnd::notReadable);
+}
+
 TEST_F(FolderChecksTest, AShortcutThatIsNeverRemovedIsTold) {
     const std::string limited =
         "<Root><Product><Directory Id=\"R\" Path=\"C:\\x\">\n"
@@ -132,4 +139,30 @@ TEST_F(FolderChecksTest, ADirectoryThatStaysIsToldOnceAndNotThoseOfOthers) {
         EXPECT_EQ(findingsIn(script(place)),
                   std::string("2:1 TZ609 `[ProgramFilesFolder]\\") + place +
                       "\\Product` stays after uninstall, empty or not.\n");
+}
+
+TEST_F(FolderChecksTest, AnOutermostDirectoryNeedsAWholePath) {
+    const auto script = [](const std::string& directory) {
+        return "<Root><Variable Id=\"V\" Type=\"string\" Value=\"\"/><Product>\n" + directory +
+               "<Component Id=\"C\"><RegistryKey Action=\"create\" Root=\"HKEY_CURRENT_USER\" "
+               "Key=\"Software\\K\"/></Component></Directory><InstallExecuteSequence><Feature>"
+               "<ComponentRef Id=\"C\"/></Feature></InstallExecuteSequence></Product></Root>";
+    };
+    const auto told = [&](const std::string& directory) {
+        std::string texts;
+        for (const Finding& finding : check(script(directory)))
+            if (narrow(finding.kind->code) == "TZ213")
+                texts += narrow(finding.text);
+        return texts;
+    };
+    for (const char* path : {"Works", "Works\\Lantern", "..\\Lantern"})
+        EXPECT_EQ(told(std::string("<Directory Id=\"R\" Path=\"") + path + "\">"),
+                  std::string("`") + path + "` is relative to the working directory.");
+    for (const char* directory :
+         {"<Directory Id=\"R\" Path=\"C:\\Works\">", "<Directory Id=\"R\" Path=\"\\\\s\\Works\">",
+          "<Directory Id=\"R\" Path=\"[ProgramFilesFolder]Works\">",
+          "<Directory Id=\"ProgramFilesFolder\" Path=\"Works\">",
+          "<Directory Id=\"R\" Path=\"#V\">",
+          "<Directory Id=\"ProgramFilesFolder\"><Directory Path=\"Works\"/>"})
+        EXPECT_EQ(told(directory), "") << directory;
 }

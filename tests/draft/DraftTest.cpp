@@ -97,6 +97,32 @@ TEST(DraftProduct, TellsThatThereIsNoShortcut) {
     }
 }
 
+TEST(DraftProduct, TellsOfAPathThatWindowsDoesNotMake) {
+    constexpr size_t front = 52 + std::size(L"\\My Product\\") - 1;
+    for (const size_t length : {259, 260}) {
+        Notes notes;
+        const std::wstring name(length - front - 3, L'x');
+        product({L"payload", {}, {{L"in", {name}, {}}}}, notes);
+        std::erase_if(notes,
+                      [](const std::wstring& note) { return note.find(L"gets") == note.npos; });
+        if (length < 260)
+            EXPECT_THAT(notes, IsEmpty());
+        else
+            EXPECT_THAT(
+                notes, ElementsAre(L"in\\" + name +
+                                   L" gets a path of up to 260 characters, and Windows makes files "
+                                   L"of up to 259. Shorten the names."));
+    }
+}
+
+TEST(ProductName, IsNoneOfADirectoryThatWindowsHasInTheSamePlace) {
+    for (const wchar_t* name : {L"Common Files", L"windows nt", L"WindowsApps", L"Accessories"})
+        EXPECT_EQ(faultOfProductName(name),
+                  L"that is a directory of Windows, which an uninstall would remove.");
+    for (const wchar_t* name : {L"Common", L"Windows NT Tools", L"Lantern"})
+        EXPECT_EQ(faultOfProductName(name), L"");
+}
+
 TEST(DraftProduct, CallsItsDirectoriesByItsName) {
     const std::wstring text = product(flat({L"a#.exe"}), L"R&D [1] #2");
 

@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "SetupTest.h"
-#include "author/SystemText.h"
 #include "support/Requirements.h"
-#include "support/Sweep.h"
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
@@ -66,15 +64,26 @@ TEST_F(DraftedProductTest, IsCleanWithOneFile) {
     expectToBeClean(1, 1);
 }
 
-TEST_F(DraftedProductTest, IsCleanWithManyFilesInDeepTrees) {
-    const size_t count = 5000 / sweepStride(20);
-    for (size_t i = 0; i < count; ++i) {
-        std::wstring place;
-        for (size_t level = 0; level <= i % 40; ++level)
-            place += L"d" + std::to_wstring(i % 7) + L"\\";
-        pay({place + L"f" + std::to_wstring(i) + L".txt"});
+TEST_F(DraftedProductTest, IsCleanWith500Files) {
+    for (int i = 0; i < 500; ++i)
+        pay({L"d" + std::to_wstring(i % 20) + L"\\f" + std::to_wstring(i) + L".txt"});
+    expectToBeClean(500, 0);
+}
+
+TEST_F(DraftedProductTest, IsCleanWith5000Files) {
+    for (int i = 0; i < 5000; ++i)
+        pay({L"d" + std::to_wstring(i % 7) + L"\\e" + std::to_wstring(i % 30) + L"\\f" +
+             std::to_wstring(i) + L".txt"});
+    expectToBeClean(5000, 0);
+}
+
+TEST_F(DraftedProductTest, IsCleanWithADeepTree) {
+    std::wstring place;
+    for (int i = 0; i < 40; ++i) {
+        place += L"d\\";
+        pay({place + L"f.txt"});
     }
-    expectToBeClean(count, 0);
+    expectToBeClean(40, 0);
 }
 
 TEST_F(DraftedProductTest, InstallsFilesWhateverTheyAreCalled) {
@@ -146,17 +155,39 @@ TEST_F(DraftedProductTest, CanBePutTogetherFromAPart) {
     EXPECT_EQ(treeOf(folder.path(L"app")), treeOf(setup(L"payload")));
 }
 
+TEST_F(DraftedProductTest, PassesTheCheckWithFoldersAlone) {
+    pay({L"bin\\a.exe"});
+    draft();
+    EXPECT_EQ(temz(L"check install.xml --payload payload").output,
+              "No findings. Nothing was run.\n");
+}
+
+TEST_F(DraftedProductTest, PassesTheCheckWithTheLongestName) {
+    pay({L"a.exe"});
+    const auto draft = [this](size_t length) {
+        return temz(L"new --payload payload --out install.xml --name " +
+                    std::wstring(length, L'x'));
+    };
+    const ProgramRun refused = draft(101);
+    EXPECT_EQ(refused.exitCode, 1639u);
+    EXPECT_THAT(refused.error, HasSubstr("it has 101 characters; a product's name can have 100."));
+    EXPECT_FALSE(exists(setup(L"install.xml")));
+
+    EXPECT_EQ(draft(100).exitCode, 0u);
+    EXPECT_EQ(temz(L"check install.xml --payload payload").output,
+              "No findings. Nothing was run.\n");
+}
+
 TEST_F(DraftedProductTest, IsRefusedWithAReason) {
     pay({L"a.txt"});
     const ProgramRun named = temz(L"new --name a:b --payload payload");
-    EXPECT_EQ(named.exitCode, 2u);
+    EXPECT_EQ(named.exitCode, 1639u);
     EXPECT_EQ(named.error,
               "temz: The product's directory can't be called a:b: Windows allows no "
               "control character and none of <>:\"/\\|?* in a name.\n");
     const ProgramRun absent = temz(L"harvest absent");
     EXPECT_EQ(absent.exitCode, 2u);
-    EXPECT_THAT(absent.error,
-                HasSubstr("absent can't be read: " + utf8(systemTextWithCode(3)) + "\n"));
+    EXPECT_THAT(absent.error, HasSubstr("absent can't be read: " + systemError(3) + "\n"));
     EXPECT_THAT(absent.output, IsEmpty());
 }
 

@@ -35,6 +35,14 @@ check whole-path 1 'TZ203 ' "$folder\\mäßig gut.xml"
 check ignored 0 '' 'mäßig gut.xml' --ignore TZ203
 check broken 1 'TZ101 ' broken.xml
 check absent 2 '' absent.xml
+
+# A payload with a link to itself, which Wine's own calls can't make.
+mkdir -p payload/in
+ln -s .. payload/in/around
+touch payload/in/extra.txt
+check around 0 'TZ522 ' good.xml --payload payload
+check no-payload 2 '' good.xml --payload nowhere
+grep -q 'nowhere can.t be read: .*\[error 3\]' no-payload.out || fail "no-payload: the folder isn't named."
 check command-line $((1639 % 256)) '' good.xml --frobnicate
 grep -q '"uri":"m%C3%A4%C3%9Fig%20gut.xml"' faulty.sarif || fail "faulty: the address is wrong."
 grep -q '"uri":"file:///Z:/.*/m%C3%A4%C3%9Fig%20gut.xml"' whole-path.sarif || fail "whole-path: the address is wrong."

@@ -99,6 +99,16 @@ TEST_F(ShadowFilesTest, CopyOfACopyHasTheVersionOfTheFirst) {
     EXPECT_EQ(version, parseVersionText(L"1.10"));
 }
 
+TEST_F(ShadowFilesTest, PlannedDirectoryHasNoVersionAsARealOneHasNone) {
+    const std::wstring real = folder.makeDirectory(L"real");
+    const std::wstring planned = folder.path(L"planned");
+    EXPECT_EQ(makeDirectory(planned), 0u);
+
+    for (const std::wstring& path : {real, planned})
+        EXPECT_EQ(errorOf(versionCalls.GetFileVersionInfoSizeW(path.c_str(), nullptr) != 0),
+                  DWORD{ERROR_ACCESS_DENIED});
+}
+
 TEST_F(ShadowFilesTest, VersionOfARemovedFileIsGone) {
     const std::wstring file = folder.path(L"a.dll");
     placeVersionedFile(file, L"1.10.0.0");
