@@ -110,23 +110,9 @@ std::wstring span(const wchar_t* name, const std::wstring& content) {
     return std::wstring(L"<span class=\"") + name + L"\">" + content + L"</span>";
 }
 
-const wchar_t* classOf(wchar_t symbol) {
-    switch (symbol) {
-        case L'+':
-            return L" add";
-        case L'-':
-            return L" remove";
-        case L'~':
-            return L" change";
-        case L'!':
-            return L" wait";
-        case L'>':
-            return L" run";
-        case L'?':
-            return L" unknown";
-        default:
-            return L"";
-    }
+std::wstring classesOf(const PlanLine& line) {
+    const SignWords* sign = findSign(line.symbol);
+    return sign ? std::wstring(line.area) + L" " + sign->pageClass : line.area;
 }
 
 bool holdsOthers(const PlanLine& line) {
@@ -138,8 +124,8 @@ std::wstring lineHtml(const PlanLine& line) {
     const std::wstring depth = std::to_wstring(line.depth);
     const std::wstring place =
         line.scriptLine == 0 ? L"" : span(L"place", L"line " + std::to_wstring(line.scriptLine));
-    return std::wstring(L"<li class=\"") + line.area + classOf(line.symbol) + L"\" data-area=\"" +
-           line.area + L"\" data-depth=\"" + depth + L"\" style=\"--depth: " + depth + L"\"" +
+    return L"<li class=\"" + classesOf(line) + L"\" data-area=\"" + line.area +
+           L"\" data-depth=\"" + depth + L"\" style=\"--depth: " + depth + L"\"" +
            (holdsOthers(line) ? L" data-holds" : L"") + L">" +
            span(L"symbol", escapedForMarkup(std::wstring(1, line.symbol))) +
            span(L"object", escapedForMarkup(line.object) + place) +

@@ -8,27 +8,6 @@ namespace {
 
 constexpr size_t effectColumn = 54;
 
-/// The control sequence for a line of this symbol.
-const wchar_t* colourOf(wchar_t symbol) {
-    switch (symbol) {
-        case L'+':
-            return L"\x1B[32m";
-        case L'-':
-            return L"\x1B[31m";
-        case L'~':
-            return L"\x1B[33m";
-        case L'!':
-            return L"\x1B[35m";
-        case L'x':
-            return L"\x1B[91m";
-        case L'?':
-        case L'>':
-            return L"\x1B[36m";
-        default:
-            return L"";
-    }
-}
-
 std::wstring lineText(const PlanLine& line, bool inColour) {
     std::wstring text(2 * (size_t{line.depth} + 1), L' ');
     if (line.symbol != L' ')
@@ -42,8 +21,8 @@ std::wstring lineText(const PlanLine& line, bool inColour) {
     for (wchar_t& unit : text)
         if (unit < L' ')
             unit = L' ';
-    const std::wstring colour = inColour ? colourOf(line.symbol) : L"";
-    return colour.empty() ? text : colour + text + L"\x1B[0m";
+    const SignWords* sign = inColour ? findSign(line.symbol) : nullptr;
+    return sign ? sign->colour + text + L"\x1B[0m" : text;
 }
 
 }  // namespace

@@ -1,11 +1,12 @@
 #include "PlanWords.h"
 
+#include <algorithm>
 #include <array>
-#include <cwchar>
 #include <iterator>
 #include <vector>
 
 #include "Diagnosis.h"
+#include "author/SizeText.h"
 
 namespace {
 
@@ -31,6 +32,13 @@ constexpr ChangeWords words[] = {
     {TEMZ_CHANGE_ACTION_CALLED, L'>', L"action-called", L"program", L"called"},
 };
 static_assert(std::size(words) == TEMZ_CHANGE_END_ - 1);
+
+constexpr SignWords signs[] = {
+    {L'+', L"\x1B[32m", L"add"},     {L'-', L"\x1B[31m", L"remove"},
+    {L'~', L"\x1B[33m", L"change"},  {L'!', L"\x1B[35m", L"wait"},
+    {L'>', L"\x1B[36m", L"run"},     {L'?', L"\x1B[36m", L"unknown"},
+    {L'x', L"\x1B[91m", L"failing"},
+};
 
 std::wstring counted(uint64_t number, const wchar_t* one, const wchar_t* many) {
     return std::to_wstring(number) + L" " + (number == 1 ? one : many);
@@ -98,6 +106,12 @@ std::wstring failuresText(const PlanSummary& summary) {
 
 std::span<const ChangeWords> changeWords() {
     return words;
+}
+
+const SignWords* findSign(wchar_t symbol) {
+    const auto* sign = std::find_if(std::begin(signs), std::end(signs),
+                                    [symbol](const auto& one) { return one.symbol == symbol; });
+    return sign == std::end(signs) ? nullptr : sign;
 }
 
 const ChangeWords& wordsOf(const Step& change) {
@@ -190,21 +204,5 @@ std::wstring summaryTextOf(const PlanSummary& summary) {
         append(text, L"; ",
                L"the effect of " + counted(summary.unforeseeable, L"step", L"steps") +
                    L" can't be foreseen");
-    return text;
-}
-
-std::wstring sizeText(uint64_t bytes) {
-    constexpr const wchar_t* units[] = {L"KB", L"MB", L"GB", L"TB"};
-    if (bytes < 1024)
-        return counted(bytes, L"byte", L"bytes");
-    double size = static_cast<double>(bytes) / 1024;
-    size_t unit = 0;
-    while (size >= 999.5 && unit + 1 < std::size(units)) {
-        size /= 1024;
-        ++unit;
-    }
-    wchar_t text[32];
-    std::swprintf(text, std::size(text), size < 99.95 && unit > 0 ? L"%.1f %ls" : L"%.0f %ls", size,
-                  units[unit]);
     return text;
 }

@@ -20,6 +20,16 @@ struct ChangeWords {
 std::span<const ChangeWords> changeWords();
 const ChangeWords& wordsOf(const Step& change);
 
+/// How a line with a symbol in front looks.
+struct SignWords {
+    wchar_t symbol;
+    const wchar_t* colour;     ///< the control sequence for a terminal
+    const wchar_t* pageClass;  ///< of the page
+};
+
+/// Null for a line of no colour of its own.
+const SignWords* findSign(wchar_t symbol);
+
 /// What is done with the object of a change, from what to what: "1.3.0, 800 KB -> 1.4.0, 812 KB".
 std::wstring effectText(const Step& change);
 /// A failure, and what a run does there.
@@ -33,6 +43,3 @@ std::wstring leftOutText(const Step& step);
 /// What comes first of a plan: of what, and what it comes to.
 std::wstring headlineOf(const PlanHeader& header);
 std::wstring summaryTextOf(const PlanSummary& summary);
-
-/// "812 KB".
-std::wstring sizeText(uint64_t bytes);

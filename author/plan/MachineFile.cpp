@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <vector>
 
+#include "SizeText.h"
 #include "plan/OpenedFile.h"
 
 namespace {
@@ -15,19 +16,6 @@ bool readOn(const OpenedFile& file, std::vector<char>& buffer) {
         return false;
     buffer.resize(read);
     return true;
-}
-
-std::wstring sizeText(uint64_t size) {
-    constexpr const wchar_t* units[] = {L"bytes", L"KB", L"MB", L"GB", L"TB"};
-    constexpr uint64_t unitFactor = 1024;
-    size_t unit = 0;
-    uint64_t tenths = size * 10;
-    for (; tenths >= unitFactor * 10 && unit + 1 < std::size(units); ++unit)
-        tenths = (tenths + unitFactor / 2) / unitFactor;
-    std::wstring text = std::to_wstring(tenths / 10);
-    if (tenths < 1000 && tenths % 10 != 0)
-        text += L"." + std::to_wstring(tenths % 10);
-    return text + L" " + units[unit];
 }
 
 std::wstring timeText(const FILETIME& time) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "ScriptedPlan.h"
+#include "author/SizeText.h"
 #include "host/PlanWords.h"
 
 namespace {
@@ -74,6 +75,15 @@ TEST(PlanWordsTest, TellsSizesInTheUnitThatFits) {
                  {uint64_t{5000} << 40, L"5000 TB"}};
     for (const auto& [bytes, text] : sizes)
         EXPECT_EQ(sizeText(bytes), text);
+}
+
+// A sign that the page or the terminal doesn't know would be shown like what changes nothing.
+TEST(PlanWordsTest, KnowsTheSignOfEachChange) {
+    for (const ChangeWords& row : changeWords())
+        EXPECT_NE(findSign(row.symbol), nullptr) << row.word;
+    for (const wchar_t symbol : {L'?', L'x'})
+        EXPECT_NE(findSign(symbol), nullptr);
+    EXPECT_EQ(findSign(L' '), nullptr);
 }
 
 TEST(PlanSummaryTest, CountsWhatNewFilesNeedOnEachDrive) {
