@@ -24,7 +24,7 @@ enum class Fault : size_t {
     circleOfReferences,
     hiddenId,
     conditionNotEvaluated,
-    misspeltFolderWord,
+    outsideFolders,
     noDirectory,
     unseenVariable,
     longChain,

@@ -21,7 +21,7 @@ constexpr Fault gapMakers[] = {
     Fault::referenceToNothing,
     Fault::circleOfReferences,
     Fault::hiddenId,
-    Fault::misspeltFolderWord,
+    Fault::outsideFolders,
     Fault::noDirectory,
     Fault::endlessMaking,
     Fault::missingAttribute,

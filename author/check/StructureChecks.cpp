@@ -177,7 +177,7 @@ private:
         const bool isOutermost = !isPlace(model[element.parent]);
         if (isOutermost && element.find(pathAttribute) == nullptr)
             text += L", so what stands in it goes to a path relative to the working directory";
-        report.tellOf(Fault::misspeltFolderWord, element.find(idAttribute)->valuePlace, text + L".",
+        report.tellOf(Fault::outsideFolders, element.find(idAttribute)->valuePlace, text + L".",
                       didYouMean(near));
     }
 
@@ -190,7 +190,7 @@ private:
         if (path == nullptr || !path->exact || path->text.empty() || path->opaqueEnd > 0 ||
             path->text.find_first_of(L"\\/") == 0 || path->text.find(L':') != std::wstring::npos)
             return;
-        report.tellOf(Fault::misspeltFolderWord, element.find(pathAttribute)->valuePlace,
+        report.tellOf(Fault::outsideFolders, element.find(pathAttribute)->valuePlace,
                       inMarks(path->text) + L" is relative to the working directory.",
                       L"put the Directory into one whose Id is a folder word, such as "
                       L"ProgramFilesFolder.");

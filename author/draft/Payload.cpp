@@ -36,14 +36,15 @@ public:
         for (const std::wstring& link : folder.links)
             notes.push_back(front + link + L" is a link to a folder, and left out.");
         for (const FolderFile& file : folder.files) {
+            const std::wstring place = front + file.name;
             if (!isInstallable(file.name, front))
                 return false;
             if (file.resists)
-                notes.push_back(front + file.name +
+                notes.push_back(place +
                                 L" is read-only or hidden, and so will its copy be, which Windows "
                                 L"then refuses to replace at an upgrade. Clear that: attrib -r -h "
                                 L"\"" +
-                                root.name + L"\\" + front + file.name + L"\"");
+                                wholePlace(place) + L"\"");
             payload.files.push_back(file.name);
         }
         return std::all_of(folder.folders.begin(), folder.folders.end(), [&](const Folder& inner) {
@@ -53,10 +54,13 @@ public:
     }
 
 private:
+    /// As a Source names it.
+    std::wstring wholePlace(const std::wstring& place) const { return root.name + L"\\" + place; }
+
     bool isInstallable(const std::wstring& name, const std::wstring& front) {
         const std::wstring fault = faultOfName(name);
         if (!fault.empty())
-            problem = root.name + L"\\" + front + name + L" can't be installed: " + fault;
+            problem = wholePlace(front + name) + L" can't be installed: " + fault;
         return fault.empty();
     }
 
