@@ -215,7 +215,13 @@ temz_status temz_load(temz_context* context, const temz_char* path) {
     return passWith(Use::changing, context, [&](Session& session) {
         if (path == nullptr)
             return temz_status{TEMZ_NULL_ARGUMENT};
-        return session.isLoaded() ? temz_status{TEMZ_ALREADY_LOADED} : session.load(path);
+        if (session.isLoaded())
+            return temz_status{TEMZ_ALREADY_LOADED};
+        const temz_status status = Shortage().statusOf([&] { return session.load(path); });
+        // What was loaded may lack something.
+        if (status == TEMZ_NO_MEMORY)
+            session.unload();
+        return status;
     });
 }
 
@@ -251,7 +257,7 @@ temz_status temz_run(temz_context* context, temz_mode mode, temz_outcome* outcom
     const auto prepare = [&] { return checkRun(context, mode, outcome); };
     return gate.passRun(prepare, [&] {
         const OutcomeScope told(*context->session, outcome);
-        return context->session->run(mode);
+        return Shortage().statusOf([&] { return context->session->run(mode); });
     });
 }
 

@@ -104,3 +104,10 @@ Ending showPlan(const CommandLine& command) {
         warn(problem.text);
     return ending;
 }
+
+void tellNoPlan(const std::wstring& problem) {
+    Plan plan;
+    plan.header.version = programVersion();
+    plan.header.windows = windowsVersion();
+    writePlanAsJson(plan, exitCodeOf(Ending::badCommandLine), problem);
+}

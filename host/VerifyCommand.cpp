@@ -124,3 +124,9 @@ private:
 Ending verifyScript(const CommandLine& command) {
     return Verification(command).carryOut();
 }
+
+void tellNoVerification(const std::wstring& problem) {
+    const auto report = makeVerifyReport(true);
+    report->started({});
+    report->refused(problem, Ending::badCommandLine);
+}

@@ -23,11 +23,15 @@ Ending refuse(const std::wstring& problem) {
 }
 
 /// A reader of JSON gets the lines of the command that he has asked for, and those of a run where
-/// no telling which. A plan or a verification that can't begin has none.
+/// no telling which.
 void tellInJson(const std::wstring& problem, std::optional<Verb> verb) {
     if (verb == Verb::check)
         tellNoCheck(problem);
-    else if (verb != Verb::plan && verb != Verb::verify)
+    else if (verb == Verb::plan)
+        tellNoPlan(problem);
+    else if (verb == Verb::verify)
+        tellNoVerification(problem);
+    else
         tellNoCommand(problem);
 }
 

@@ -34,6 +34,7 @@ printf '<Script>' >broken.xml
 check absent.xml 1619 --
 check broken.xml 1620 --
 check install.xml 1639 --assume NONE=1 --
+check install.xml 1639 --nonsense --
 check install.xml 2 --out nowhere/a.plan -- group element
 
 # lines FRAGMENT: what the page shows when it is opened with this search and these filters. The

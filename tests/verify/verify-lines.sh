@@ -22,9 +22,12 @@ temz uninstall lost.xml >/dev/null
 # check SCRIPT EVENT...: the lines of a verification, and what must stand among them.
 check() {
     local code=0
-    temz verify "$1" --on-this-machine --json >"$1.out" || code=$?
+    temz verify "$1" --json $consent >"$1.out" || code=$?
     "$here/verify-lines.py" "$schema" "$1.out" "$code" "${@:2}" || fail "$1: see $work/$1.out"
 }
+consent=
+check left.xml
+consent=--on-this-machine
 check absent.xml
 check left.xml run:install run:uninstall installed difference:left
 check lost.xml run:install run:uninstall installed difference:lost
