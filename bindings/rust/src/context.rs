@@ -101,7 +101,6 @@ impl Context {
     /// A context without a script. The first one loads the library.
     pub fn new() -> Result<Context> {
         let functions = library()?;
-        free_left(functions, None);
         let mut raw = ptr::null_mut();
         // Safe: there is a place for the context.
         succeeded(unsafe { (functions.temz_create)(&mut raw) })?;
@@ -137,25 +136,21 @@ impl Deref for Context {
     }
 }
 
-/// Inside a callback or beside a run on another thread the library keeps the context; it is freed
-/// with the next that is made or dropped.
+/// Inside a callback, or beside a run on another thread, the library keeps the context. It is freed
+/// with the next one that is dropped, as is in its time the one that runs.
 impl Drop for Context {
     fn drop(&mut self) {
-        free_left(self.functions, Some(self.raw));
+        static KEPT: Mutex<Vec<Kept>> = Mutex::new(Vec::new());
+        let mut kept = KEPT.lock().unwrap_or_else(PoisonError::into_inner);
+        kept.push(Kept(self.raw));
+        // Safe: they live, and what has been freed leaves the list.
+        kept.retain(|context| unsafe {
+            matches!((self.functions.temz_free)(context.0), Status::IN_CALLBACK | Status::BUSY)
+        });
     }
 }
 
-struct Left(*mut temz_context);
-// Safe: nobody but the list has the context any more.
-unsafe impl Send for Left {}
-
-/// Frees a context, and those that couldn't be freed before.
-fn free_left(functions: &Functions, context: Option<*mut temz_context>) {
-    static LEFT: Mutex<Vec<Left>> = Mutex::new(Vec::new());
-    let mut left = LEFT.lock().unwrap_or_else(PoisonError::into_inner);
-    left.extend(context.map(Left));
-    // Safe: they live, and what has been freed leaves the list.
-    left.retain(|context| unsafe {
-        matches!((functions.temz_free)(context.0), Status::IN_CALLBACK | Status::BUSY)
-    });
-}
+/// A context that nobody but the list of these has any more.
+struct Kept(*mut temz_context);
+// Safe: a context belongs to one thread at a time, whichever that is.
+unsafe impl Send for Kept {}

@@ -39,11 +39,11 @@ pub fn one_caution() -> String {
 }
 
 /// An action that answers what the host's action says.
+pub const ACTION: &str = "<Fragment><CustomAction DllFile='temz_test_actions.dll' \
+    DllEntry='answer' Return='check' Title='A title'/></Fragment>";
+
 pub fn one_action() -> String {
-    script(
-        "<Fragment><CustomAction DllFile='temz_test_actions.dll' DllEntry='answer' Return='check'
-        Title='A title'/></Fragment>",
-    )
+    script(ACTION)
 }
 
 /// What a test and its action library tell each other, as tests/support/ActionCall.h has it.
