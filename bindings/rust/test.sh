@@ -40,6 +40,7 @@ case $1 in
         ;;
     lint)
         cargo fmt -- --check
+        rustfmt --check --edition 2021 refused/*.rs
         cargo clippy --locked --all-targets -- -D warnings
         RUSTDOCFLAGS='-D warnings' cargo doc --locked --no-deps
         ;;

@@ -70,7 +70,7 @@ impl<'a> Run<'a> {
         self
     }
 
-    /// Carries out the script, and returns when that has ended. It can be done again, also in
+    /// Carries out the script, and returns when that has ended. The context can run again, also in
     /// another mode; variables keep what they were assigned.
     pub fn run(self) -> Result<Outcome> {
         let (context, mode) = (self.context, self.mode);
