@@ -14,6 +14,12 @@ wine_environment() {
     unset DISPLAY WAYLAND_DISPLAY LANG TZ
 }
 
+# One start of a process in some thousands fails where the kernel happens to lay its heap on the page
+# that Wine shares with all processes; so the heap isn't laid at random, where that may be asked for.
+in_fixed_places=()
+if setarch --addr-no-randomize true 2>/dev/null; then in_fixed_places=(setarch --addr-no-randomize); fi
+wine() { command "${in_fixed_places[@]}" wine "$@"; }
+
 # Makes the template of all prefixes if it isn't there yet. Whoever comes second waits for the first.
 make_template() {
     local template=$wine_home/template lock
@@ -25,7 +31,7 @@ make_template() {
         mkdir -p "$template"
         (
             wine_environment "$template"
-            wineboot -i && wineserver -w
+            wine wineboot -i && wineserver -w
         ) >"$wine_home/wineboot.log" 2>&1 </dev/null {lock}>&-
         touch "$template/ready"
     fi
