@@ -4,6 +4,11 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 cd "$root"
-[ -e build/release/build.ninja ] || cmake --preset release
+if [ ! -e build/release/build.ninja ]; then
+    echo "Configuring the build"
+    quietly cmake --preset release
+fi
+echo "Building what is shipped"
 cmake --build --preset product
+echo "Laying out the SDK in dist"
 cmake --install build/release --prefix "$root/dist" --strip >/dev/null

@@ -66,3 +66,13 @@ stop_prefix() {
         wineserver -w
     ) >/dev/null 2>&1 </dev/null || true
 }
+
+# Runs a command whose output nobody wants to see unless it fails.
+quietly() {
+    local output status=0
+    output=$(mktemp)
+    "$@" >"$output" 2>&1 </dev/null || status=$?
+    [ "$status" = 0 ] || { echo "$* has failed:"; cat "$output"; } >&2
+    rm -f "$output"
+    return "$status"
+}

@@ -1,14 +1,21 @@
 #!/usr/bin/env bash
-# Installs what building and testing need and brings in the sources of TinyXML. Does nothing where
-# all of it is there already.
+# Installs what building, the demo and the daily round of tests need, and brings in the sources of
+# TinyXML; with --tests, what only the other tests need, too. Does nothing where all of it is there.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 # What each package is for stands in the README.
 packages=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build wine wine64
-    googletest liblnk-utils python3-jsonschema libxml2-utils chromium clang lld llvm clang-format
-    clang-tidy dpkg-dev ca-certificates locales util-linux git
-    cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs)
+    googletest clang lld llvm dpkg-dev ca-certificates locales util-linux git)
+case ${1:-} in
+    '') ;;
+    --tests)
+        packages+=(clang-format clang-tidy liblnk-utils python3-jsonschema libxml2-utils chromium
+            golang cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs
+            mkdocs mkdocs-material pkg-config osslsigncode unzip)
+        ;;
+    *) echo "usage: scripts/setup.sh [--tests]" >&2; exit 2 ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
@@ -21,8 +28,9 @@ as_root() {
 
 if [ ${#missing[@]} -gt 0 ]; then
     echo "Installing: ${missing[*]}"
-    as_root apt-get update
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
+    quietly as_root apt-get update
+    quietly as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y --no-install-recommends "${missing[@]}"
 fi
 
 # TinyXML comes as Debian's patched source package. Its archive is the one that this machine's apt

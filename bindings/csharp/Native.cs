@@ -229,7 +229,7 @@ namespace Temz
     internal static class Native
     {
         internal const int TextLength = 512;
-        internal const uint VersionMajor = 0, VersionMinor = 1, VersionPatch = 0;
+        internal const uint VersionMajor = 1, VersionMinor = 0, VersionPatch = 0;
         private const string Library = "TEMZC.dll";
 
         /// <summary>Loads the library by its whole path, so that no other of this name can take its place:
