@@ -7,7 +7,7 @@ set -euo pipefail
 # What each package is for stands in the README.
 packages=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build wine wine64
     googletest liblnk-utils python3-jsonschema libxml2-utils chromium clang lld llvm clang-format
-    clang-tidy dpkg-dev ca-certificates locales util-linux git)
+    clang-tidy dpkg-dev ca-certificates locales util-linux git golang-go)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -6,6 +6,7 @@ import (
 	"context"
 	"errors"
 	"os"
+	"os/exec"
 	"path/filepath"
 	"reflect"
 	"strings"
@@ -272,6 +273,14 @@ func onThread(function func()) {
 		function()
 	}()
 	<-done
+}
+
+// runAgain runs a test in a process of its own, which an environment tells so, and gives what it has told.
+func runAgain(t *testing.T, program, environment string) (string, error) {
+	child := exec.Command(program, "-test.run", "^"+t.Name()+"$")
+	child.Env = append(os.Environ(), environment, "TEST_PREMATURE_EXIT_FILE=")
+	output, err := child.CombinedOutput()
+	return string(output), err
 }
 
 // functions are those of an Engine, called with arguments that are as they should be, and what they

@@ -14,19 +14,21 @@ var (
 	openError error
 )
 
-// open loads the library when it is first needed. One that serves this package's version has all of
-// its functions.
+// open loads the library when it is first needed.
 func open() error {
-	opening.Do(func() {
-		openError = programError
-		if openError == nil {
-			openError = temzCheckVersion.Find()
-		}
-		if openError == nil {
-			openError = failed("open", checkVersion(HeaderVersion))
-		}
-	})
+	opening.Do(func() { openError = openFor(HeaderVersion) })
 	return openError
+}
+
+// openFor loads the library for a version. One that serves it has all functions of its header.
+func openFor(header Version) error {
+	if programError != nil {
+		return programError
+	}
+	if err := temzCheckVersion.Find(); err != nil {
+		return err
+	}
+	return failed("open", checkVersion(header))
 }
 
 // status takes what a function of the library gives for a status.

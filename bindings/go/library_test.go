@@ -5,6 +5,9 @@ package temz
 import (
 	"errors"
 	"math"
+	"os"
+	"path/filepath"
+	"strings"
 	"syscall"
 	"testing"
 )
@@ -60,6 +63,31 @@ func TestUnknownStatusHasATextToo(t *testing.T) {
 	for _, unknown := range []Status{-1, BadValue + 1, 1000, math.MaxInt32, math.MinInt32} {
 		equal(h, "Unknown status.", unknown.Error())
 	}
+}
+
+func TestLibraryOfAnotherVersionIsNotUsed(t *testing.T) {
+	h := newHost(t)
+	h.expect(nil, openFor(HeaderVersion))
+	h.expect(VersionMismatch, openFor(HeaderVersion+1))
+}
+
+// The library in the current directory must not be taken for one that the program lacks.
+func TestLibraryIsTakenFromTheProgramsFolderAlone(t *testing.T) {
+	const elsewhere = "TEMZ_TEST_ELSEWHERE"
+	if folder := os.Getenv(elsewhere); folder != "" {
+		os.Chdir(folder)
+		_, err := New()
+		_, schema := Schema()
+		t.Fatal(err, err == schema, Busy)
+	}
+	h := newHost(t)
+	bytes, err := os.ReadFile(program)
+	h.expect(nil, err)
+	alone := folder + `\alone.exe`
+	h.expect(nil, os.WriteFile(alone, bytes, 0o777))
+	output, _ := runAgain(t, alone, elsewhere+"="+filepath.Dir(program))
+	h.check(strings.Contains(output, "Failed to load "+folder+`\TEMZC.dll`), "%s", output)
+	h.check(strings.Contains(output, " true Status 14."), "%s", output)
 }
 
 func TestErrorTellsCallStatusAndReason(t *testing.T) {
