@@ -76,6 +76,15 @@ type FindingKind struct {
 	Remedy   string // how it is mended, in a sentence
 }
 
+func findingKindOf(raw *rawFindingKind) FindingKind {
+	return FindingKind{
+		Severity: raw.severity,
+		Code:     textAt(raw.code),
+		Meaning:  textAt(raw.meaning),
+		Remedy:   textAt(raw.remedy),
+	}
+}
+
 // FindingKinds gives what Check can find, in the order of the codes.
 func FindingKinds() ([]FindingKind, error) {
 	if err := open(); err != nil {
@@ -87,9 +96,7 @@ func FindingKinds() ([]FindingKind, error) {
 		raw.size = uint32(unsafe.Sizeof(raw))
 		switch status := status(temzGetFindingKind.Call(uintptr(len(kinds)), uintptr(unsafe.Pointer(&raw)))); status {
 		case OK:
-			kinds = append(kinds, FindingKind{
-				raw.severity, textAt(raw.code), textAt(raw.meaning), textAt(raw.remedy),
-			})
+			kinds = append(kinds, findingKindOf(&raw))
 		case NotFound:
 			return kinds, nil
 		default:

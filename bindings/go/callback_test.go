@@ -158,6 +158,18 @@ func TestRefusedRunLeavesTheOneThatGoesOnAlone(t *testing.T) {
 	equal(h, 2, h.updates)
 }
 
+func TestClosedEngineKeepsNothing(t *testing.T) {
+	h := newHost(t)
+	before := len(handles.values)
+	engine, err := New()
+	h.expect(nil, err)
+	h.expect(nil, engine.SetObserver(h.observer()))
+	h.expect(nil, engine.SetTracer(&Tracer{Call: func(*Call) {}}))
+	equal(h, before+2, len(handles.values))
+	h.expect(nil, engine.Close())
+	equal(h, before, len(handles.values))
+}
+
 // expectPanic expects a run to panic with a value of a callback's.
 func (h *host) expectPanic(expected any, run func(Mode) error) {
 	h.Helper()

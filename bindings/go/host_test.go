@@ -119,7 +119,8 @@ func (h *host) close() {
 	h.expect(nil, h.run(Install))
 	h.check(!isThere(folder), "%s is left", folder)
 	h.expect(nil, h.engine.Close())
-	h.check(len(handles.values) == 0, "%d handles are left", len(handles.values))
+	equal(h, 0, len(handles.values))
+	equal(h, 0, len(h.engine.replaced))
 }
 
 func (h *host) observer() *Observer {

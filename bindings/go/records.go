@@ -30,15 +30,19 @@ type Failure struct {
 // NoSystemError is, beside 0, the SystemError of a Failure that has none.
 const NoSystemError = 0xFFFFFFFF
 
+// String gives a line for people: the object, the message, and the number.
 func (f Failure) String() string {
-	text := strings.TrimSpace(f.Message)
-	if f.Text1 != "" {
-		text = strings.TrimSpace(f.Text1 + ": " + text)
+	var parts []string
+	for _, text := range []string{f.Text1, strings.TrimSpace(f.Message)} {
+		if text != "" {
+			parts = append(parts, text)
+		}
 	}
+	line := strings.Join(parts, ": ")
 	if f.SystemError != 0 && f.SystemError != NoSystemError {
-		text = fmt.Sprintf("%s (%d)", text, f.SystemError)
+		line = strings.TrimSpace(fmt.Sprintf("%s (%d)", line, f.SystemError))
 	}
-	return text
+	return line
 }
 
 // An Outcome is what a run has come to: while it goes on, in the callbacks; afterwards, its end.
