@@ -62,7 +62,7 @@ func Check(request CheckRequest) ([]Finding, error) {
 			return nil, err
 		}
 	}
-	if err := failed("check", status(temzCheck.Call(uintptr(unsafe.Pointer(&raw))))); err != nil {
+	if err := failed("check", statusOf(temzCheck.Call(uintptr(unsafe.Pointer(&raw))))); err != nil {
 		return nil, err
 	}
 	return found.findings, nil
@@ -94,7 +94,7 @@ func FindingKinds() ([]FindingKind, error) {
 	for {
 		var raw rawFindingKind
 		raw.size = uint32(unsafe.Sizeof(raw))
-		switch status := status(temzGetFindingKind.Call(uintptr(len(kinds)), uintptr(unsafe.Pointer(&raw)))); status {
+		switch status := statusOf(temzGetFindingKind.Call(uintptr(len(kinds)), uintptr(unsafe.Pointer(&raw)))); status {
 		case OK:
 			kinds = append(kinds, findingKindOf(&raw))
 		case NotFound:
@@ -111,7 +111,7 @@ func Schema() (string, error) {
 		return "", err
 	}
 	text, status := readText(func(buffer *uint16, capacity uintptr, length *uintptr) Status {
-		return status(temzSchema.Call(uintptr(unsafe.Pointer(buffer)), capacity,
+		return statusOf(temzSchema.Call(uintptr(unsafe.Pointer(buffer)), capacity,
 			uintptr(unsafe.Pointer(length))))
 	})
 	return text, failed("schema", status)

@@ -38,6 +38,10 @@ func TestCallbacksMayNotChangeAnotherContext(t *testing.T) {
 	another, err := New()
 	h.expect(nil, err)
 	h.inUpdate = func(*Outcome) {
+		onThread(func() {
+			_, err := another.Run(context.Background(), Install)
+			equal(h, error(&Error{Call: "run", Status: Busy}), err)
+		})
 		h.expect(InCallback, another.Load("install.xml"))
 		h.expect(InCallback, another.Unload())
 		_, err := another.Run(context.Background(), Install)

@@ -4,7 +4,7 @@
 // loaded from the folder of the program when it is first needed.
 //
 // Errors are an *Error or, of a run that has begun, a *RunError; errors.Is finds their Status. Texts
-// are UTF-8 here and UTF-16 there.
+// are UTF-8 here and UTF-16 there; half a surrogate pair, which is no text, comes as U+FFFD.
 package temz
 
 import (
@@ -36,7 +36,7 @@ func New() (*Engine, error) {
 		return nil, err
 	}
 	e := new(Engine)
-	if err := failed("create", status(temzCreate.Call(uintptr(unsafe.Pointer(&e.context))))); err != nil {
+	if err := failed("create", statusOf(temzCreate.Call(uintptr(unsafe.Pointer(&e.context))))); err != nil {
 		return nil, err
 	}
 	return e, nil
@@ -44,7 +44,7 @@ func New() (*Engine, error) {
 
 // Close unloads the script and ends the Engine.
 func (e *Engine) Close() error {
-	if err := failed("free", status(temzFree.Call(e.context))); err != nil {
+	if err := failed("free", statusOf(temzFree.Call(e.context))); err != nil {
 		return err
 	}
 	e.context = closed
@@ -60,12 +60,12 @@ func (e *Engine) Load(path string) error {
 	if err != nil {
 		return err
 	}
-	return e.explained("load", status(temzLoad.Call(e.context, uintptr(unsafe.Pointer(units)))))
+	return e.explained("load", statusOf(temzLoad.Call(e.context, uintptr(unsafe.Pointer(units)))))
 }
 
 // Unload releases the script; without one it does nothing.
 func (e *Engine) Unload() error {
-	return failed("unload", status(temzUnload.Call(e.context)))
+	return failed("unload", statusOf(temzUnload.Call(e.context)))
 }
 
 // An Observer watches runs. Each function may be nil. They are called on the goroutine of the run,
@@ -84,15 +84,19 @@ func (e *Engine) SetObserver(observer *Observer) error {
 	if observer == nil {
 		observer = new(Observer)
 	}
-	// The library always has one of ours, which sees to the context of a run.
+	return e.watch("set observer", observer)
+}
+
+// watch gives the library an observer of ours, which sees to the context of a run, too.
+func (e *Engine) watch(call string, observer *Observer) error {
 	raw := rawObserver{
 		user:   hold(&observing{e, *observer}),
 		update: callbacks.update,
 		ask:    callbacks.ask,
 	}
 	raw.size = uint32(unsafe.Sizeof(raw))
-	return e.replace(&e.observer, raw.user, "set observer",
-		status(temzSetObserver.Call(e.context, uintptr(unsafe.Pointer(&raw)))))
+	return e.replace(&e.observer, raw.user, call,
+		statusOf(temzSetObserver.Call(e.context, uintptr(unsafe.Pointer(&raw)))))
 }
 
 // A Tracer sees every call by which runs change or ask the machine. Either function may be nil, but
@@ -109,7 +113,7 @@ type Tracer struct {
 // run that is going on goes on with that with which it began.
 func (e *Engine) SetTracer(tracer *Tracer) error {
 	if tracer == nil {
-		return e.replace(&e.tracer, 0, "set tracer", status(temzSetTracer.Call(e.context, 0)))
+		return e.replace(&e.tracer, 0, "set tracer", statusOf(temzSetTracer.Call(e.context, 0)))
 	}
 	raw := rawTracer{user: hold(&tracing{e, *tracer})}
 	raw.size = uint32(unsafe.Sizeof(raw))
@@ -120,7 +124,7 @@ func (e *Engine) SetTracer(tracer *Tracer) error {
 		raw.permit = callbacks.permit
 	}
 	return e.replace(&e.tracer, raw.user, "set tracer",
-		status(temzSetTracer.Call(e.context, uintptr(unsafe.Pointer(&raw)))))
+		statusOf(temzSetTracer.Call(e.context, uintptr(unsafe.Pointer(&raw)))))
 }
 
 // replace puts a handle that the library has taken in the place of another, which stays as long as a
@@ -142,7 +146,7 @@ func (e *Engine) replace(place *handle, by handle, call string, status Status) e
 // SetActionValue sets the value that custom actions find in their parameter record; 0 at first. What
 // it points to is the host's to keep alive.
 func (e *Engine) SetActionValue(value uint64) error {
-	return failed("set action value", status(temzSetActionValue.Call(e.context, uintptr(value))))
+	return failed("set action value", statusOf(temzSetActionValue.Call(e.context, uintptr(value))))
 }
 
 // Run carries out the install sequence of the script in a mode, and blocks until it has ended. When the
@@ -151,7 +155,7 @@ func (e *Engine) SetActionValue(value uint64) error {
 // has been stopped, gives a *RunError.
 func (e *Engine) Run(ctx context.Context, mode Mode) (Outcome, error) {
 	return e.begin(ctx, "run", func(_ *run, outcome *rawOutcome) Status {
-		return status(temzRun.Call(e.context, uintptr(mode), uintptr(unsafe.Pointer(outcome))))
+		return statusOf(temzRun.Call(e.context, uintptr(mode), uintptr(unsafe.Pointer(outcome))))
 	})
 }
 
@@ -187,7 +191,7 @@ func (e *Engine) Plan(ctx context.Context, mode Mode, step func(*Step), assumpti
 			raw.step = callbacks.step
 			defer raw.user.release()
 		}
-		return status(temzPlan.Call(e.context, uintptr(mode), uintptr(unsafe.Pointer(&raw)),
+		return statusOf(temzPlan.Call(e.context, uintptr(mode), uintptr(unsafe.Pointer(&raw)),
 			uintptr(unsafe.Pointer(outcome))))
 	})
 }
@@ -200,7 +204,7 @@ func (e *Engine) begin(ctx context.Context, call string, carryOut func(*run, *ra
 	}
 	defer e.end()
 	if e.observer == 0 {
-		if err := e.SetObserver(nil); err != nil {
+		if err := e.watch(call, new(Observer)); err != nil {
 			return Outcome{}, err
 		}
 	}
@@ -234,7 +238,7 @@ func (e *Engine) end() {
 // It is asked with a mode that is none, so that nothing begins if that has just ended.
 func (e *Engine) refusal() Status {
 	const noMode = ^uintptr(0)
-	if status := status(temzRun.Call(e.context, noMode, 0)); status != BadMode {
+	if status := statusOf(temzRun.Call(e.context, noMode, 0)); status != BadMode {
 		return status
 	}
 	return Busy
@@ -245,7 +249,7 @@ func (e *Engine) refusal() Status {
 func (e *Engine) Outcome() (Outcome, error) {
 	var raw rawOutcome
 	raw.size = uint32(unsafe.Sizeof(raw))
-	if err := failed("get outcome", status(temzGetOutcome.Call(e.context, uintptr(unsafe.Pointer(&raw))))); err != nil {
+	if err := failed("get outcome", statusOf(temzGetOutcome.Call(e.context, uintptr(unsafe.Pointer(&raw))))); err != nil {
 		return Outcome{}, err
 	}
 	return outcomeOf(&raw), nil
@@ -261,7 +265,7 @@ func (e *Engine) LastFailure() (string, error) {
 
 func (e *Engine) lastFailure() (string, Status) {
 	return readText(func(buffer *uint16, capacity uintptr, length *uintptr) Status {
-		return status(temzLastFailure.Call(e.context, uintptr(unsafe.Pointer(buffer)), capacity,
+		return statusOf(temzLastFailure.Call(e.context, uintptr(unsafe.Pointer(buffer)), capacity,
 			uintptr(unsafe.Pointer(length))))
 	})
 }
@@ -297,7 +301,7 @@ func (e *Engine) find(call string, function *syscall.LazyProc, name string) (str
 		return "", err
 	}
 	text, status := readText(func(buffer *uint16, capacity uintptr, length *uintptr) Status {
-		return status(function.Call(e.context, uintptr(unsafe.Pointer(units)),
+		return statusOf(function.Call(e.context, uintptr(unsafe.Pointer(units)),
 			uintptr(unsafe.Pointer(buffer)), capacity, uintptr(unsafe.Pointer(length))))
 	})
 	return text, e.explained(call, status)

@@ -159,6 +159,6 @@ func main() {
 		log.Fatal(err)
 	}
 	if !bytes.Equal(written, constants(header)) {
-		log.Fatalf("%s isn't made from this header: run generate.go.", target)
+		log.Fatalf("%s isn't made from this header: go run generate.go %s", target, flag.Arg(0))
 	}
 }

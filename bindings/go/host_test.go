@@ -221,17 +221,25 @@ func equal[T any](h *host, expected, actual T) {
 	}
 }
 
-// heard gives the nth call of this name, counted from 0; an empty one when there is none.
-func (h *host) heard(name string, index int) Call {
-	for _, call := range h.calls {
-		if call.Name == name {
+// nth gives one of those that are so, counted from 0; an empty one when there is none.
+func nth[T any](all []T, index int, isSo func(T) bool) (one T) {
+	for _, one := range all {
+		if isSo(one) {
 			if index == 0 {
-				return call
+				return one
 			}
 			index--
 		}
 	}
-	return Call{}
+	return one
+}
+
+func (h *host) heard(name string, index int) Call {
+	return nth(h.calls, index, func(call Call) bool { return call.Name == name })
+}
+
+func (h *host) heardStep(kind StepKind, index int) Step {
+	return nth(h.steps, index, func(step Step) bool { return step.Kind == kind })
 }
 
 func (h *host) expectFiles(first, second, third bool) {

@@ -31,8 +31,8 @@ func openFor(header Version) error {
 	return failed("open", checkVersion(header))
 }
 
-// status takes what a function of the library gives for a status.
-func status(result, _ uintptr, _ error) Status {
+// statusOf takes what a function of the library gives for a status.
+func statusOf(result, _ uintptr, _ error) Status {
 	return Status(result)
 }
 
@@ -62,7 +62,7 @@ func CheckVersion(header Version) error {
 }
 
 func checkVersion(header Version) Status {
-	return status(temzCheckVersion.Call(uintptr(header)))
+	return statusOf(temzCheckVersion.Call(uintptr(header)))
 }
 
 // utf16 gives a text to the library. One with a zero inside is refused, with EINVAL as by package os.

@@ -18,7 +18,7 @@ func searchFor(name string) string {
 		`' Expression='NUMBER = 8'/></Fragment>`
 }
 
-// expectStep expects a step in the first line of a script in one line.
+// expectStep expects a step, and gives it.
 func (h *host) expectStep(index int, kind StepKind, depth int, element, object string) Step {
 	h.Helper()
 	if index < 0 || index >= len(h.steps) {
@@ -31,19 +31,6 @@ func (h *host) expectStep(index int, kind StepKind, depth int, element, object s
 	equal(h, element, step.Element)
 	equal(h, object, step.Object)
 	return step
-}
-
-// heardStep gives the nth step of a kind, counted from 0; an empty one when there is none.
-func (h *host) heardStep(kind StepKind, index int) Step {
-	for _, step := range h.steps {
-		if step.Kind == kind {
-			if index == 0 {
-				return step
-			}
-			index--
-		}
-	}
-	return Step{}
 }
 
 func TestPlanChangesNothing(t *testing.T) {
