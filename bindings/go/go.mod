@@ -1,0 +1,3 @@
+module temz
+
+go 1.19
