@@ -3,6 +3,7 @@
 use std::fmt::Write;
 use std::path::Path;
 use std::sync::{Mutex, MutexGuard, PoisonError};
+use std::time::{Duration, Instant};
 use std::{env, fs, thread};
 use temz::{Call, Code, Context, Decision, Handle, Mode, Next, Outcome, Result, Status, Step};
 
@@ -130,7 +131,12 @@ impl Drop for Host {
         self.context.unload().unwrap();
         self.load(&script(&format!("<Fragment><RemoveDirectory Path='{}'/></Fragment>", FOLDER)))
             .unwrap();
-        self.run(Mode::Install).unwrap();
+        // Wine's desktop inherits the files of the first program that wants one, for some seconds.
+        let patience = Instant::now() + Duration::from_secs(20);
+        while self.run(Mode::Install).is_err() {
+            assert!(Instant::now() < patience, "{} can't be removed.", FOLDER);
+            thread::sleep(Duration::from_millis(50));
+        }
         assert!(!Path::new(FOLDER).exists());
     }
 }
