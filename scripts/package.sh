@@ -9,7 +9,8 @@ set -euo pipefail
 packages=$(realpath -m "${1:-$root/build/package}")
 binutils=x86_64-w64-mingw32
 umask 022
-export LC_ALL=C.UTF-8
+# The binary tools write the time into what they make unless they are told of one.
+export LC_ALL=C.UTF-8 SOURCE_DATE_EPOCH=0
 
 echo "Building what is shipped"
 cd "$root"

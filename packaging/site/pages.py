@@ -29,7 +29,7 @@ def on_page_markdown(markdown, page, **_):
             parts = parts[:-1] if part == ".." else [*parts, part]
         if parts[0] == "docs":
             parts = parts[1:]
-        elif parts[-1] not in BESIDE:
+        elif "/".join(parts) not in BESIDE:
             return f'<a href="{SDK}{"/".join(parts)}">{text}</a>'
         return f"[{text}]({'/'.join(parts)}{mark}{place})"
 
