@@ -47,3 +47,22 @@ function(temz_version_resource target file_type description)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
   target_sources(${target} PRIVATE ${resource})
 endfunction()
+
+# Has targets read what most of their sources include once, and not for each of them. Whether a source
+# includes all that it needs is seen where this is left out. There it is warned of bounds, too: here g++
+# takes the system's headers for ours and warns of what they do.
+option(TEMZ_PRECOMPILE "Precompile the headers of the system and of the C++ library" OFF)
+function(temz_precompile)
+  if(TEMZ_PRECOMPILE)
+    file(CONFIGURE OUTPUT precompiled.cpp CONTENT "")
+    add_library(temz_precompiled OBJECT ${CMAKE_CURRENT_BINARY_DIR}/precompiled.cpp)
+    target_link_libraries(temz_precompiled PRIVATE temz_options)
+    target_precompile_headers(temz_precompiled PRIVATE
+      <windows.h>
+      <algorithm> <cwchar> <map> <memory> <optional> <string> <string_view> <utility> <vector>)
+    foreach(target IN LISTS ARGN)
+      target_precompile_headers(${target} REUSE_FROM temz_precompiled)
+      target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overread)
+    endforeach()
+  endif()
+endfunction()

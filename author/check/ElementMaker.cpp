@@ -248,11 +248,12 @@ void ElementMaker::failWithout(MadeElement& element, const wchar_t* attribute) {
     std::vector<std::wstring_view> present;
     for (const AttributeNode& other : node.attributes)
         present.push_back(other.name);
-    const std::wstring near = nearMiss.find(attribute, present);
+    const std::wstring nearest = nearMiss.find(attribute, present);
     fail(element,
          {Fault::missingAttribute, node.place,
           describe(node) + L" has no " + inMarks(attribute) + L".",
-          near.empty() ? near : L"is " + inMarks(near) + L" meant as `" + attribute + L"`?"});
+          nearest.empty() ? nearest
+                          : L"is " + inMarks(nearest) + L" meant as `" + attribute + L"`?"});
 }
 
 void ElementMaker::takeDerived(MadeElement& element, const MadeElement* parent) {
@@ -341,13 +342,13 @@ bool ElementMaker::expandPiece(MadeElement& element, const AttributeNode& attrib
     }
     const ElementNumber number = model.find(directoryKind, piece.text);
     if (number == noElement) {
-        std::wstring near = nearMiss.find(piece.text, folderWords());
-        if (near.empty())
-            near = nearMiss.findAlike(piece.text, model.idsOf(directoryKind));
+        std::wstring nearest = nearMiss.find(piece.text, folderWords());
+        if (nearest.empty())
+            nearest = nearMiss.findAlike(piece.text, model.idsOf(directoryKind));
         return failAt(Fault::directoryUnknown,
                       L"There is no `Directory` with the Id " + inMarks(piece.text) +
                           L", and it is no folder word.",
-                      near.empty() ? near : L"did you mean `[" + near + L"]`?");
+                      nearest.empty() ? nearest : L"did you mean `[" + nearest + L"]`?");
     }
     const MadeElement& directory = onDemand(number);
     addCost(element, directory);
@@ -385,10 +386,10 @@ bool ElementMaker::tellVariable(MadeElement& element, const AttributeNode& attri
                           L"` ends only at the next # or [, or with the text: put what follows "
                           L"into a variable or a Directory of its own.");
     }
-    const std::wstring near = nearMiss.findAlike(piece.text, variables.names());
+    const std::wstring nearest = nearMiss.findAlike(piece.text, variables.names());
     return failAt(Fault::variableUnknown, L"There is no variable " + inMarks(piece.text) + L".",
-                  near.empty() ? L"write ## for a # that is meant as such."
-                               : L"did you mean `#" + near + L"`?");
+                  nearest.empty() ? L"write ## for a # that is meant as such."
+                                  : L"did you mean `#" + nearest + L"`?");
 }
 
 void ElementMaker::fail(MadeElement& element, Problem problem) {

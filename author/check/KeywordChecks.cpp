@@ -33,21 +33,21 @@ void checkSingleWord(const Action& action, const SingleWord& row) {
     if (!text || !own || !text->exact || text->text == row.word || text->text == noKeyword)
         return;
     const wchar_t* meant[] = {row.word};
-    std::wstring near = action.checked.nearMiss.find(text->text, meant);
-    if (text->text.size() > near.size() && text->text.ends_with(near))
-        near.clear();  // as "async", which is meant as the opposite
+    std::wstring nearest = action.checked.nearMiss.find(text->text, meant);
+    if (text->text.size() > nearest.size() && text->text.ends_with(nearest))
+        nearest.clear();  // as "async", which is meant as the opposite
     for (const wchar_t* affirmation : affirmations)
         if (_wcsicmp(text->text.c_str(), affirmation) == 0)
-            near = row.word;
+            nearest = row.word;
     const std::wstring what = asSubject(text->text) + L" is no word of `" + row.attribute +
                               L"` and counts as `" + noKeyword + L"`.";
-    if (near.empty())
+    if (nearest.empty())
         action.checked.report.tellOf(
             Fault::keywordUnknown, own->valuePlace, what,
             std::wstring(L"the word with a meaning is `") + row.word + L"`.");
     else
         action.checked.report.tellOf(Fault::keywordMisspelt, own->valuePlace, what,
-                                     didYouMean(near));
+                                     didYouMean(nearest));
 }
 
 template <class Keyword>

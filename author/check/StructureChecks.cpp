@@ -46,10 +46,10 @@ private:
             for (ElementNumber child = model[model.product()].firstChild; child != noElement;
                  child = model[child].nextSibling)
                 names.push_back(model[child].name);
-            const std::wstring near = checked.nearMiss.find(installKind.name, names);
+            const std::wstring nearest = checked.nearMiss.find(installKind.name, names);
             report.tellOf(Fault::noSequence, model[model.product()].place,
                           L"The `Product` has no `InstallExecuteSequence`, so no run can begin.",
-                          near.empty() ? near : L"is " + inMarks(near) + L" meant as it?");
+                          nearest.empty() ? nearest : L"is " + inMarks(nearest) + L" meant as it?");
         }
         return true;
     }
@@ -60,14 +60,14 @@ private:
         std::vector<std::wstring_view> names;
         for (const ElementNode& element : model.elements())
             names.push_back(element.name);
-        const std::wstring near = checked.nearMiss.find(productKind.name, names);
+        const std::wstring nearest = checked.nearMiss.find(productKind.name, names);
         for (const ElementNode& element : model.elements()) {
             if (element.is(productKind))
                 return report.tellOf(Fault::noProduct, element.place, text,
                                      L"put this one directly into the root element.");
-            if (element.name == near)
+            if (element.name == nearest)
                 return report.tellOf(Fault::noProduct, element.place, text,
-                                     L"is " + inMarks(near) + L" meant as it?");
+                                     L"is " + inMarks(nearest) + L" meant as it?");
         }
         report.tellOfFile(Fault::noProduct, text);
     }
@@ -170,15 +170,15 @@ private:
 
     void checkFolderWord(ElementNumber number) {
         const ElementNode& element = model[number];
-        const std::wstring near = checked.nearMiss.find(element.id(), folderWords());
-        if (near.empty())
+        const std::wstring nearest = checked.nearMiss.find(element.id(), folderWords());
+        if (nearest.empty())
             return checkRelativePath(number);
         std::wstring text = inMarks(element.id()) + L" is no folder of the system";
         const bool isOutermost = !isPlace(model[element.parent]);
         if (isOutermost && element.find(pathAttribute) == nullptr)
             text += L", so what stands in it goes to a path relative to the working directory";
         report.tellOf(Fault::outsideFolders, element.find(idAttribute)->valuePlace, text + L".",
-                      didYouMean(near));
+                      didYouMean(nearest));
     }
 
     /// An outermost directory has nothing that its path could be joined to.
