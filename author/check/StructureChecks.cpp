@@ -236,7 +236,7 @@ private:
             if (first == number)
                 continue;
             const std::wstring line =
-                std::to_wstring(model.text().placeOf(model[first].place).line);
+                std::to_wstring(model.text().lineNumberOf(model[first].place));
             report.tellOf(Fault::hiddenId, element.find(idAttribute)->valuePlace,
                           describe(element) + L" is hidden by the one in line " + line + L".",
                           hiddenHelp(element, model[first]));

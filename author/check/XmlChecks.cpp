@@ -44,7 +44,7 @@ std::wstring openElementHelp(const ScriptText& script, size_t offset) {
     if (!open)
         return {};
     return L"close the " + quoted(script.bytes(), *open) + L" of line " +
-           std::to_wstring(script.placeOf(*open).line) + L" in front of this.";
+           std::to_wstring(script.lineNumberOf(*open)) + L" in front of this.";
 }
 
 /// Which attribute of the tag up to there stands there once more.
