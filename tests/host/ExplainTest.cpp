@@ -91,6 +91,7 @@ constexpr Message messagesOfProgram[] = {
     {L"Copying a.txt failed: the path is too long [error 206]", L"the path is too long"},
     {L"Starting service a failed: there is no such service [error 1060]",
      L"there is no such service"},
+    {L"Starting service a failed: its program isn't there [error 2]", L"its program isn't there"},
     {L"Starting service a failed: the service is disabled [error 1058]",
      L"the service is disabled"},
     {L"Removing service a failed: the service is already being removed [error 1072]",
