@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <cwctype>
+#include <string_view>
 
 #include "Diagnosis.h"
 #include "ExitCodes.h"
@@ -243,11 +244,22 @@ constexpr MessageRow messages[] = {
      L"Do what the failure says, and run the same command again, or uninstall."},
 };
 
+/// A shorter text stands in anything.
+constexpr size_t shortestPart = 8;
+
+/// The message that the text is or holds, or else the only one that the text is a part of.
 const MessageRow* findMessage(const std::wstring& text) {
-    for (const MessageRow& row : messages)
+    const MessageRow* around = nullptr;
+    size_t count = 0;
+    for (const MessageRow& row : messages) {
         if (text.find(row.part) != std::wstring::npos)
             return &row;
-    return nullptr;
+        if (std::wstring_view(row.part).find(text) != std::wstring_view::npos) {
+            around = &row;
+            ++count;
+        }
+    }
+    return text.size() >= shortestPart && count == 1 ? around : nullptr;
 }
 
 std::wstring withNextStep(const std::wstring& cause, const std::wstring& nextStep) {

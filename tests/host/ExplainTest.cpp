@@ -322,6 +322,13 @@ TEST(ExplainTest, KnowsHowAProcessIsEndedAsAnyShellShowsIt) {
     EXPECT_TRUE(explain(L"-1073741819").starts_with(L"The process has crashed."));
 }
 
+TEST(ExplainTest, KnowsAMessageByAPartThatNoOtherHas) {
+    EXPECT_NE(explain(L"file is in use"), L"");
+    EXPECT_EQ(explain(L"file is in use"), explain(L"the file is in use by sync.exe (4312)"));
+    EXPECT_EQ(explain(L"in use"), L"");
+    EXPECT_EQ(explain(L"isn't there"), L"");
+}
+
 TEST(ExplainTest, SaysNothingOfWhatItDoesNotKnow) {
     for (const wchar_t* subject : {L"", L" ", L"123456", L"x", L"99999999999999999999", L"16x"})
         EXPECT_EQ(explain(subject), L"") << subject;
