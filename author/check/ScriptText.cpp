@@ -62,6 +62,7 @@ ScriptText::ScriptText(std::string_view bytes) : text(asParsed(bytes)) {
     ascii = std::all_of(text.begin() + static_cast<ptrdiff_t>(lineStarts.front()), text.end(),
                         [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
     utf8 = isWellFormedUtf8(text);
+    cutShort = bytes.find('\0') != std::string_view::npos;
 }
 
 size_t ScriptText::lineOf(size_t offset) const {

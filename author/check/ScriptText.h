@@ -26,6 +26,8 @@ public:
     const std::string& bytes() const { return text; }
     bool isUtf8() const { return utf8; }
     bool isAscii() const { return ascii; }
+    /// Whether a NUL ends the text before the file ends, as in UTF-16.
+    bool isCutShort() const { return cutShort; }
 
     /// The number of the line in which a stretch begins, counted from 1.
     uint32_t lineNumberOf(Span span) const;
@@ -57,6 +59,7 @@ private:
     std::vector<size_t> lineStarts;  // behind a byte order mark
     bool utf8 = false;
     bool ascii = false;
+    bool cutShort = false;
 };
 
 /// How many bytes a character of UTF-8 has that begins so; 1 for what begins none.
