@@ -68,8 +68,8 @@ std::wstring doubledAttributeHelp(const ScriptText& script, size_t offset) {
     return {};
 }
 
-/// The start of a comment without an end. The parser takes all behind it
-/// for its own, or tells the start of the script.
+/// The start of a comment without an end. The parser takes all behind it for its own, or tells the
+/// start of the script.
 std::optional<Span> openComment(const std::string& text) {
     constexpr std::string_view start = "<!--";
     const size_t at = text.rfind(start);
