@@ -299,8 +299,7 @@ constexpr Option options[] = {
     {plans | givesText,
      {L"--out"},
      L"FILE",
-     L"write the text to a file, in place of showing it; a plan is kept there, for temz\n"
-     L"install --plan",
+     L"write to a file, in place of showing it; of a plan, what temz install --plan wants",
      takeText<&CommandLine::out>},
     {anything, {L"--version"}, nullptr, L"show the version", takeVerb<Verb::version>},
     {anything, {L"--help", L"-h", L"/?"}, nullptr, L"show this text", takeVerb<Verb::help>},

@@ -101,6 +101,7 @@ struct ReasonRow {
 };
 
 constexpr uint32_t programBlockedByPolicy = 1260;
+constexpr wchar_t seeServicePath[] = L"See the path that sc qc NAME shows.";
 constexpr ReasonRow reasonRows[] = {
     {ERROR_FILE_NOT_FOUND, L"CopyFileW", L"the file to copy isn't there",
      L"Put it where the script's Source says, counted from the folder of temz.exe."},
@@ -132,6 +133,8 @@ constexpr ReasonRow reasonRows[] = {
      L"Install into a directory with a shorter path."},
     {ERROR_SERVICE_DOES_NOT_EXIST, nullptr, L"there is no such service",
      L"The script wants its short name, which sc query shows."},
+    {ERROR_FILE_NOT_FOUND, L"StartServiceW", L"its program isn't there", seeServicePath},
+    {ERROR_PATH_NOT_FOUND, L"StartServiceW", L"its program isn't there", seeServicePath},
     {ERROR_SERVICE_DISABLED, nullptr, L"the service is disabled",
      L"Enable it: sc config NAME start= demand."},
     {ERROR_SERVICE_MARKED_FOR_DELETE, nullptr, L"the service is already being removed",

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <cwctype>
+#include <string_view>
 
 #include "Diagnosis.h"
 #include "ExitCodes.h"
@@ -14,6 +15,8 @@ constexpr wchar_t seeLine[] = L"Look at the element that the message names.";
 constexpr wchar_t seeExpression[] =
     L"Look at the expression: operators that are words stand between blanks.";
 constexpr wchar_t hostFault[] = L"Tell the maker of the host program.";
+constexpr wchar_t seeHelp[] = L"temz help shows all commands and options.";
+constexpr wchar_t seeEventLog[] = L"See the system's event log.";
 constexpr wchar_t memory[] = L"Close other programs and run the command again.";
 
 // Of two parts that both stand in a message the first counts.
@@ -83,6 +86,9 @@ constexpr MessageRow messages[] = {
     {L"back, which waits for it",
      L"A file was replaced with delay, and removed before the restart.",
      L"Run the uninstall with --drop-pending, or once more after the restart."},
+    {L"back: that can't be taken back",
+     L"A file was replaced with delay, and the system's list of such files can't be written.",
+     L"Run it from an administrator's prompt, or the uninstall once more after the restart."},
     {L"'(' didn't math ')'", L"The parentheses of an expression don't fit together.",
      seeExpression},
     {L"It can't new ", L"A symbol of an expression is no operator.", seeExpression},
@@ -129,6 +135,10 @@ constexpr MessageRow messages[] = {
     // Why a run isn't begun, and how it ends.
     {L"isn't started", L"The script has faults that would surely end a run half-way.",
      L"Mend what temz check tells, or start it all the same with --no-check."},
+    {L"isn't planned", L"The script has faults that would surely end a run half-way.",
+     L"Mend what temz check tells, or plan it all the same with --no-check."},
+    {L"The script has no variable", L"A variable is assumed that the script doesn't declare.",
+     L"Compare its name with the Id of the variables; case counts."},
     {L"can't be kept to",
      L"The plan can't be read, or is of another script or mode than the run. Nothing was done.",
      L"Make a new plan with temz plan, and have it approved."},
@@ -198,13 +208,19 @@ constexpr MessageRow messages[] = {
      L"Install into a directory with a shorter path."},
     {L"there is no such service", L"No service of the machine has this name.",
      L"The script wants its short name, which sc query shows."},
+    {L"its program isn't there",
+     L"The service is registered with a path at which there is nothing.",
+     L"See the path that sc qc NAME shows."},
+    {L"it has stopped", L"The service has ended again as soon as it was started.", seeEventLog},
+    {L"it is still st", L"The service takes longer to start or stop than a run waits.",
+     L"Run the command again; see the system's event log."},
     {L"the service is disabled", L"A disabled service can't be started.",
      L"Enable it: sc config NAME start= demand."},
     {L"the service is already being removed",
      L"It goes when the last program that has it open lets it go.",
      L"Close all programs that look at services, or restart the machine."},
     {L"didn't answer in time", L"The program of the service hasn't told Windows that it runs.",
-     L"See the system's event log."},
+     seeEventLog},
     {L"can't log on with its account", L"The account of the service is unknown or refused.",
      L"Set its account and password."},
     {L"the service can't be stopped now", L"It is just starting or stopping.",
@@ -220,6 +236,13 @@ constexpr MessageRow messages[] = {
      L"Do what the reason behind it asks, as to make room on the disk."},
     {L"can't be written", L"The file can't be made or filled, for the reason behind it.",
      L"Name one in a directory that is there and can be written to, and that nobody has open."},
+    {L"is there already, and isn't replaced",
+     L"What is made from a folder never overwrites a file.", L"Remove it, or name another file."},
+    {L"There is no shortcut",
+     L"Only one program at the top of the folder, or the one named like the product, gets one.",
+     L"Add a Shortcut to the script."},
+    {L"The script isn't all ASCII", L"An older Windows reads the script in its code page.",
+     L"Give the files plain names where it is to run there."},
     {L"can't be called",
      L"The product's name is that of its directory, and Windows allows none "
      L"such.",
@@ -232,6 +255,20 @@ constexpr MessageRow messages[] = {
      L"Look at its path and its rights."},
     {L"holds no files", L"A script makes a directory only for the files that it puts there.",
      L"Look whether it is the right folder, and built."},
+    {L"can't be opened", L"The file isn't there or can't be read, for the reason behind it.",
+     L"Look at its path and its rights."},
+    {L"can't be loaded", L"The script isn't one, for the reason behind it.",
+     L"Mend what temz check tells."},
+    {L" is no command", L"There is no such command.", seeHelp},
+    {L" is no option", L"There is no such option, or not of this command.", seeHelp},
+    {L" is missing.", L"The command needs more than it was given.", seeHelp},
+    {L" needs a value", L"A value stands behind this option: --log run.log or --log=run.log.",
+     seeHelp},
+    {L" takes no value", L"This option stands alone.", seeHelp},
+    {L" stands twice", L"This option may stand once.", seeHelp},
+    {L" can't be \"", L"The option takes no such value.", seeHelp},
+    {L"A run has failed", L"A product that isn't installed or removed can't be verified.",
+     L"Do what the failure above says."},
     // The last line of a run; the reason in front of it or behind it says more.
     {L"Nothing was done (", L"The run hasn't begun, for the reason that stands with it.",
      L"temz help codes tells what to do about the code in the parentheses."},
@@ -240,11 +277,22 @@ constexpr MessageRow messages[] = {
      L"Do what the failure says, and run the same command again, or uninstall."},
 };
 
+/// A shorter text stands in anything.
+constexpr size_t shortestPart = 8;
+
+/// The message that the text is or holds, or else the only one that the text is a part of.
 const MessageRow* findMessage(const std::wstring& text) {
-    for (const MessageRow& row : messages)
+    const MessageRow* around = nullptr;
+    size_t count = 0;
+    for (const MessageRow& row : messages) {
         if (text.find(row.part) != std::wstring::npos)
             return &row;
-    return nullptr;
+        if (std::wstring_view(row.part).find(text) != std::wstring_view::npos) {
+            around = &row;
+            ++count;
+        }
+    }
+    return text.size() >= shortestPart && count == 1 ? around : nullptr;
 }
 
 std::wstring withNextStep(const std::wstring& cause, const std::wstring& nextStep) {

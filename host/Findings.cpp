@@ -113,7 +113,7 @@ std::wstring findingLine(const ScriptFinding& finding) {
 
 std::wstring findingText(const ScriptFinding& finding, size_t width) {
     std::wstring text = findingLine(finding) + L"\n";
-    if (width > 0 && finding.line > 0)
+    if (width > 0 && !finding.sourceLine.empty())
         text += markedLine(finding, width);
     if (!finding.help.empty())
         text += std::wstring(gutterWidth + 1, L' ') + L"help: " + finding.help + L"\n";

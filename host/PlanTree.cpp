@@ -68,10 +68,7 @@ private:
         const bool runs = step.code == TEMZ_CHANGE_PROGRAM_STARTED && !step.detail.empty();
         if (runs)
             object += L" " + step.detail;
-        std::wstring effect = effectText(step);
-        if (step.code == TEMZ_CHANGE_LINK_WRITTEN && !step.detail.empty())
-            effect += L" to " + step.detail;
-        put(step, step.unforeseeable ? L'?' : words.symbol, words.area, object, effect);
+        put(step, symbolOf(step), words.area, object, effectText(step));
     }
 
     void put(const Step& step, wchar_t symbol, const wchar_t* area, std::wstring object,

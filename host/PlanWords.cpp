@@ -25,7 +25,7 @@ constexpr ChangeWords words[] = {
     {TEMZ_CHANGE_SERVICE_STOPPED, L'>', L"service-stopped", L"service", L"stop the service"},
     {TEMZ_CHANGE_SERVICE_REMOVED, L'-', L"service-removed", L"service", L"remove the service"},
     {TEMZ_CHANGE_SERVICE_CHANGED, L'~', L"service-changed", L"service", L"set up the service"},
-    {TEMZ_CHANGE_LINK_WRITTEN, L'+', L"link-written", L"file", L"shortcut"},
+    {TEMZ_CHANGE_LINK_WRITTEN, L'~', L"link-written", L"file", L"shortcut"},
     {TEMZ_CHANGE_PROCESS_ENDED, L'>', L"process-ended", L"program", L"ended"},
     {TEMZ_CHANGE_PROGRAM_STARTED, L'>', L"program-started", L"program", L"started"},
     {TEMZ_CHANGE_LIBRARY_LOADED, L'>', L"library-loaded", L"program", L"loaded"},
@@ -118,8 +118,22 @@ const ChangeWords& wordsOf(const Step& change) {
     return words[change.code - 1];
 }
 
+wchar_t symbolOf(const Step& change) {
+    if (change.unforeseeable)
+        return L'?';
+    const wchar_t symbol = wordsOf(change).symbol;
+    const bool mayBeNew =
+        change.code == TEMZ_CHANGE_VALUE_SET || change.code == TEMZ_CHANGE_LINK_WRITTEN;
+    return mayBeNew && change.before.empty() ? L'+' : symbol;
+}
+
 std::wstring effectText(const Step& change) {
     std::wstring text = wordsOf(change).verb;
+    if (change.code == TEMZ_CHANGE_LINK_WRITTEN) {
+        if (!change.detail.empty())
+            text += L" to " + change.detail;
+        return change.before.empty() ? text : text + L", in place of " + change.before;
+    }
     std::wstring states = change.before;
     if (!change.before.empty() && !change.after.empty())
         states += L" -> ";

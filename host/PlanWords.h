@@ -30,6 +30,9 @@ struct SignWords {
 /// Null for a line of no colour of its own.
 const SignWords* findSign(wchar_t symbol);
 
+/// What stands in front of a change: '?' for what can't be foreseen, '+' for a value or shortcut
+/// that is new, else that of its row.
+wchar_t symbolOf(const Step& change);
 /// What is done with the object of a change, from what to what: "1.3.0, 800 KB -> 1.4.0, 812 KB".
 std::wstring effectText(const Step& change);
 /// A failure, and what a run does there.

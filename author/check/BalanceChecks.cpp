@@ -113,7 +113,7 @@ private:
 };
 
 std::wstring lineIn(const Checked& script, const Visit& visit) {
-    return std::to_wstring(script.model.text().placeOf(script.model[visit.number].place).line);
+    return std::to_wstring(script.model.text().lineNumberOf(script.model[visit.number].place));
 }
 
 }  // namespace

@@ -280,7 +280,7 @@ private:
     static void tell(const Action& action, const Earlier& earlier, const std::wstring& text) {
         const ScriptModel& model = action.checked.model;
         const std::wstring line =
-            std::to_wstring(model.text().placeOf(model[earlier.visit->number].place).line);
+            std::to_wstring(model.text().lineNumberOf(model[earlier.visit->number].place));
         const bool same = text == earlier.text;
         action.checked.report.tellOf(
             same ? Fault::sameTarget : Fault::sameTargetButCase, action.placeOf(L"Name"),

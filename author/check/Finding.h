@@ -38,7 +38,7 @@ struct Finding {
     Place place;
     std::wstring text;        ///< what is wrong here, naming the thing; a sentence
     std::wstring help;        ///< how to mend it; may be empty
-    std::wstring sourceLine;  ///< the line of the place; empty for the file as a whole
+    std::wstring sourceLine;  ///< the line of the place; empty for the file, or of over 1000 bytes
 };
 
 /// What is to be checked. `payload` is the folder that the sources of files stand in, `previous`

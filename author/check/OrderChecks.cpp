@@ -130,7 +130,7 @@ private:
 
     std::wstring lineOf(const Visit& visit) const {
         return std::to_wstring(
-            checked.model.text().placeOf(checked.model[visit.number].place).line);
+            checked.model.text().lineNumberOf(checked.model[visit.number].place));
     }
 
     const Checked& checked;

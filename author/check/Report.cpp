@@ -79,11 +79,12 @@ void Report::add(Fault fault, size_t offset, std::wstring text, Entry entry) {
 }
 
 void Report::handOut(const std::function<void(const Finding&)>& tellFinding) const {
+    ScriptText::Places places(script);
     for (const auto& [key, entry] : found) {
         const auto& [offset, fault, text] = key;
         Finding finding{&kindOf(fault), entry.endsRun, file, {}, text, entry.help, {}};
         if (!entry.ofFile) {
-            finding.place = script.placeOf({offset, entry.length});
+            finding.place = places.next({offset, entry.length});
             finding.sourceLine = script.line(finding.place.line);
         }
         tellFinding(finding);

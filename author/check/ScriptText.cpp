@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr size_t longestLine = 1000;
 
 std::string asParsed(std::string_view bytes) {
     std::string text;
@@ -61,6 +62,7 @@ ScriptText::ScriptText(std::string_view bytes) : text(asParsed(bytes)) {
     ascii = std::all_of(text.begin() + static_cast<ptrdiff_t>(lineStarts.front()), text.end(),
                         [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
     utf8 = isWellFormedUtf8(text);
+    cutShort = bytes.find('\0') != std::string_view::npos;
 }
 
 size_t ScriptText::lineOf(size_t offset) const {
@@ -85,18 +87,30 @@ std::wstring ScriptText::wide(std::string_view part) const {
     return result;
 }
 
-Place ScriptText::placeOf(Span span) const {
-    const size_t index = lineOf(span.offset);
-    const std::string_view line = lineBytes(index);
-    const size_t start =
-        std::min(std::max(span.offset, lineStarts[index]) - lineStarts[index], line.size());
-    return {static_cast<uint32_t>(index + 1),
-            static_cast<uint32_t>(wide(line.substr(0, start)).size() + 1),
-            static_cast<uint32_t>(wide(line.substr(start, span.length)).size())};
+uint32_t ScriptText::lineNumberOf(Span span) const {
+    return static_cast<uint32_t>(lineOf(span.offset) + 1);
 }
 
 std::wstring ScriptText::line(uint32_t number) const {
-    return number == 0 || number > lineStarts.size() ? L"" : wide(lineBytes(number - 1));
+    if (number == 0 || number > lineStarts.size())
+        return {};
+    const std::string_view bytes = lineBytes(number - 1);
+    return bytes.size() > longestLine ? L"" : wide(bytes);
+}
+
+Place ScriptText::Places::next(Span span) {
+    const size_t index = script.lineOf(span.offset);
+    const size_t lineStart = script.lineStarts[index];
+    const std::string_view line = script.lineBytes(index);
+    if (reached < lineStart) {
+        reached = lineStart;
+        unitsBefore = 0;
+    }
+    const size_t start = std::clamp(span.offset, lineStart, lineStart + line.size());
+    unitsBefore += script.wide(line.substr(reached - lineStart, start - reached)).size();
+    reached = start;
+    return {static_cast<uint32_t>(index + 1), static_cast<uint32_t>(unitsBefore + 1),
+            static_cast<uint32_t>(script.wide(line.substr(start - lineStart, span.length)).size())};
 }
 
 Span ScriptText::spanAt(size_t line, size_t column, bool utf8Columns) const {

@@ -1,6 +1,7 @@
 #include <unordered_map>
 
 #include "author/check/Checks.h"
+#include "author/check/XmlChecks.h"
 #include "system/ShellOperations.h"
 
 namespace {
@@ -69,7 +70,7 @@ private:
                 return report.tellOf(Fault::noProduct, element.place, text,
                                      L"is " + inMarks(nearest) + L" meant as it?");
         }
-        report.tellOfFile(Fault::noProduct, text);
+        report.tellOfFile(Fault::noProduct, text, model.text().isCutShort() ? cutShortHelp : L"");
     }
 
     /// A place is used by an [id], by a reference, and by the components in it.
@@ -236,7 +237,7 @@ private:
             if (first == number)
                 continue;
             const std::wstring line =
-                std::to_wstring(model.text().placeOf(model[first].place).line);
+                std::to_wstring(model.text().lineNumberOf(model[first].place));
             report.tellOf(Fault::hiddenId, element.find(idAttribute)->valuePlace,
                           describe(element) + L" is hidden by the one in line " + line + L".",
                           hiddenHelp(element, model[first]));

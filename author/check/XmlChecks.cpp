@@ -44,7 +44,7 @@ std::wstring openElementHelp(const ScriptText& script, size_t offset) {
     if (!open)
         return {};
     return L"close the " + quoted(script.bytes(), *open) + L" of line " +
-           std::to_wstring(script.placeOf(*open).line) + L" in front of this.";
+           std::to_wstring(script.lineNumberOf(*open)) + L" in front of this.";
 }
 
 /// Which attribute of the tag up to there stands there once more.
@@ -68,7 +68,19 @@ std::wstring doubledAttributeHelp(const ScriptText& script, size_t offset) {
     return {};
 }
 
+/// The start of a comment without an end. The parser takes all behind it for its own, or tells the
+/// start of the script.
+std::optional<Span> openComment(const std::string& text) {
+    constexpr std::string_view start = "<!--";
+    const size_t at = text.rfind(start);
+    if (at == std::string::npos || text.find("-->", at) != std::string::npos)
+        return {};
+    return Span{at, start.size()};
+}
+
 std::wstring helpWith(int error, const ScriptText& script, size_t offset) {
+    if (script.isCutShort())
+        return cutShortHelp;
     switch (error) {
         case TiXmlBase::TIXML_ERROR_READING_END_TAG:
             return openElementHelp(script, offset);
@@ -99,6 +111,14 @@ bool parseScript(const ScriptText& script, TiXmlDocument& document, Report& repo
     }
     document.SetTabSize(1);  // so that a tab is one column, as any other character
     document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    if (document.RootElement() && !document.Error())
+        return true;
+    if (const std::optional<Span> comment = openComment(text)) {
+        report.tellOf(Fault::notXml, *comment,
+                      L"The script isn't well-formed XML: this comment has no end.",
+                      L"end it by -->.");
+        return false;
+    }
     if (!document.Error())
         return true;
     const Span place =

@@ -281,11 +281,20 @@ LSTATUS ShadowRegistry::answer(Call<&RegistryCalls::RegEnumKeyExW>, HKEY handle,
     return ERROR_SUCCESS;
 }
 
+namespace {
+
+/// No text at all stands for a value that isn't there.
+std::wstring shownText(const std::wstring& text) {
+    return text.empty() ? L"empty" : text;
+}
+
+}  // namespace
+
 /// The text of a value as it is now; empty when it isn't there, or can't be read.
 std::wstring ShadowRegistry::valueText(const std::wstring& path, const std::wstring& name) const {
     if (const auto own = values.find(path); own != values.end())
         if (const auto value = own->second.find(name); value != own->second.end())
-            return value->second;
+            return shownText(value->second);
     MachineKey key;
     DWORD type = 0;
     DWORD size = 0;
@@ -295,7 +304,7 @@ std::wstring ShadowRegistry::valueText(const std::wstring& path, const std::wstr
     std::vector<BYTE> data(size);
     if (RegQueryValueExW(key.get(), name.c_str(), nullptr, &type, data.data(), &size))
         return {};
-    return textOfRegistryData(type, data.data(), size);
+    return shownText(textOfRegistryData(type, data.data(), size));
 }
 
 LSTATUS ShadowRegistry::set(const OpenKey& key, const std::wstring& name, const std::wstring& text,
@@ -308,7 +317,7 @@ LSTATUS ShadowRegistry::set(const OpenKey& key, const std::wstring& name, const 
     change.kind = ChangeKind::valueSet;
     change.object = key.place.shown + L"\\" + name;
     change.before = valueText(key.place.path, name);
-    change.after = text;
+    change.after = shownText(text);
     change.bytes = size;
     values[key.place.path][name] = text;
     listener.planned(change);

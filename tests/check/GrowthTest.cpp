@@ -77,3 +77,18 @@ TEST_F(GrowthTest, DirectoriesThatNeedTooManyOthersCannotBeMade) {
     EXPECT_EQ(findingsIn(directoryChainScript(500)).find("TZ217"), std::string::npos);
     EXPECT_NE(findingsIn(directoryChainScript(50'000)).find("TZ217"), std::string::npos);
 }
+
+// Each finding told its line, and counted its column from the line's start: a script in one line of
+// some megabytes took all memory, and hours.
+TEST_F(GrowthTest, AScriptInOneLineIsWalkedAlongOnce) {
+    constexpr size_t amount = 100'000;
+    std::string script = "<Script><Product>";
+    for (size_t i = 0; i < amount; ++i)
+        script += "<Directory Path=\"a\"/>";
+    CheckRequest request;
+    request.script = folder.write(L"script.xml", script + "</Product></Script>");
+    Finding last{};
+    checkScript(request, [&last](const Finding& found) { last = found; });
+    EXPECT_EQ(last.place, (Place{1, static_cast<uint32_t>(script.size()) - 3, 1}));
+    EXPECT_EQ(last.sourceLine, L"");
+}

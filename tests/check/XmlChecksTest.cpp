@@ -27,6 +27,25 @@ TEST_F(XmlChecksTest, TellsOfAnEmptyFile) {
               "empty.\"\n");
 }
 
+TEST_F(XmlChecksTest, KnowsAScriptThatWasSavedAsUtf16) {
+    using namespace std::string_view_literals;
+    for (const std::string_view script :
+         {"\xFF\xFE<\0S\0/\0>\0"sv, "\xFE\xFF\0<\0S\0/\0>"sv, "<\0S\0/\0>\0"sv}) {
+        const std::vector<Finding> findings = check(script);
+        ASSERT_EQ(findings.size(), 1U);
+        EXPECT_EQ(findings[0].help,
+                  L"save the script as UTF-8: it is read up to its first NUL, and UTF-16 is full "
+                  L"of them.");
+    }
+}
+
+TEST_F(XmlChecksTest, TellsOfACommentWithoutAnEndWhereItBegins) {
+    EXPECT_EQ(findingsIn("<Root>\n  <!-- one -->\n  <!-- two ->\n</Root>"),
+              "3:3 TZ101 The script isn't well-formed XML: this comment has no end.\n");
+    EXPECT_EQ(findingsIn("\n<!-- one ->\n<Root/>"),
+              "2:1 TZ101 The script isn't well-formed XML: this comment has no end.\n");
+}
+
 TEST_F(XmlChecksTest, TellsOfNestingBeyondTheLimitAlone) {
     EXPECT_EQ(findingsIn(nested(257)),
               "0:0 TZ102 Elements are nested more than 256 deep, the root included.\n");

@@ -91,6 +91,7 @@ constexpr Message messagesOfProgram[] = {
     {L"Copying a.txt failed: the path is too long [error 206]", L"the path is too long"},
     {L"Starting service a failed: there is no such service [error 1060]",
      L"there is no such service"},
+    {L"Starting service a failed: its program isn't there [error 2]", L"its program isn't there"},
     {L"Starting service a failed: the service is disabled [error 1058]",
      L"the service is disabled"},
     {L"Removing service a failed: the service is already being removed [error 1072]",
@@ -118,6 +119,30 @@ constexpr Message messagesOfProgram[] = {
     {L"temz: C:\\ is a whole drive; name a folder.", L"is a whole drive"},
     {L"temz: C:\\a can't be read: Access denied. [error 5]", L"can't be read: "},
     {L"temz: C:\\a holds no files.", L"holds no files"},
+    {L"temz: a.xml isn't planned: a run would surely end half-way.", L"isn't planned"},
+    {L"temz: The script has no variable A.", L"The script has no variable"},
+    {L"The next restart brings C:\\a back: that can't be taken back.",
+     L"back: that can't be taken back"},
+    {L"Starting service a failed: it has stopped.", L"it has stopped"},
+    {L"Starting service a failed: it is still starting.", L"it is still st"},
+    {L"Stopping service a failed: it is still stopping.", L"it is still st"},
+    {L"temz: a.xml is there already, and isn't replaced. Remove it, or name another file.",
+     L"is there already, and isn't replaced"},
+    {L"temz: There is no shortcut, as there isn't one program at the top of the folder",
+     L"There is no shortcut"},
+    {L"temz: The script isn't all ASCII. It is UTF-8, which temz.exe reads",
+     L"The script isn't all ASCII"},
+    {L"temz: a.xml can't be opened: Access denied. [error 5]", L"can't be opened"},
+    {L"temz: a.xml can't be loaded: There is no such reason.", L"can't be loaded"},
+    {L"temz: a is no command. See temz help.", L" is no command"},
+    {L"temz: -a is no option. See temz help.", L" is no option"},
+    {L"temz: --log is no option of check. See temz help.", L" is no option"},
+    {L"temz: The SCRIPT is missing. See temz help.", L" is missing."},
+    {L"temz: --log needs a value: FILE. See temz help.", L" needs a value"},
+    {L"temz: --json takes no value. See temz help.", L" takes no value"},
+    {L"temz: --json stands twice. See temz help.", L" stands twice"},
+    {L"temz: --wait can't be \"a\", only SECONDS. See temz help.", L" can't be \""},
+    {L"temz: A run has failed.", L"A run has failed"},
     {L"Nothing was done (1618).", L"Nothing was done ("},
     {L"Failed after 1 of 2 actions (1603). What was done before stays.",
      L"What was done before stays"},
@@ -319,6 +344,13 @@ TEST(ExplainTest, KnowsHowAProcessIsEndedAsAnyShellShowsIt) {
     EXPECT_EQ(explain(L"3221226519"), tooLong);
     EXPECT_TRUE(explain(L"0xC000013A").starts_with(L"Ctrl+C has ended"));
     EXPECT_TRUE(explain(L"-1073741819").starts_with(L"The process has crashed."));
+}
+
+TEST(ExplainTest, KnowsAMessageByAPartThatNoOtherHas) {
+    EXPECT_NE(explain(L"file is in use"), L"");
+    EXPECT_EQ(explain(L"file is in use"), explain(L"the file is in use by sync.exe (4312)"));
+    EXPECT_EQ(explain(L"in use"), L"");
+    EXPECT_EQ(explain(L"isn't there"), L"");
 }
 
 TEST(ExplainTest, SaysNothingOfWhatItDoesNotKnow) {

@@ -45,6 +45,12 @@ TEST(FindingsTest, TellsOfAWholeFileWithoutAPlace) {
               L"install.xml: note TZ203: `Fille` is no element that may stand in `Component`.\n");
 }
 
+TEST(FindingsTest, MarksNothingWhereTheLineIsTooLongToBeTold) {
+    ScriptFinding finding = example();
+    finding.sourceLine.clear();
+    EXPECT_EQ(findingText(finding, 80), findingText(finding, 0));
+}
+
 /// The line with the mark, of a finding in this source line.
 std::wstring markOf(const std::wstring& source, uint32_t column, uint32_t length, size_t width) {
     ScriptFinding finding = example();

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <regex>
+
 #include "ScriptedPlan.h"
 #include "author/SizeText.h"
 #include "host/PlanWords.h"
@@ -41,7 +43,21 @@ TEST(PlanTextTest, ColoursLinesOnATerminal) {
 TEST(PlanTextTest, KeepsControlCharactersOfAScriptFromTheTerminal) {
     Plan plan;
     plan.steps = {changeOf(TEMZ_CHANGE_VALUE_SET, 0, L"a\x1B[2Jb\r\nc")};
-    EXPECT_THAT(planText(plan, false), testing::HasSubstr(L"  ~ a [2Jb  c\n"));
+    EXPECT_THAT(planText(plan, false), testing::HasSubstr(L"  + a [2Jb  c\n"));
+}
+
+TEST(PlanTextTest, TellsWhatIsNewFromWhatIsReplaced) {
+    Plan plan;
+    plan.steps = {changeOf(TEMZ_CHANGE_VALUE_SET, 0, L"A", L"", L"1"),
+                  changeOf(TEMZ_CHANGE_VALUE_SET, 0, L"B", L"1", L"2"),
+                  changeOf(TEMZ_CHANGE_LINK_WRITTEN, 0, L"c.lnk"),
+                  changeOf(TEMZ_CHANGE_LINK_WRITTEN, 0, L"d.lnk", L"1 KB")};
+    plan.steps[2].detail = plan.steps[3].detail = L"x.exe";
+    std::wstring lines = planText(plan, false);
+    lines = std::regex_replace(lines.substr(lines.find(L"\n\n")), std::wregex(L"  +"), L" ");
+    EXPECT_EQ(lines,
+              L"\n\n + A 1\n ~ B 1 -> 2\n + c.lnk shortcut to x.exe\n"
+              L" ~ d.lnk shortcut to x.exe, in place of 1 KB\n");
 }
 
 TEST(PlanTextTest, SaysThatNothingChanges) {

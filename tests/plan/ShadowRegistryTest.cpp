@@ -119,6 +119,16 @@ TEST_F(ShadowRegistryTest, ValueTellsWhatItReplaces) {
     EXPECT_EQ(readValue(key.path(L"One"), L"V").bytes[0], '\5');
 }
 
+TEST_F(ShadowRegistryTest, EmptyValueIsNoAbsentOne) {
+    writeValue(key.make(L"One"), L"V", {REG_SZ, std::string("\0\0", 2)});
+
+    EXPECT_TRUE(set(L"One", 7));
+    EXPECT_EQ(lastChange().before, L"empty");
+    writeValue(key.make(L"Two"), L"W", {REG_SZ, std::string("\0\0", 2)});
+    EXPECT_TRUE(set(L"Two", 7));
+    EXPECT_EQ(lastChange().before, L"");
+}
+
 TEST_F(ShadowRegistryTest, ValueNeedsItsKeyAndTheRight) {
     EXPECT_FALSE(set(L"None", 7));
     HKEY opened = nullptr;
