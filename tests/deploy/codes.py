@@ -2,7 +2,8 @@
 """Holds what docs/deploy.md says of exit codes against the README's table of them.
 
 codes.py FOLDER. Each section must have a table of codes, with every code of a run once, which tells
-failures from what is none. The manifest there must say what its table does.
+failures from what is none. The manifest there must say what its table does, and the playbook be the
+one that is shipped.
 """
 import pathlib
 import re
@@ -59,6 +60,9 @@ def main(folder):
         r"InstallerReturnCode: (\d+)\n +ReturnResponse: (\w+)", document)}
     wrong += [f"winget: {code}: the manifest says {written.get(code)}, and the table {shown.get(code)}"
               for code in {*shown, *written} if f"`{written.get(code)}`" not in shown.get(code, "")]
+    playbook = re.search(r"^```yaml\n(- name: .*?)^```$", document, re.MULTILINE | re.DOTALL).group(1)
+    if playbook not in (root / "deploy/ansible/rollout.yml").read_text():
+        wrong.append("Ansible: the playbook isn't deploy/ansible/rollout.yml")
     if wrong:
         print(*wrong, sep="\n", file=sys.stderr)
     return bool(wrong)
