@@ -12,7 +12,8 @@ case ${1:-} in
     --tests)
         packages+=(clang-format clang-tidy liblnk-utils python3-jsonschema libxml2-utils chromium
             golang-go cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs
-            mkdocs mkdocs-material pkg-config osslsigncode unzip)
+            mkdocs mkdocs-material pkg-config osslsigncode unzip
+            ansible-core ansible ansible-lint)
         ;;
     *) echo "usage: scripts/setup.sh [--tests]" >&2; exit 2 ;;
 esac

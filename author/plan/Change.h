@@ -39,7 +39,7 @@ struct Change {
     std::wstring after;
     uint64_t bytes = 0;  ///< that it takes on the disk
     uint64_t bytesBefore = 0;
-    bool sameContent = false;    ///< of a file that is replaced
+    bool sameContent = false;    ///< of a file that is replaced, or a value
     bool unforeseeable = false;  ///< what it does beyond this can't be foreseen
 };
 

@@ -281,45 +281,54 @@ LSTATUS ShadowRegistry::answer(Call<&RegistryCalls::RegEnumKeyExW>, HKEY handle,
     return ERROR_SUCCESS;
 }
 
-namespace {
-
-/// No text at all stands for a value that isn't there.
-std::wstring shownText(const std::wstring& text) {
+/// No text at all would stand for a value that isn't there.
+std::wstring ShadowRegistry::Value::text() const {
+    const std::wstring text =
+        textOfRegistryData(type, data.data(), static_cast<DWORD>(data.size()));
     return text.empty() ? L"empty" : text;
 }
 
-}  // namespace
-
-/// The text of a value as it is now; empty when it isn't there, or can't be read.
-std::wstring ShadowRegistry::valueText(const std::wstring& path, const std::wstring& name) const {
-    if (const auto own = values.find(path); own != values.end())
-        if (const auto value = own->second.find(name); value != own->second.end())
-            return shownText(value->second);
-    MachineKey key;
-    DWORD type = 0;
-    DWORD size = 0;
-    if (planned(path) || openBySystemName(system, path, KEY_QUERY_VALUE, key) ||
-        RegQueryValueExW(key.get(), name.c_str(), nullptr, &type, nullptr, &size))
-        return {};
-    std::vector<BYTE> data(size);
-    if (RegQueryValueExW(key.get(), name.c_str(), nullptr, &type, data.data(), &size))
-        return {};
-    return shownText(textOfRegistryData(type, data.data(), size));
+/// Whether the system has what it makes of this one, too: it ends a text whose end isn't set with
+/// it.
+bool ShadowRegistry::Value::isKeptAs(const Value& kept) const {
+    const bool isText = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+    std::vector<BYTE> ended = data;
+    ended.resize(data.size() + (isText ? sizeof(wchar_t) : 0));
+    return kept.type == type && (kept.data == data || kept.data == ended);
 }
 
-LSTATUS ShadowRegistry::set(const OpenKey& key, const std::wstring& name, const std::wstring& text,
-                            DWORD size) {
+/// A value as it is now; nothing when it isn't there, or can't be read.
+std::optional<ShadowRegistry::Value> ShadowRegistry::valueAt(const std::wstring& path,
+                                                             const std::wstring& name) const {
+    if (const auto own = values.find(path); own != values.end())
+        if (const auto value = own->second.find(name); value != own->second.end())
+            return value->second;
+    MachineKey key;
+    Value value;
+    DWORD size = 0;
+    if (planned(path) || openBySystemName(system, path, KEY_QUERY_VALUE, key) ||
+        RegQueryValueExW(key.get(), name.c_str(), nullptr, &value.type, nullptr, &size))
+        return std::nullopt;
+    value.data.resize(size);
+    if (RegQueryValueExW(key.get(), name.c_str(), nullptr, &value.type, value.data.data(), &size))
+        return std::nullopt;
+    return value;
+}
+
+LSTATUS ShadowRegistry::set(const OpenKey& key, const std::wstring& name, const Value& value) {
     if (!isThere(key.place.path))
         return ERROR_KEY_DELETED;
     if (!(key.access & (KEY_SET_VALUE | MAXIMUM_ALLOWED)))
         return ERROR_ACCESS_DENIED;
+    const std::optional<Value> before = valueAt(key.place.path, name);
     Change change{};
     change.kind = ChangeKind::valueSet;
     change.object = key.place.shown + L"\\" + name;
-    change.before = valueText(key.place.path, name);
-    change.after = shownText(text);
-    change.bytes = size;
-    values[key.place.path][name] = text;
+    change.before = before ? before->text() : L"";
+    change.after = value.text();
+    change.bytes = value.data.size();
+    change.sameContent = before && value.isKeptAs(*before);
+    values[key.place.path][name] = value;
     listener.planned(change);
     return ERROR_SUCCESS;
 }
@@ -328,8 +337,10 @@ LSTATUS ShadowRegistry::answer(Call<&RegistryCalls::RegSetValueExW>, HKEY handle
                                const wchar_t* name, DWORD /*reserved*/, DWORD type,
                                const BYTE* data, DWORD size) {
     const OpenKey* const key = openKeys.find(handle);
-    return key ? set(*key, name ? name : L"", textOfRegistryData(type, data, size), size)
-               : LSTATUS{ERROR_INVALID_HANDLE};
+    if (key == nullptr)
+        return ERROR_INVALID_HANDLE;
+    return set(*key, name ? name : L"",
+               {type, data ? std::vector<BYTE>(data, data + size) : std::vector<BYTE>()});
 }
 
 LSTATUS ShadowRegistry::answer(Call<&RegistryCalls::RegCloseKey>, HKEY key) {

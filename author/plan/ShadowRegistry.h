@@ -47,7 +47,14 @@ private:
         bool isThere;
         std::wstring name;  ///< without its parents', as it is spelt
     };
-    using Values = std::map<std::wstring, std::wstring, LessIgnoringCase>;  ///< their texts
+    struct Value {
+        DWORD type = REG_NONE;
+        std::vector<BYTE> data = {};
+
+        std::wstring text() const;
+        bool isKeptAs(const Value& kept) const;
+    };
+    using Values = std::map<std::wstring, Value, LessIgnoringCase>;
     /// A key that the run has open.
     struct OpenKey {
         Place place;
@@ -71,8 +78,8 @@ private:
     LSTATUS open(const Place& place, REGSAM access, HKEY* key);
     LSTATUS make(const Place& place);
     LSTATUS remove(const Place& place);
-    LSTATUS set(const OpenKey& key, const std::wstring& name, const std::wstring& text, DWORD size);
-    std::wstring valueText(const std::wstring& path, const std::wstring& name) const;
+    LSTATUS set(const OpenKey& key, const std::wstring& name, const Value& value);
+    std::optional<Value> valueAt(const std::wstring& path, const std::wstring& name) const;
 
     const RegistryCalls system = registryCalls;
     ChangeListener& listener;

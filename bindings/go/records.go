@@ -123,7 +123,7 @@ type Step struct {
 	SystemError   uint32 // of a failure, as there
 	Holds         bool   // a condition is true, or a file found
 	Fate          Fate   // of a failure
-	SameContent   bool   // a file is replaced by one of the same content
+	SameContent   bool   // a file is replaced by one of the same content, or a value set to what it is
 	Unforeseeable bool   // what a change does beyond this can't be foreseen
 	Elements      int    // that are left out
 	Files         int    // of these, elements File

@@ -129,6 +129,39 @@ TEST_F(ShadowRegistryTest, EmptyValueIsNoAbsentOne) {
     EXPECT_EQ(lastChange().before, L"");
 }
 
+TEST_F(ShadowRegistryTest, ValueSetToWhatItIsIsToldSo) {
+    using namespace std::string_literals;
+    const std::wstring one = key.make(L"One");
+    struct Case {
+        StoredValue there;
+        StoredValue set;
+        bool same;
+    };
+    // A text is stored with an end, whether it is set with it or not.
+    const Case cases[] = {
+        {{REG_DWORD, "\5\0\0\0"s}, {REG_DWORD, "\5\0\0\0"s}, true},
+        {{REG_DWORD, "\5\0\0\0"s}, {REG_DWORD, "\6\0\0\0"s}, false},
+        {{REG_SZ, "a\0\0\0"s}, {REG_SZ, "a\0"s}, true},
+        {{REG_SZ, "a\0\0\0"s}, {REG_SZ, "a\0\0\0"s}, true},
+        {{REG_MULTI_SZ, "a\0\0\0\0\0"s}, {REG_MULTI_SZ, "a\0\0\0"s}, true},
+        {{REG_SZ, "a\0b\0\0\0"s}, {REG_SZ, "a\0"s}, false},
+        {{REG_SZ, "a\0\0\0"s}, {REG_BINARY, "a\0\0\0"s}, false},
+        {{REG_BINARY, "a\0\0\0"s}, {REG_BINARY, "a\0"s}, false},
+    };
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        const auto& [there, value, same] = cases[i];
+        const std::wstring name = std::to_wstring(i);
+        writeValue(one, name, there);
+        EXPECT_TRUE(setValue(HKEY_CURRENT_USER, one.c_str(), name.c_str(), value.type,
+                             value.bytes.data(), static_cast<uint32_t>(value.bytes.size())));
+        EXPECT_EQ(lastChange().sameContent, same) << "case " << i;
+    }
+    EXPECT_TRUE(set(L"One", 7));
+    EXPECT_FALSE(lastChange().sameContent);
+    EXPECT_TRUE(set(L"One", 7));
+    EXPECT_TRUE(lastChange().sameContent);
+}
+
 TEST_F(ShadowRegistryTest, ValueNeedsItsKeyAndTheRight) {
     EXPECT_FALSE(set(L"None", 7));
     HKEY opened = nullptr;

@@ -244,7 +244,7 @@ record! {
         holds -> bool,
         /// Of a failure: what it means to a run.
         fate -> Fate,
-        /// Whether a file is replaced by one of the same content.
+        /// Whether a file is replaced by one of the same content, or a value set to what it is.
         same_content -> bool,
         /// Whether what a change does beyond this can't be foreseen.
         unforeseeable -> bool,
