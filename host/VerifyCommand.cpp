@@ -67,7 +67,7 @@ std::wstring findUnopened(const CommandLine& command) {
     for (const std::wstring& script : {command.upgradeFrom, command.script})
         if (const std::wstring problem = script.empty() ? L"" : findOpenProblem(script);
             !problem.empty())
-            return script + L" can't be opened: " + problem;
+            return std::wstring(script).append(L" can't be opened: ").append(problem);
     return {};
 }
 

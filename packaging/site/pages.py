@@ -11,8 +11,9 @@ SDK = "../../"
 
 
 def on_files(files, config):
-    for name in BESIDE:
-        files.append(File(name, str(ROOT), config["site_dir"], config["use_directory_urls"]))
+    beside = [(name, ROOT) for name in BESIDE]
+    for name, folder in [*beside, ("site.css", pathlib.Path(__file__).parent)]:
+        files.append(File(name, str(folder), config["site_dir"], config["use_directory_urls"]))
     return files
 
 
