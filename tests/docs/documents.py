@@ -270,7 +270,8 @@ class Tree:
                         f"-I{self.sdk}/include", "-o", "shown.dll")
 
     def run_cmake(self, text):
-        (self.folder / "CMakeLists.txt").write_text(f"cmake_minimum_required(VERSION 3.16)\nproject(shown)\n{text}")
+        beginning = "cmake_minimum_required(VERSION 3.16)\nproject(shown)\n"
+        (self.folder / "CMakeLists.txt").write_text(beginning + text)
         return self.run_sh(f"cmake -G Ninja -D CMAKE_TOOLCHAIN_FILE='{ROOT}/cmake/mingw-w64.cmake' "
                            f"-D TEMZ_DIR='{self.sdk}/lib/cmake/TEMZ' -B build/cmake && cmake --build build/cmake")
 
