@@ -238,8 +238,9 @@ class Tree:
         (self.folder / "hello.txt").write_text("Hello")
 
     def run(self, *command, folder="."):
-        told = subprocess.run(command, cwd=self.folder / folder, env=self.environment, text=True, errors="replace",
-                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        told = subprocess.run(command, cwd=self.folder / folder, env=self.environment, text=True,
+                              errors="replace", stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT)
         return "" if told.returncode == 0 else f"It ends with {told.returncode}.\n{told.stdout}"
 
     def run_sh(self, text):
@@ -253,11 +254,12 @@ class Tree:
 
     def run_xml(self, text):
         """A script is written, and checked; a part of one can at least be read."""
+        is_script = text.startswith(("<?", "<Script"))
         try:
-            whole = xml.etree.ElementTree.fromstring(text if text.startswith(("<?", "<Script")) else f"<Part>{text}</Part>")
+            xml.etree.ElementTree.fromstring(text if is_script else f"<Part>{text}</Part>")
         except xml.etree.ElementTree.ParseError as error:
             return f"It can't be read: {error}"
-        if whole.tag == "Part":
+        if not is_script:
             return ""
         (self.folder / "mine.xml").write_text(text, encoding="utf-8")
         return self.run_temz(r"temz check ..\..\mine.xml")
