@@ -25,6 +25,7 @@ PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/
 
 # Blocks that another test carries out: their page, how they begin with their fence, and the test.
 RUN_ELSEWHERE = (
+    ("docs/deploy.md", "```yaml", "tests/deploy/codes.py"),
     ("docs/host-guide.md", "x86_64-w64-mingw32-", "tests/sdk/host-guide.sh"),
     ("docs/how-to.md", "```xml", "tests/host/HowToTest.cpp"),
     ("bindings/csharp/README.md", "```csharp", "bindings/csharp/test.sh"),
