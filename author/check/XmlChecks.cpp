@@ -2,6 +2,7 @@
 
 #include <tinyxml.h>
 
+#include <algorithm>
 #include <set>
 
 #include "author/check/Report.h"
@@ -102,11 +103,14 @@ bool parseScript(const ScriptText& script, TiXmlDocument& document, Report& repo
     const std::string& text = script.bytes();
     // A character of UTF-8 that is cut off at the end leads the parser up to three bytes beyond it.
     const std::string padded = text + std::string(3, '\0');
-    if (!isNestedWithin(padded.c_str(), maxElementDepth)) {
-        report.tellOfFile(Fault::nestedTooDeep,
-                          L"Elements are nested more than " + std::to_wstring(maxElementDepth) +
-                              L" deep, the root included.",
-                          L"define the inner parts elsewhere and refer to them.");
+    if (const char* tag = findNestedBeyond(padded.c_str(), maxElementDepth)) {
+        const auto offset = static_cast<size_t>(tag - padded.c_str());
+        const size_t end = std::min(text.find_first_of(" \t\n/>", offset), text.size());
+        const Span place{offset, end - offset};
+        report.tellOf(Fault::nestedTooDeep, place,
+                      L"Elements are nested more than " + std::to_wstring(maxElementDepth) +
+                          L" deep, the root included.",
+                      L"define the inner parts elsewhere and refer to them.");
         return false;
     }
     document.SetTabSize(1);  // so that a tab is one column, as any other character

@@ -2,7 +2,6 @@
 
 #include <tinyxml.h>
 
-#include <algorithm>
 #include <cctype>
 #include <cstring>
 
@@ -41,15 +40,15 @@ size_t utf8Length(char first) {
 /// there a step is false.
 class NestingReader {
 public:
-    explicit NestingReader(const char* text) : position(text) {
+    NestingReader(const char* text, size_t limit) : position(text), limit(limit) {
         if (startsWith(byteOrderMark))
             encoding = TIXML_ENCODING_UTF8;
     }
 
-    bool staysWithin(size_t limit) {
-        while (deepest <= limit && findMarkup() && skipMarkup())
+    const char* findBeyond() {
+        while (beyond == nullptr && findMarkup() && skipMarkup())
             ;
-        return deepest <= limit;
+        return beyond;
     }
 
 private:
@@ -91,7 +90,10 @@ private:
     }
 
     bool skipStartTag() {
-        deepest = std::max(deepest, ++depth);
+        if (++depth > limit) {
+            beyond = position;
+            return false;
+        }
         ++position;
         skipSpace();
         if (!skipName())
@@ -210,12 +212,13 @@ private:
     const char* position;
     /// What the parser takes the bytes for. Until it knows, each byte is a character.
     TiXmlEncoding encoding = TIXML_ENCODING_UNKNOWN;
+    const size_t limit;
     size_t depth = 0;
-    size_t deepest = 0;
+    const char* beyond = nullptr;
 };
 
 }  // namespace
 
-bool isNestedWithin(const char* text, size_t limit) {
-    return NestingReader(text).staysWithin(limit);
+const char* findNestedBeyond(const char* text, size_t limit) {
+    return NestingReader(text, limit).findBeyond();
 }

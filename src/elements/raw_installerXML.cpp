@@ -86,7 +86,7 @@ bool parse(XmlDocument& document, std::string text) {
     // it must find more NULs there.
     text.resize(std::strlen(text.c_str()));
     text.append(3, '\0');
-    if (!isNestedWithin(text.c_str(), maxElementDepth))
+    if (findNestedBeyond(text.c_str(), maxElementDepth) != nullptr)
         return false;
     document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     return !document.Error();

@@ -33,7 +33,7 @@ size_t depthBelow(const TiXmlNode& node) {
 
 bool staysWithin(std::string text, size_t limit) {
     text.append(3, '\0');
-    return isNestedWithin(text.c_str(), limit);
+    return findNestedBeyond(text.c_str(), limit) == nullptr;
 }
 
 /// What the parser makes of a text, up to where it gives up.
