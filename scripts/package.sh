@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Makes the SDK's archives in the folder $1, build/package if there is none: temz-VERSION-win64.zip, what
-# debuggers read of its programs beside it, and a NuGet package. The same sources and tools give the same
-# bytes. With TEMZ_SIGN=COMMAND in the environment, the command is run for each program and library of ours,
-# its file as the last argument, and signs it in place.
+# Makes the SDK's archives in the folder $1, build/package if there is none: temz-VERSION-win64.zip, and
+# beside it temz-VERSION-win64-debug.zip, from which debuggers read. The same sources and tools give the same
+# bytes. With TEMZ_SIGN=COMMAND in the environment, the command is run for each program and library in the
+# archive, its file as the last argument, and signs it in place.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -37,9 +37,7 @@ cp "$root/LICENSE" "$debug"
 
 if [ -n "${TEMZ_SIGN:-}" ]; then
     echo "Signing"
-    for file in "$sdk"/bin/*; do
-        $TEMZ_SIGN "$file"
-    done
+    find "$sdk" \( -name '*.exe' -o -name '*.dll' \) -print0 | sort -z | xargs -0 -n 1 $TEMZ_SIGN
 fi
 
 echo "Building the documents"
