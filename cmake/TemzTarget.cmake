@@ -5,20 +5,14 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# With precompiled headers, g++ orders some of what it tells debuggers by addresses in its own memory:
-# where these are random, no two builds are the same.
-execute_process(COMMAND setarch --addr-no-randomize true RESULT_VARIABLE refused OUTPUT_QUIET ERROR_QUIET)
-if(refused EQUAL 0)
-  list(APPEND launcher setarch --addr-no-randomize)
-endif()
 # What was compiled before isn't compiled again, in another folder either, where ccache is there.
 find_program(TEMZ_CCACHE ccache)
 if(TEMZ_CCACHE)
-  list(APPEND launcher ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+  set(launcher ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
     CCACHE_SLOPPINESS=pch_defines,time_macros ${TEMZ_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
 endif()
-set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
-set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
 
 add_library(temz_options INTERFACE)
 target_compile_definitions(temz_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN NOGDI
@@ -54,9 +48,9 @@ function(temz_version_resource target file_type description)
   target_sources(${target} PRIVATE ${resource})
 endfunction()
 
-# Has targets read what most of their sources include once, and not for each of them. Whether a source
-# includes all that it needs is seen where this is left out. There it is warned of bounds, too: here g++
-# takes the system's headers for ours and warns of what they do.
+# Has targets read what most of their sources include once, and not for each of them. This is not for what
+# is shipped: g++ then orders some of what it tells debuggers by chance, takes the system's headers for
+# ours and warns of their bounds, and nobody sees what a source forgets to include.
 option(TEMZ_PRECOMPILE "Precompile the headers of the system and of the C++ library" OFF)
 function(temz_precompile)
   if(TEMZ_PRECOMPILE)

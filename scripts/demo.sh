@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
-# Sets up, builds, and shows the example product being installed, upgraded and removed.
+# Sets up, builds what the demo takes, and shows the example product being installed, upgraded and removed.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-"$root/scripts/setup.sh"
-"$root/scripts/build.sh"
-"$root/scripts/example.sh"
+cd "$root"
+scripts/setup.sh
+echo "Building the console host and the example product"
+quietly cmake --preset demo
+quietly cmake --build --preset demo
+scripts/example.sh "$root/build/demo"
