@@ -13,7 +13,7 @@ cp "$sources/examples/c/main.c" "$installed"/bin/TEMZ*.dll "$product/install.xml
 cp -r "$product/payload" .
 
 # A command goes on behind a backslash.
-sed -n 's/^    \(x86_64-w64-mingw32-.*\)/\1/p; s/^        \(-.*\)/\1/p' "$sources/docs/host-guide.md" >commands
+sed -nE 's/^    (x86_64-w64-mingw32-(gcc|g\+\+|windres).*)/\1/p; s/^        (-.*)/\1/p' "$sources/docs/host-guide.md" >commands
 if [ "$(grep -c ^x86_64 commands)" != 3 ]; then
     echo "The guide's commands aren't those that this test was written for:"
     cat commands

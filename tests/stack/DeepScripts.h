@@ -6,8 +6,8 @@
 
 // What scripts may hold at the most.
 
-/// The least that a host has.
-constexpr size_t stackSize = 1024 * 1024;
+/// What a script is run, planned or checked on, as the build says.
+constexpr size_t stackSize = STACK_SIZE;
 
 /// Directories that may need one another, each the next and the first the product.
 constexpr int longestChain = 511;
