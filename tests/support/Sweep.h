@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 /// Whether tests that go through many cases take all of them, and not a part:
-/// scripts/test-sweeps.sh.
+/// scripts/soak.sh.
 inline bool sweepsAreWhole() {
     return std::getenv("TEMZ_WHOLE_SWEEPS") != nullptr;
 }
