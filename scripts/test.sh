@@ -15,7 +15,7 @@ if [ "${1:-}" = --quick ]; then
     scripts/setup.sh
     scripts/build.sh
     cmake --build --preset release
-    exec scripts/ctest.sh release -LE tools
+    exec scripts/ctest.sh release -LE 'tools|long'
 fi
 
 scripts/setup.sh --tests
@@ -31,14 +31,15 @@ scripts/lint.sh
 scripts/ctest.sh release
 # What looks at the sources and the files that were built (label "build") has done so: in the passes
 # behind, it would see the same. The checked build's own files are shipped to nobody, to other
-# languages and tools (label "tools") least of all, and these don't look at whose machine it is.
-scripts/ctest.sh checked -LE 'build|tools'
+# languages and tools (label "tools") least of all, and these don't look at whose machine it is. What takes
+# long (label "long") is done with once.
+scripts/ctest.sh checked -LE 'build|tools|long'
 # The other compiler's code takes another part of the stack: its library under the same test program.
 cp build/release/tests/stack/temz_stack_tests.exe build/clang/src
 scripts/wine-run.sh build/clang/src/temz_stack_tests.exe --gtest_brief=1
 # What needs Wine without saying so fails here.
-TEMZ_TESTS_WITHOUT_WINE=1 scripts/ctest.sh release -LE 'wine|build|tools'
+TEMZ_TESTS_WITHOUT_WINE=1 scripts/ctest.sh release -LE 'wine|build|tools|long'
 # To root nothing is forbidden, which hides what an ordinary user can't do.
 if [ "$(id -u)" = 0 ]; then
-    scripts/ctest-as-user.sh release -LE 'build|tools'
+    scripts/ctest-as-user.sh release -LE 'build|tools|long'
 fi
