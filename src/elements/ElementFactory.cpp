@@ -26,10 +26,12 @@
 #include "motion/CServiceControlMtElement.h"
 #include "motion/CShellExcuteMtElement.h"
 #include "motion/CShortcutMtElement.h"
+#include "system/Exhaustion.h"
 
 namespace {
 
 std::wstring lastCreateError;
+bool ranShort = false;
 
 template <class Pointer, class Element>
 Pointer makeFromNode(const XmlHandle& node, CContext& context) {
@@ -129,14 +131,15 @@ private:
 template <class Pointer, class Make>
 Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
     const MakingScope scope;
+    ranShort = false;
     try {
         if (node == nullptr)
             throw std::wstring(L"The parameter node is NULL.");
         scope.check();
-        const WideText name = getElementName(node);
+        const WideText name = getElementNameOrThrow(*node);
         if (!name)
             throw std::wstring(L"Fail to get element name.");
-        const WideText id = getAttributeCopy(idAttribute, node);
+        const WideText id = getAttributeCopyOrThrow(idAttribute, *node);
         Pointer element = make(name.get(), id.get());
         scope.check();
         return element;
@@ -201,6 +204,10 @@ std::wstring getLastCreateError() {
     return lastCreateError;
 }
 
+bool lastCreateRanShort() {
+    return ranShort;
+}
+
 MotionElementPtr createRefMotionElement(const wchar_t* elementName, const wchar_t* id,
                                         CContext& context) {
     if (elementName == nullptr || id == nullptr)
@@ -211,7 +218,8 @@ MotionElementPtr createRefMotionElement(const wchar_t* elementName, const wchar_
     try {
         return findMaker(motionMakers, reference->target->name)->byReference(id, context);
     } catch (const std::bad_alloc&) {
-        throw std::wstring(L"Insufficient memory.");
+        ranShort = true;
+        throw InsufficientMemory();
     }
 }
 
