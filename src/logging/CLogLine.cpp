@@ -39,20 +39,21 @@ struct FileTraits {
 
 /// The turn of this process to write to a file, among those that ask in the same way, for the
 /// length of a scope: a lock on a byte that no file has. Without it a line could be written over
-/// another process's. Who has waited in vain, or can't ask, writes all the same: no run waits for a
-/// log.
+/// another process's. Who can't ask, or has waited in vain, writes all the same, and no longer
+/// waits until it has had a turn: no run stands still for its log.
 class TurnToWrite {
 public:
     explicit TurnToWrite(const char* path)
         : file(CreateFileA(path, GENERIC_READ,
                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                            OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)) {
-        for (int tries = 0; tries < patience; ++tries) {
-            if (LockFile(file.get(), 0, beyondAnyFile, 1, 0) ||
-                GetLastError() != ERROR_LOCK_VIOLATION)
+        while (!LockFile(file.get(), 0, beyondAnyFile, 1, 0)) {
+            if (GetLastError() != ERROR_LOCK_VIOLATION || waits == 0)
                 return;
+            --waits;
             Sleep(1);
         }
+        waits = patience;
     }
     TurnToWrite(const TurnToWrite&) = delete;
     TurnToWrite& operator=(const TurnToWrite&) = delete;
@@ -61,6 +62,9 @@ public:
 private:
     static constexpr DWORD beyondAnyFile = MAXLONG;  ///< the upper half of the byte's place
     static constexpr int patience = 100;
+
+    /// How often the process waits until its next turn. Lines are written by one thread at a time.
+    static inline int waits = patience;
 
     UniqueHandle<FileTraits> file;
 };
