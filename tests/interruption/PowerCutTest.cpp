@@ -131,7 +131,7 @@ TEST_F(PowerCutTest, AtAnyCallThatChangesTheMachineIsMadeGoodByTheSameRun) {
         lives = std::max(lives, course.moments.size());
     }
 
-    for (size_t i = 0; i < lives; i += sweepStride(53)) {
+    for (size_t i = 0; i < lives; i += sweepStride(37)) {
         product().beginLife();
         for (const Stage stage : life) {
             const auto& moments = courseOf(stage).moments;
