@@ -1,4 +1,4 @@
-#include "plan/Picture.h"
+#include "support/Picture.h"
 
 #include <windows.h>
 
