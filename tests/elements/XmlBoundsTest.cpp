@@ -1,9 +1,11 @@
-#include "elements/XmlNesting.h"
+#include "elements/XmlBounds.h"
 
 #include <gtest/gtest.h>
 #include <tinyxml.h>
 
 #include <algorithm>
+#include <cctype>
+#include <clocale>
 #include <random>
 #include <string>
 #include <string_view>
@@ -33,7 +35,25 @@ size_t depthBelow(const TiXmlNode& node) {
 
 bool staysWithin(std::string text, size_t limit) {
     text.append(3, '\0');
-    return findNestedBeyond(text.c_str(), limit) == nullptr;
+    return !findExcess(text.c_str(), {.depth = limit});
+}
+
+/// An element of so many attributes, closed by `end`.
+std::string attributed(size_t count, std::string_view end = "/>") {
+    std::string text = "<a";
+    for (size_t i = 0; i < count; ++i)
+        text += " n" + std::to_string(i) + "='v'";
+    return text.append(end);
+}
+
+/// Where the element begins that has too many attributes; "" for none.
+std::string elementOfTooManyAttributes(std::string text, size_t limit) {
+    text.append(3, '\0');
+    const auto excess = findExcess(text.c_str(), {.depth = unlimited, .attributes = limit});
+    if (!excess)
+        return "";
+    EXPECT_EQ(excess->bound, XmlExcess::attributes);
+    return std::string(excess->element).substr(0, 5);
 }
 
 /// What the parser makes of a text, up to where it gives up.
@@ -50,7 +70,7 @@ struct Parsed {
     bool accepted;  ///< as a document with a root element
 };
 
-TEST(XmlNestingTest, LimitItselfPassesAndOneLevelMoreDoesNot) {
+TEST(XmlBoundsTest, LimitItselfPassesAndOneLevelMoreDoesNot) {
     for (const size_t limit : {1u, 2u, 256u}) {
         SCOPED_TRACE(limit);
         EXPECT_TRUE(staysWithin(nested(limit), limit));
@@ -58,23 +78,69 @@ TEST(XmlNestingTest, LimitItselfPassesAndOneLevelMoreDoesNot) {
     }
 }
 
-TEST(XmlNestingTest, ElementWithoutContentIsALevelToo) {
+TEST(XmlBoundsTest, ElementWithoutContentIsALevelToo) {
     EXPECT_TRUE(staysWithin(nested(255, "<a/>"), 256));
     EXPECT_FALSE(staysWithin(nested(256, "<a/>"), 256));
 }
 
-TEST(XmlNestingTest, DepthOfAnyBranchCounts) {
+TEST(XmlBoundsTest, DepthOfAnyBranchCounts) {
     EXPECT_FALSE(staysWithin("<r><a/><b><c/></b></r>", 2));
     EXPECT_FALSE(staysWithin("<r><b><c/></b><a/></r>", 2));
     EXPECT_TRUE(staysWithin("<r><b><c/></b><b><c/></b></r>", 3));
 }
 
-TEST(XmlNestingTest, MillionsOfLevelsAreNoBurden) {
+TEST(XmlBoundsTest, MillionsOfLevelsAreNoBurden) {
     std::string text;
     for (int i = 0; i < 1'000'000; ++i)
         text += "<a>";
     EXPECT_FALSE(staysWithin(text, 256));
     EXPECT_TRUE(staysWithin(text, unlimited));
+}
+
+TEST(XmlBoundsTest, AsManyAttributesAsTheLimitPassAndOneMoreDoesNot) {
+    for (const size_t limit : {0u, 1u, 256u}) {
+        for (const char* end : {"/>", "></a>", " >", " "}) {
+            SCOPED_TRACE(std::to_string(limit) + end);
+            EXPECT_EQ(elementOfTooManyAttributes(attributed(limit, end), limit), "");
+            EXPECT_NE(elementOfTooManyAttributes(attributed(limit + 1, end), limit), "");
+        }
+    }
+}
+
+TEST(XmlBoundsTest, AttributesOfEachElementAreCountedByThemselves) {
+    const std::string three = attributed(3);
+    EXPECT_EQ(elementOfTooManyAttributes("<r x='1'>" + three + three + "</r>", 3), "");
+    EXPECT_EQ(elementOfTooManyAttributes("<r x='1'>" + three + "<bad 1", 2), "<a n0");
+    EXPECT_EQ(elementOfTooManyAttributes("<r><b x='1'/>" + three + "</r>", 2), "<a n0");
+    EXPECT_EQ(elementOfTooManyAttributes("<r><b x='<a y= z='/></r>", 1), "");
+    EXPECT_EQ(elementOfTooManyAttributes("<r><!--" + three + "--><![CDATA[" + three + "]]></r>", 0),
+              "");
+}
+
+TEST(XmlBoundsTest, OfSeveralTheFirstElementBeyondAnyBoundIsTold) {
+    const auto boundOf = [](const std::string& text) {
+        return findExcess(text.c_str(), {.depth = 2, .attributes = 2})->bound;
+    };
+    EXPECT_EQ(boundOf("<a><b><c x='' y='' z=''/>"), XmlExcess::depth);
+    EXPECT_EQ(boundOf("<a><b x='' y='' z=''><c/>"), XmlExcess::attributes);
+}
+
+TEST(XmlBoundsTest, HundredThousandsOfAttributesAreNoBurden) {
+    EXPECT_NE(elementOfTooManyAttributes(attributed(500'000), 256), "");
+    EXPECT_EQ(elementOfTooManyAttributes(attributed(500'000), unlimited), "");
+}
+
+// A host may choose a locale in which further bytes are blanks.
+TEST(XmlBoundsTest, BlanksAreThoseOfTheHostsLocale) {
+    std::setlocale(LC_ALL, ".1252");
+    const bool isBlank = std::isspace(0xA0) != 0;
+    const std::string text = "\xA0" + nested(3);
+    const size_t depth = Parsed(text).depth;
+    const bool within = staysWithin(text, 2);
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(depth, isBlank ? 3u : 0u);
+    EXPECT_EQ(within, !isBlank);
+    EXPECT_TRUE(staysWithin(text, 2)) << "It's no blank here.";
 }
 
 struct DepthCase {
@@ -256,14 +322,14 @@ void expectDepth(const DepthCase& row) {
     EXPECT_FALSE(row.depth > 0 && staysWithin(row.text, row.depth - 1));
 }
 
-TEST(XmlNestingTest, CountsTheLevelsThatTheParserMakes) {
+TEST(XmlBoundsTest, CountsTheLevelsThatTheParserMakes) {
     for (const DepthCase& row : complete) {
         SCOPED_TRACE(row.text);
         expectDepth(row);
     }
 }
 
-TEST(XmlNestingTest, BrokenTextCountsUpToWhereTheParserGivesUp) {
+TEST(XmlBoundsTest, BrokenTextCountsUpToWhereTheParserGivesUp) {
     for (const DepthCase& row : broken) {
         SCOPED_TRACE(row.text);
         expectDepth(row);
@@ -377,7 +443,7 @@ void expectAgreement(const std::string& text, const Parsed& parsed) {
         << testing::PrintToString(text);
 }
 
-TEST(XmlNestingTest, AgreesWithTheParserOnRandomTexts) {
+TEST(XmlBoundsTest, AgreesWithTheParserOnRandomTexts) {
     TextMaker maker(20'240'229);
     size_t deepAndAccepted = 0;
     for (int i = 0; i < 5'000 && !HasFailure(); ++i) {

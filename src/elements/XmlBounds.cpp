@@ -1,4 +1,4 @@
-#include "elements/XmlNesting.h"
+#include "elements/XmlBounds.h"
 
 #include <tinyxml.h>
 
@@ -9,23 +9,37 @@ namespace {
 
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 
-bool isSpace(char character) {
-    return std::isspace(static_cast<unsigned char>(character)) != 0;
-}
+/// What the parser takes each byte for. It asks the runtime, of which the host chooses the locale:
+/// so a table holds only for one reading.
+class ByteClasses {
+public:
+    ByteClasses() {
+        for (int byte = 1; byte < 256; ++byte) {
+            const bool isLetter = byte >= 127 || std::isalpha(byte) != 0 || byte == '_';
+            const bool isMore =
+                std::isdigit(byte) != 0 || byte == '-' || byte == '.' || byte == ':';
+            classes[byte] = static_cast<unsigned char>((std::isspace(byte) ? space : 0) |
+                                                       (isLetter ? nameStart | namePart : 0) |
+                                                       (isMore ? namePart : 0));
+        }
+    }
+
+    bool isSpace(char byte) const { return has(byte, space); }
+    bool startsName(char byte) const { return has(byte, nameStart); }
+    bool continuesName(char byte) const { return has(byte, namePart); }
+
+private:
+    enum : unsigned char { space = 1, nameStart = 2, namePart = 4 };
+
+    bool has(char byte, unsigned char wanted) const {
+        return (classes[static_cast<unsigned char>(byte)] & wanted) != 0;
+    }
+
+    unsigned char classes[256] = {};
+};
 
 bool isQuote(char character) {
     return character == '"' || character == '\'';
-}
-
-/// A name begins with a letter, an underscore or any byte above ASCII.
-bool startsName(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 127 || std::isalpha(byte) != 0 || byte == '_';
-}
-
-bool continuesName(char character) {
-    return startsName(character) || std::isdigit(static_cast<unsigned char>(character)) != 0 ||
-           character == '-' || character == '.' || character == ':';
 }
 
 /// How many bytes a character of UTF-8 has that begins so. Invalid bytes stand for themselves.
@@ -38,22 +52,26 @@ size_t utf8Length(char first) {
 
 /// Follows a text in the parser's steps, up to where the parser finds it malformed and gives up:
 /// there a step is false.
-class NestingReader {
+class BoundsReader {
 public:
-    NestingReader(const char* text, size_t limit) : position(text), limit(limit) {
+    BoundsReader(const char* text, const XmlBounds& bounds) : position(text), bounds(bounds) {
         if (startsWith(byteOrderMark))
             encoding = TIXML_ENCODING_UTF8;
     }
 
-    const char* findBeyond() {
-        while (beyond == nullptr && findMarkup() && skipMarkup())
+    std::optional<XmlExcess> findExcess() {
+        while (findMarkup() && skipMarkup())
             ;
-        return beyond;
+        return excess;
     }
 
 private:
-    bool startsWith(const char* mark) const {
-        return std::strncmp(position, mark, std::strlen(mark)) == 0;
+    template <size_t size>
+    bool startsWith(const char (&mark)[size]) const {
+        for (size_t i = 0; i + 1 < size; ++i)
+            if (position[i] != mark[i])
+                return false;
+        return true;
     }
 
     static bool startsWithIgnoringCase(const char* text, const char* mark) {
@@ -67,14 +85,14 @@ private:
     }
 
     bool skipMarkup() {
+        if (classes.startsName(position[1]))
+            return skipStartTag();
         if (startsWithIgnoringCase(position, "<?xml"))
             return skipDeclaration();
         if (startsWith("<!--"))
             return skipBehind("-->", 4);
         if (startsWith("<![CDATA["))
             return skipBehind("]]>", 9);
-        if (startsName(position[1]))
-            return skipStartTag();
         if (position[1] == '/' && depth > 0)
             --depth;
         return skipBehind(">", 1);
@@ -90,14 +108,14 @@ private:
     }
 
     bool skipStartTag() {
-        if (++depth > limit) {
-            beyond = position;
-            return false;
-        }
+        const char* const element = position;
+        if (++depth > bounds.depth)
+            return exceed(XmlExcess::depth, element);
         ++position;
         skipSpace();
         if (!skipName())
             return false;
+        size_t attributes = 0;
         for (skipSpace(); *position != '>'; skipSpace()) {
             if (skip('/')) {
                 --depth;
@@ -105,8 +123,15 @@ private:
             }
             if (!skipAttribute())
                 return false;
+            if (++attributes > bounds.attributes)
+                return exceed(XmlExcess::attributes, element);
         }
         return skip('>');
+    }
+
+    bool exceed(XmlExcess::Bound bound, const char* element) {
+        excess = {bound, element};
+        return false;
     }
 
     /// The parser itself reads it: it holds no elements, but may name the encoding, and that in
@@ -140,7 +165,8 @@ private:
             ++position;
             return skipText(quote) && skip(quote);
         }
-        while (*position && !isSpace(*position) && std::strchr("/>\"'", *position) == nullptr)
+        while (*position && !classes.isSpace(*position) &&
+               std::strchr("/>\"'", *position) == nullptr)
             ++position;
         return true;
     }
@@ -153,9 +179,9 @@ private:
     }
 
     bool skipName() {
-        if (!startsName(*position))
+        if (!classes.startsName(*position))
             return false;
-        while (continuesName(*position))
+        while (classes.continuesName(*position))
             ++position;
         return true;
     }
@@ -164,9 +190,9 @@ private:
     /// characters.
     void skipSpace() {
         for (;;) {
-            if (isSpace(*position))
+            if (classes.isSpace(*position))
                 ++position;
-            else if (encoding == TIXML_ENCODING_UTF8 &&
+            else if (encoding == TIXML_ENCODING_UTF8 && *position == '\xEF' &&
                      (startsWith(byteOrderMark) || startsWith("\xEF\xBF\xBE") ||
                       startsWith("\xEF\xBF\xBF")))
                 position += 3;
@@ -185,7 +211,7 @@ private:
     /// The first byte of a character of UTF-8 tells its length, and the parser takes the bytes that
     /// follow for a part of it whatever they are, marks included.
     bool skipCharacter() {
-        if (startsWith("&#") && position[2])
+        if (*position == '&' && position[1] == '#' && position[2])
             return skipNumberedReference();
         for (size_t left = encoding == TIXML_ENCODING_UTF8 ? utf8Length(*position) : 1;
              left > 0 && *position; --left)
@@ -212,13 +238,14 @@ private:
     const char* position;
     /// What the parser takes the bytes for. Until it knows, each byte is a character.
     TiXmlEncoding encoding = TIXML_ENCODING_UNKNOWN;
-    const size_t limit;
+    const XmlBounds bounds;
+    const ByteClasses classes;
     size_t depth = 0;
-    const char* beyond = nullptr;
+    std::optional<XmlExcess> excess;
 };
 
 }  // namespace
 
-const char* findNestedBeyond(const char* text, size_t limit) {
-    return NestingReader(text, limit).findBeyond();
+std::optional<XmlExcess> findExcess(const char* text, const XmlBounds& bounds) {
+    return BoundsReader(text, bounds).findExcess();
 }
