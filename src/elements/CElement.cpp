@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "elements/ElementFactory.h"
+#include "elements/MakingScope.h"
 #include "elements/TextExpansion.h"
 #include "engine/CContext.h"
 #include "logging/CSubject.h"
@@ -109,13 +110,16 @@ bool CElement::readDeclaredAttributes(CContext& context, std::wstring& message) 
             return false;
         }
         std::wstring text = own.get();
+        MakingScope::countOwn(text.size());
         if (isExpandable() && !expandText(text, context, message))
             return false;
         if (isCumulativeAttribute(declaration.name)) {
             const auto above = std::make_unique<AttributeRecord>();
             std::wstring ignored;
-            if (getFromParent(*above, declaration.name, context, ignored))
+            if (getFromParent(*above, declaration.name, context, ignored)) {
+                MakingScope::countTaken(above->value.size());
                 combineWithParent(above->value, text);
+            }
         }
         fillAttributeRecord(attributes.emplace_back(), declaration.name, text.c_str());
     }
@@ -130,10 +134,12 @@ bool CElement::resolveDerivedAttributes(CContext& context, std::wstring& message
         if (getAttribute(declaration.name, *record))
             continue;
         if (getDefaultAttribute(*record, declaration.name) ||
-            getFromParent(*record, declaration.name, context, message))
+            getFromParent(*record, declaration.name, context, message)) {
+            MakingScope::countTaken(record->value.size());
             attributes.push_back(std::move(*record));
-        else if (declaration.required)
+        } else if (declaration.required) {
             return false;
+        }
     }
     return true;
 }

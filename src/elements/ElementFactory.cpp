@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "elements/CDirectoryElement.h"
+#include "elements/MakingScope.h"
 #include "engine/CContext.h"
 #include "engine/CProductElement.h"
 #include "expression/CVariableElement.h"
@@ -93,38 +94,6 @@ const ReferenceKind* findReference(const wchar_t* name) {
             return &reference;
     return nullptr;
 }
-
-/// Making an element can need others: a parent, or a directory that a text refers to. A script in
-/// which they need each other without end, or many times over at each of many levels, must fail and
-/// exhaust neither the stack nor the day. So one element may need only so many, and so deep; when
-/// it needs more, it fails, and with it all that were being made for its sake.
-class MakingScope {
-public:
-    MakingScope() {
-        if (depth++ == 0)
-            made = 0;
-        ++made;
-        if (depth > maxDepth)
-            made = maxElements + 1;
-    }
-    MakingScope(const MakingScope&) = delete;
-    MakingScope& operator=(const MakingScope&) = delete;
-    ~MakingScope() { --depth; }
-
-    void check() const {
-        if (made > maxElements)
-            throw std::wstring(L"Elements refer to each other without end.");
-    }
-
-private:
-    // From the deepest element through all that are around it, of which each may take both
-    // factories.
-    static constexpr size_t maxDepth = 2 * maxElementDepth;
-    static constexpr size_t maxElements = 100'000;
-
-    static inline size_t depth = 0;
-    static inline size_t made = 0;
-};
 
 /// What both factories share: reads name and `Id` of the node, and turns a thrown message into a
 /// null result. `make` gets both, the `Id` null when there is none.

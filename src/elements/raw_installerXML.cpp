@@ -7,7 +7,7 @@
 #include <cwchar>
 #include <new>
 
-#include "elements/XmlNesting.h"
+#include "elements/XmlBounds.h"
 #include "system/Exhaustion.h"
 
 struct XmlDocument : TiXmlDocument {};
@@ -82,14 +82,14 @@ std::string normalizeLineEnds(const std::string& bytes) {
     return text;
 }
 
-/// Parses the very text whose nesting was tested, which ends at the first NUL.
+/// Parses the very text that was tested for its bounds, which ends at the first NUL.
 bool parse(XmlDocument& document, std::string text) {
     document.Clear();
     // A character of UTF-8 that is cut off at the end leads the parser up to three bytes beyond it:
     // it must find more NULs there.
     text.resize(std::strlen(text.c_str()));
     text.append(3, '\0');
-    if (findNestedBeyond(text.c_str(), maxElementDepth) != nullptr)
+    if (findExcess(text.c_str()))
         return false;
     document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     return !document.Error();

@@ -35,8 +35,12 @@ using XmlHandlePtr = std::unique_ptr<XmlHandle>;
 /// script, on the host's stack: a deeper document is refused like one with a syntax error.
 inline constexpr size_t maxElementDepth = 256;
 
+/// The most attributes that an element of a script may have, a dozen of which mean anything. The
+/// parser compares each with all before it: a document with more is refused in the same way.
+inline constexpr size_t maxElementAttributes = 256;
+
 /// Reads a script. Null when the name can't be converted, and when the file can't be opened, isn't
-/// well-formed, or is nested too deeply.
+/// well-formed, is nested too deeply, or has an element of too many attributes.
 XmlDocumentPtr openDocument(const wchar_t* fileName);
 
 /// Reads a file, or a text, in place of what the document holds. After a failure the document holds
