@@ -1,0 +1,158 @@
+// Each call of the engine fails, at each of its uses, and what comes of it is what the table says.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <set>
+
+#include "calls/FaultTable.h"
+#include "support/Sweep.h"
+
+using testing::IsEmpty;
+using testing::UnorderedElementsAreArray;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr int32_t modes[] = {RUNMODE_INSTALL, RUNMODE_UPGRADE, RUNMODE_UNINSTALL};
+
+/// What `after` lacks and has in addition. A line in another place is both.
+Lines differencesBetween(const Lines& before, const Lines& after) {
+    // The length of the longest common part of what is left from each place on.
+    std::vector<std::vector<size_t>> common(before.size() + 1,
+                                            std::vector<size_t>(after.size() + 1));
+    for (size_t i = before.size(); i-- > 0;)
+        for (size_t j = after.size(); j-- > 0;)
+            common[i][j] = before[i] == after[j] ? common[i + 1][j + 1] + 1
+                                                 : std::max(common[i + 1][j], common[i][j + 1]);
+    Lines differences;
+    size_t i = 0;
+    size_t j = 0;
+    while (i < before.size() && j < after.size()) {
+        if (before[i] == after[j])
+            ++i, ++j;
+        else if (common[i + 1][j] >= common[i][j + 1])
+            differences.push_back("- " + before[i++]);
+        else
+            differences.push_back("+ " + after[j++]);
+    }
+    for (; i < before.size(); ++i)
+        differences.push_back("- " + before[i]);
+    for (; j < after.size(); ++j)
+        differences.push_back("+ " + after[j]);
+    return differences;
+}
+
+void replace(std::string& text, const std::string& from, const std::string& to) {
+    if (const size_t at = text.find(from); at != std::string::npos)
+        text.replace(at, from.size(), to);
+}
+
+/// The differences of a row, at one use of the call in a run that is otherwise `undisturbed`.
+Lines differencesOf(const FaultRow& row, const CallUse& use, const ScenarioRun& undisturbed) {
+    Lines log;
+    for (const std::string& line : undisturbed.lines)
+        if (line.starts_with("log "))
+            log.push_back(line.substr(4));
+    const std::string line = use.time <= log.size() ? log[use.time - 1] : "";
+    std::string lineWithoutTime = line;
+    replace(lineWithoutTime, "] ", "]");
+
+    Lines differences = row.differences;
+    for (std::string& difference : differences) {
+        replace(difference, "{arguments}", use.arguments);
+        replace(difference, "{line}", line);
+        replace(difference, "{line without time}", lineWithoutTime);
+    }
+    return differences;
+}
+
+std::string describe(const CallUse& use, const Fault& fault) {
+    return use.call + "(" + use.arguments + ") for the time " + std::to_string(use.time) +
+           " with the error " + std::to_string(fault.error) + (fault.lasting ? " and on" : "");
+}
+
+/// A scenario, in all modes.
+class CallFaultTest : public testing::TestWithParam<Scenario> {
+protected:
+    void SetUp() override {
+        if (const char* const obstacle = GetParam().obstacle())
+            GTEST_SKIP() << obstacle;
+        // What is asked once in a process is behind it.
+        for (const int32_t mode : modes)
+            runScenario(GetParam(), mode);
+    }
+};
+
+TEST_P(CallFaultTest, LeadsToWhatTheTableSays) {
+    const Scenario& scenario = GetParam();
+    const size_t stride = sweepStride(10);
+    size_t faults = 0;
+    for (const int32_t mode : modes) {
+        SCOPED_TRACE("in the mode " + std::to_string(mode));
+        std::set<std::string> callsThatFailed;
+        std::set<const FaultRow*> rowsThatHeld;
+        const ScenarioRun undisturbed = runScenario(scenario, mode);
+        for (const CallUse& use : undisturbed.uses) {
+            const std::vector<const FaultRow*> rows = rowsOf(scenario, mode, use);
+            EXPECT_THAT(rows, testing::Not(IsEmpty())) << "no row for " << describe(use, {});
+            for (const FaultRow* const row : rows) {
+                if (row->reason)
+                    continue;
+                const bool isFirst =
+                    rowsThatHeld.insert(row).second || callsThatFailed.insert(use.call).second;
+                if (++faults % stride != 0 && !isFirst)
+                    continue;
+                const Fault& fault = row->uses.fault;
+                const ScenarioRun run = runScenario(scenario, mode, use, fault);
+                EXPECT_TRUE(run.hasFailed) << describe(use, fault);
+                EXPECT_THAT(differencesBetween(undisturbed.lines, run.lines),
+                            UnorderedElementsAreArray(differencesOf(*row, use, undisturbed)))
+                    << describe(use, fault);
+            }
+        }
+    }
+    RecordProperty("faults", static_cast<int>(faults));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, CallFaultTest, testing::ValuesIn(scenarios()), [](const auto& info) {
+    std::string name = info.param.name;
+    std::ranges::replace(name, ' ', '_');
+    std::ranges::replace(name, '-', '_');
+    return name;
+});
+
+TEST(FaultTableTest, HasARowForEachCallOfEachTable) {
+    std::set<std::string> calls;
+    for (const FaultRow& row : faultTable())
+        calls.insert(row.call);
+    visitCallTables([&]<auto & table>() {
+        using Table = std::remove_reference_t<decltype(table)>;
+        if constexpr (!std::is_same_v<Table, WalkCalls>)
+            table.visitCalls([&]<auto member>(const char* name) {
+                EXPECT_EQ(calls.erase(std::string(table.group) + "." + name), 1u) << name;
+            });
+    });
+    EXPECT_THAT(calls, IsEmpty()) << "which no table has";
+}
+
+TEST(FaultTableTest, HasOnlyRowsThatHold) {
+    std::set<const FaultRow*> idle;
+    for (const FaultRow& row : faultTable())
+        if (!row.reason)
+            idle.insert(&row);
+    for (const Scenario& scenario : scenarios()) {
+        if (const char* const obstacle = scenario.obstacle())
+            GTEST_SKIP() << scenario.name << ": " << obstacle;
+        for (const int32_t mode : modes)
+            for (const CallUse& use : runScenario(scenario, mode).uses)
+                for (const FaultRow* const row : rowsOf(scenario, mode, use))
+                    idle.erase(row);
+    }
+    for (const FaultRow* const row : idle)
+        ADD_FAILURE() << row->call << "(" << row->arguments
+                      << ") is never made so, in the scenario " << row->uses.scenario;
+}
+
+}  // namespace

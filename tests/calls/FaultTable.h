@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "calls/Scenario.h"
+
+/// The uses of a call that a row is about, and how they fail.
+struct FaultedUses {
+    enum Mode { anyMode, placing, removing };
+
+    size_t firstTime = 0;       ///< of the uses with the same texts; 0 for all
+    size_t lastTime = 0;        ///< 0 for `firstTime` alone
+    const char* scenario = "";  ///< "" for all
+    Mode mode = anyMode;
+    Fault fault = {};
+};
+
+/// What comes of it when a call fails. Where several rows are about one use and fault, the first
+/// holds.
+struct FaultRow {
+    const char* call;       ///< "file.CopyFileW"
+    const char* arguments;  ///< the texts of the use, with "..." for any text; "" for any
+    FaultedUses uses;
+    /// What a run is told and leaves other than an undisturbed one: "- " and a line that it lacks,
+    /// "+ " and one that it has in addition. For {arguments} stand those of the use, and for {line}
+    /// and {line without time} the line of the log that has the same number as the use.
+    std::vector<std::string> differences;
+    /// Why the call isn't made fail here; null when it is.
+    const char* reason = nullptr;
+
+    bool isAbout(const Scenario& scenario, int32_t mode, const CallUse& use) const;
+};
+
+/// Everything that each call's failure leads to.
+const std::vector<FaultRow>& faultTable();
+
+/// The faults that strike a use, and the row for each.
+std::vector<const FaultRow*> rowsOf(const Scenario& scenario, int32_t mode, const CallUse& use);
