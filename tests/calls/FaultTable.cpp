@@ -132,6 +132,11 @@ const Lines referenceLacksId =
     behindCondition(notMade("The name or id is NULL in createRefMotionElement.",
                             "(InstallExecuteSequence,)", "FragmentRef"));
 
+void replace(std::string& text, const std::string& from, const std::string& to) {
+    if (const size_t at = text.find(from); at != std::string::npos)
+        text.replace(at, from.size(), to);
+}
+
 bool matches(std::string_view pattern, std::string_view text) {
     return pattern.empty() || pattern == text;
 }
@@ -141,7 +146,7 @@ bool matches(std::string_view pattern, std::string_view text) {
 bool FaultRow::isAbout(const Scenario& scenario, int32_t mode, const CallUse& use) const {
     const size_t lastTime = std::max(uses.firstTime, uses.lastTime);
     const bool isRemoving = mode == RUNMODE_UNINSTALL;
-    return use.call == call && matches(arguments, use.arguments) &&
+    return !uses.once && use.call == call && matches(arguments, use.arguments) &&
            matches(uses.scenario, scenario.name) &&
            (lastTime == 0 || (use.time >= uses.firstTime && use.time <= lastTime)) &&
            (uses.mode == anyMode || (uses.mode == removing) == isRemoving);
@@ -157,6 +162,52 @@ std::vector<const FaultRow*> rowsOf(const Scenario& scenario, int32_t mode, cons
             rows.push_back(&row);
     }
     return rows;
+}
+
+Lines differencesBetween(const ScenarioRun& undisturbed, const ScenarioRun& run) {
+    const Lines& before = undisturbed.lines;
+    const Lines& after = run.lines;
+    // The length of the longest common part of what is left from each place on.
+    std::vector<std::vector<size_t>> common(before.size() + 1,
+                                            std::vector<size_t>(after.size() + 1));
+    for (size_t i = before.size(); i-- > 0;)
+        for (size_t j = after.size(); j-- > 0;)
+            common[i][j] = before[i] == after[j] ? common[i + 1][j + 1] + 1
+                                                 : std::max(common[i + 1][j], common[i][j + 1]);
+    Lines differences;
+    size_t i = 0;
+    size_t j = 0;
+    while (i < before.size() && j < after.size()) {
+        if (before[i] == after[j])
+            ++i, ++j;
+        else if (common[i + 1][j] >= common[i][j + 1])
+            differences.push_back("- " + before[i++]);
+        else
+            differences.push_back("+ " + after[j++]);
+    }
+    for (; i < before.size(); ++i)
+        differences.push_back("- " + before[i]);
+    for (; j < after.size(); ++j)
+        differences.push_back("+ " + after[j]);
+    return differences;
+}
+
+Lines differencesOf(const FaultRow& row, const CallUse& use, const ScenarioRun& undisturbed) {
+    Lines log;
+    for (const std::string& line : undisturbed.lines)
+        if (line.starts_with("log "))
+            log.push_back(line.substr(4));
+    const std::string line = use.time <= log.size() ? log[use.time - 1] : "";
+    std::string lineWithoutTime = line;
+    replace(lineWithoutTime, "] ", "]");
+
+    Lines differences = row.differences;
+    for (std::string& difference : differences) {
+        replace(difference, "{arguments}", use.arguments);
+        replace(difference, "{line}", line);
+        replace(difference, "{line without time}", lineWithoutTime);
+    }
+    return differences;
 }
 
 const std::vector<FaultRow>& faultTable() {
@@ -441,8 +492,15 @@ const std::vector<FaultRow>& faultTable() {
                          "- heard 16 {windows}\\ at 16%",
                          "+ log [ERROR] Failed to get the WindowsFolder"}},
 
-        // Once in a process: see OnceTest.
-        {"file.GetModuleFileNameW", "", {}, {}, "is made once in a process"},
+        // What is asked once in a process: where the host is, and the time that is put into names.
+        {"file.GetModuleFileNameW",
+         "",
+         {.firstTime = 1, .scenario = "a new file", .once = true},
+         newFileLacks + Lines{"+ asked about 3 new\\deep\\new.txt by 3: (the system's text)"}},
+        {"clock.SystemTimeToTzSpecificLocalTime",
+         "",
+         {.firstTime = 5, .scenario = "a link", .once = true},
+         iconLacks + linkWith("{app}\\tool.exe in {app} with {app}\\tool.ico")},
 
         // Texts. A script's names and values that can't be had are missing.
         {"text.WideCharToMultiByte", "{folder}\\script.xml", texts(), notLoaded("")},

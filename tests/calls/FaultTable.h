@@ -15,6 +15,7 @@ struct FaultedUses {
     const char* scenario = "";  ///< "" for all
     Mode mode = anyMode;
     Fault fault = {};
+    bool once = false;  ///< the engine keeps the answer as long as the process lives
 };
 
 /// What comes of it when a call fails. Where several rows are about one use and fault, the first
@@ -38,3 +39,10 @@ const std::vector<FaultRow>& faultTable();
 
 /// The faults that strike a use, and the row for each.
 std::vector<const FaultRow*> rowsOf(const Scenario& scenario, int32_t mode, const CallUse& use);
+
+/// How a run that a fault has struck differs from an undisturbed one, in the way of a row's. A line
+/// in another place is lacking in one and additional in the other.
+std::vector<std::string> differencesBetween(const ScenarioRun& undisturbed, const ScenarioRun& run);
+/// The differences of a row for one use.
+std::vector<std::string> differencesOf(const FaultRow& row, const CallUse& use,
+                                       const ScenarioRun& undisturbed);
