@@ -6,6 +6,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 using enum FaultedUses::Mode;
+using enum FaultedUses::Made;
 
 Lines operator+(Lines left, const Lines& right) {
     left.insert(left.end(), right.begin(), right.end());
@@ -146,7 +147,7 @@ bool matches(std::string_view pattern, std::string_view text) {
 bool FaultRow::isAbout(const Scenario& scenario, int32_t mode, const CallUse& use) const {
     const size_t lastTime = std::max(uses.firstTime, uses.lastTime);
     const bool isRemoving = mode == RUNMODE_UNINSTALL;
-    return !uses.once && use.call == call && matches(arguments, use.arguments) &&
+    return uses.made != once && use.call == call && matches(arguments, use.arguments) &&
            matches(uses.scenario, scenario.name) &&
            (lastTime == 0 || (use.time >= uses.firstTime && use.time <= lastTime)) &&
            (uses.mode == anyMode || (uses.mode == removing) == isRemoving);
@@ -339,7 +340,7 @@ const std::vector<FaultRow>& faultTable() {
         {"process.FormatMessageW", "", {.firstTime = 1},
          {"- asked about 3 gone.txt by 2: (the system's text)", "+ asked about 3 gone.txt by 2"}},
         {"process.FormatMessageW", "", {.firstTime = 2}, ignored},
-        {"process.FormatMessageA", "", {}, {}, "no element wants a narrow text"},
+        {"process.FormatMessageA", "", {.made = never}, {}, "no element wants a narrow text"},
 
         // A program that runs from a file that is to go. That it can't be found or ended is no
         // failure.
@@ -469,12 +470,12 @@ const std::vector<FaultRow>& faultTable() {
         {"service.OpenServiceW", "S", {.scenario = "a service that is removed", .fault = serviceNotFound},
          {"- the service has had DeleteService"}},
         {"service.DeleteService", "", {}, serviceFails("7", "DeleteService")},
-        {"service.QueryServiceConfigW", "", {}, {}, "no element asks how a service is started"},
-        {"service.LocalAlloc", "", {}, {}, "no element asks how a service is started"},
-        {"service.LocalFree", "", {}, {}, "no element asks how a service is started"},
-        {"service.LockServiceDatabase", "", {}, {}, "no element changes how a service is started"},
-        {"service.UnlockServiceDatabase", "", {}, {}, "no element changes how a service is started"},
-        {"service.ChangeServiceConfigW", "", {}, {}, "no element changes how a service is started"},
+        {"service.QueryServiceConfigW", "", {.made = never}, {}, "no element asks how a service is started"},
+        {"service.LocalAlloc", "", {.made = never}, {}, "no element asks how a service is started"},
+        {"service.LocalFree", "", {.made = never}, {}, "no element asks how a service is started"},
+        {"service.LockServiceDatabase", "", {.made = never}, {}, "no element changes how a service is started"},
+        {"service.UnlockServiceDatabase", "", {.made = never}, {}, "no element changes how a service is started"},
+        {"service.ChangeServiceConfigW", "", {.made = never}, {}, "no element changes how a service is started"},
 
         // A search. A version that can't be read satisfies nobody.
         {"file.FindFirstFileW", "{app}\\lib.dll", {},
@@ -495,11 +496,11 @@ const std::vector<FaultRow>& faultTable() {
         // What is asked once in a process: where the host is, and the time that is put into names.
         {"file.GetModuleFileNameW",
          "",
-         {.firstTime = 1, .scenario = "a new file", .once = true},
+         {.firstTime = 1, .scenario = "a new file", .made = once},
          newFileLacks + Lines{"+ asked about 3 new\\deep\\new.txt by 3: (the system's text)"}},
         {"clock.SystemTimeToTzSpecificLocalTime",
          "",
-         {.firstTime = 5, .scenario = "a link", .once = true},
+         {.firstTime = 5, .scenario = "a link", .made = once},
          iconLacks + linkWith("{app}\\tool.exe in {app} with {app}\\tool.ico")},
 
         // Texts. A script's names and values that can't be had are missing.

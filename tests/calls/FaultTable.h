@@ -9,13 +9,15 @@
 /// The uses of a call that a row is about, and how they fail.
 struct FaultedUses {
     enum Mode { anyMode, placing, removing };
+    /// `once` is what the engine asks once in a process, and `never` what no run asks.
+    enum Made { often, once, never };
 
     size_t firstTime = 0;       ///< of the uses with the same texts; 0 for all
     size_t lastTime = 0;        ///< 0 for `firstTime` alone
     const char* scenario = "";  ///< "" for all
     Mode mode = anyMode;
     Fault fault = {};
-    bool once = false;  ///< the engine keeps the answer as long as the process lives
+    Made made = often;
 };
 
 /// What comes of it when a call fails. Where several rows are about one use and fault, the first
@@ -28,7 +30,7 @@ struct FaultRow {
     /// "+ " and one that it has in addition. For {arguments} stand those of the use, and for {line}
     /// and {line without time} the line of the log that has the same number as the use.
     std::vector<std::string> differences;
-    /// Why the call isn't made fail here; null when it is.
+    /// Why the call isn't made at all or not made fail here; null when it is.
     const char* reason = nullptr;
 
     bool isAbout(const Scenario& scenario, int32_t mode, const CallUse& use) const;

@@ -15,7 +15,7 @@ const Scenario& scenarioNamed(std::string_view name) {
 
 TEST(FirstCallTest, LeadsToWhatTheTableSaysAndIsMadeAgain) {
     for (const FaultRow& row : faultTable()) {
-        if (!row.uses.once)
+        if (row.uses.made != FaultedUses::once)
             continue;
         SCOPED_TRACE(row.call);
         const Scenario& scenario = scenarioNamed(row.uses.scenario);
