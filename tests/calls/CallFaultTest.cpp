@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <regex>
 #include <set>
 
 #include "calls/FaultTable.h"
+#include "elements/Vocabulary.h"
+#include "support/Text.h"
 
 using testing::Contains;
 using testing::IsEmpty;
@@ -69,6 +72,23 @@ INSTANTIATE_TEST_SUITE_P(Each, CallFaultTest, testing::ValuesIn(scenarios()), []
     std::ranges::replace(name, '-', '_');
     return name;
 });
+
+TEST(ScenariosTest, HaveAllKindsOfElements) {
+    std::set<std::string> elements;
+    static const std::regex tag("<([A-Za-z]+)");
+    for (const Scenario& scenario : scenarios()) {
+        const std::string script = scriptOf(scenario);
+        for (std::sregex_iterator found(script.begin(), script.end(), tag), end; found != end;
+             ++found)
+            elements.insert(found->str(1));
+    }
+    for (const auto& kinds : {motionKinds(), lookedUpKinds()})
+        for (const ElementKind* const kind : kinds)
+            EXPECT_TRUE(elements.contains(narrow(kind->name))) << narrow(kind->name);
+    for (const ReferenceKind& reference : motionReferences())
+        EXPECT_TRUE(elements.contains(narrow(reference.name))) << narrow(reference.name);
+    EXPECT_TRUE(elements.contains(narrow(directoryReference.name)));
+}
 
 TEST(FaultTableTest, HasARowForEachCallOfEachTable) {
     std::set<std::string> calls;

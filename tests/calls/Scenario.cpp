@@ -32,16 +32,6 @@ constexpr char frame[] =
     "<InstallExecuteSequence><FeatureRef Id='All'/><FragmentRef Id='End'/></InstallExecuteSequence>"
     "</Product></Script>";
 
-std::string scriptOf(const Scenario& scenario, const Machine& machine) {
-    std::string script = scenario.elements;
-    if (!script.starts_with("<Script>")) {
-        script = frame;
-        const std::string_view place = "ELEMENTS";
-        script.replace(script.find(place), place.size(), scenario.elements);
-    }
-    return machine.withPaths(script);
-}
-
 /// Waits, where the engine sleeps, for the program that it has ended.
 class EndOfProgram {
 public:
@@ -110,12 +100,23 @@ private:
 
 }  // namespace
 
+std::string scriptOf(const Scenario& scenario) {
+    std::string script = scenario.elements;
+    if (!script.starts_with("<Script>")) {
+        script = frame;
+        const std::string_view place = "ELEMENTS";
+        script.replace(script.find(place), place.size(), scenario.elements);
+    }
+    return script;
+}
+
 ScenarioRun runScenario(const Scenario& scenario, int32_t mode, const CallUse& use,
                         const Fault& fault, std::deque<int32_t> answers) {
     Machine machine;
     machine.folder.makeDirectory(L"app");
     scenario.prepare(machine, mode);
-    const std::wstring script = machine.folder.write(L"script.xml", scriptOf(scenario, machine));
+    const std::wstring script =
+        machine.folder.write(L"script.xml", machine.withPaths(scriptOf(scenario)));
 
     ScenarioRun run;
     IgnoringObserver observer(machine, std::move(answers));

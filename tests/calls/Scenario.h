@@ -27,6 +27,9 @@ inline void PrintTo(const Scenario& scenario, std::ostream* out) {
 /// All kinds of elements, and all actions on machines that show what they call.
 const std::vector<Scenario>& scenarios();
 
+/// The scenario's script, where {app} and the like stand for the places of a machine.
+std::string scriptOf(const Scenario& scenario);
+
 /// What one run has come to: how it ended, what the host heard and was asked, the machine and the
 /// log, a line each; and the calls that it has made.
 struct ScenarioRun {

@@ -1,5 +1,5 @@
-// No exception may leave a callback. Where one does all the same, and its thrower was compiled as the
-// library was, it ends there, and neither the context nor other threads are shut out for good.
+// No exception may leave a callback. Where one does all the same, and its thrower was compiled as
+// the library was, it ends there, and neither the context nor other threads are shut out for good.
 
 #include <gmock/gmock.h>
 #include <windows.h>
