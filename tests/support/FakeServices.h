@@ -25,6 +25,8 @@ public:
 
     /// The service's state at each look; the last one stays.
     std::deque<DWORD> states{SERVICE_STOPPED};
+    /// What they are from the next start or stop on that succeeds, where that is said.
+    std::deque<DWORD> statesBehindRequest;
     /// What the service says to a stop, also to one that fails.
     DWORD stateAtStop = SERVICE_STOP_PENDING;
     /// The errors of a call at each time; it succeeds where there is none or 0.
@@ -77,6 +79,15 @@ private:
         return error == 0;
     }
 
+    template <class... Arguments>
+    bool accepts(const std::string& request, const Arguments&... arguments) {
+        now += requestTakes;
+        const bool accepted = succeeds(request, arguments...);
+        if (accepted && !statesBehindRequest.empty())
+            states = statesBehindRequest;
+        return accepted;
+    }
+
     void* give(const std::string& kind) {
         void* const handle = reinterpret_cast<void*>(++lastHandle);
         given[handle] = kind;
@@ -125,15 +136,13 @@ private:
             expectHeld(service, "service");
             EXPECT_EQ(count, 0u);
             EXPECT_EQ(arguments, nullptr);
-            now += requestTakes;
-            return succeeds("StartService");
+            return accepts("StartService");
         }};
     const FakeCall<serviceCalls, &ServiceCalls::ControlService> control{
         [this](SC_HANDLE service, DWORD code, SERVICE_STATUS* status) {
             expectHeld(service, "service");
-            now += requestTakes;
             status->dwCurrentState = stateAtStop;
-            return succeeds("ControlService", code);
+            return accepts("ControlService", code);
         }};
     const FakeCall<serviceCalls, &ServiceCalls::DeleteService> remove{[this](SC_HANDLE service) {
         expectHeld(service, "service");
