@@ -21,10 +21,11 @@ import xml.etree.ElementTree
 from dataclasses import dataclass
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/*/README.md")
+PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/*/README.md", "deploy/*/README.md")
 
 # Blocks that another test carries out: their page, how they begin with their fence, and the test.
 RUN_ELSEWHERE = (
+    ("deploy/ansible/README.md", "```yaml", "tests/deploy/codes.py"),
     ("docs/deploy.md", "```yaml", "tests/deploy/codes.py"),
     ("docs/host-guide.md", "x86_64-w64-mingw32-", "tests/sdk/host-guide.sh"),
     ("docs/how-to.md", "```xml", "tests/host/HowToTest.cpp"),
