@@ -11,7 +11,7 @@ case ${1:-} in
     '') ;;
     --tests)
         packages+=(clang-format clang-tidy liblnk-utils python3-jsonschema libxml2-utils chromium
-            golang-go cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs
+            golang-go cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs mono-xbuild nuget
             mkdocs mkdocs-material pkg-config osslsigncode unzip
             ansible-core ansible ansible-lint)
         ;;

@@ -21,7 +21,8 @@ import xml.etree.ElementTree
 from dataclasses import dataclass
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/*/README.md", "deploy/*/README.md")
+PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/*/README.md", "deploy/*/README.md",
+         "packaging/*/README.md")
 
 # Blocks that another test carries out: their page, how they begin with their fence, and the test.
 RUN_ELSEWHERE = (
@@ -33,6 +34,8 @@ RUN_ELSEWHERE = (
     ("bindings/go/README.md", "```go", "bindings/go/readme.sh"),
     ("bindings/go/README.md", "```sh", "bindings/go/readme.sh"),
     ("bindings/rust/README.md", "```rust", "bindings/rust/tests/wrapper.rs"),
+    ("packaging/nuget/README.md", "```c", "tests/sdk/nuget.sh"),
+    ("packaging/nuget/README.md", "```sh", "tests/sdk/nuget.sh"),
 )
 
 failures = []
