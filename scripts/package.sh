@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Makes what is published in the folder $1, build/package if there is none: the SDK temz-VERSION-win64.zip,
-# beside it temz-VERSION-win64-debug.zip, from which debuggers read, and the package temz.VERSION.nupkg for
-# NuGet. The same sources and tools give the same bytes.
+# beside it temz-VERSION-win64-debug.zip, from which debuggers read, the package temz.VERSION.nupkg for NuGet,
+# and temz-VERSION-vcpkg.zip, a port for vcpkg. The same sources and tools give the same bytes.
 #
 # With TEMZ_SIGN=COMMAND in the environment, the command is run for each program and library, its file as the
-# last argument, and signs it in place.
+# last argument, and signs it in place. TEMZ_URL is where the SDK can be fetched, for the port.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -22,6 +22,7 @@ version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' build/release/CMakeCache.txt)
 sdk=$packages/temz-$version-win64
 debug=$sdk-debug
 nuget=$packages/nuget
+port=$packages/temz-$version-vcpkg
 
 echo "Laying out the SDK"
 rm -rf "$packages"
@@ -63,4 +64,10 @@ for text in LICENSE THIRD-PARTY-NOTICES; do cp "$sdk/$text" "$nuget/$text.txt"; 
 sed -i "s/@version@/$version/" "$nuget/temz.nuspec"
 python3 "$root/packaging/zip.py" "$nuget" "$packages/temz.$version.nupkg"
 rm -r "$nuget"
+
+cp -r "$root/packaging/vcpkg" "$port"
+sha512=$(sha512sum "$sdk.zip" | cut -d' ' -f1)
+sed -i "s|@version@|$version|; s|@sha512@|$sha512|; s|@url@|${TEMZ_URL:-https://www.example.com/temz}|" \
+    "$port"/temz/*
+pack "$port"
 (cd "$packages" && sha256sum -- *.zip *.nupkg)
