@@ -13,6 +13,8 @@ FILES = ("first.txt", "tool.exe", "late.exe")
 
 
 def recap_of(machine, stats, results):
+    if machine not in stats:
+        return "unasked"
     result = results[machine]
     counted = stats[machine]
     told = "failed" if result.get("failed") else "changed" if result["changed"] else "ok"
@@ -53,7 +55,7 @@ def main(result_file, fleet, holder_file):
         found = [recap_of(machine, told["stats"], results),
                  *(content_of(prefix / "drive_c/Fleet" / name, holder) for name in FILES),
                  "?" if expected[-1] == "?" else value_of(prefix)]
-        text = results[machine].get("msg", "")
+        text = results.get(machine, {}).get("msg", "")
         if found != expected or message not in text:
             wrong = 1
             print(f"{machine}: {' '.join(found)}: {text}\n  and not {line}", file=sys.stderr)
