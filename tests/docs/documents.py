@@ -28,6 +28,7 @@ PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/
 RUN_ELSEWHERE = (
     ("deploy/ansible/README.md", "```yaml", "tests/deploy/codes.py"),
     ("docs/deploy.md", "```yaml", "tests/deploy/codes.py"),
+    ("docs/deploy.md", "```yaml", "tests/deploy/winget.py"),
     ("docs/host-guide.md", "x86_64-w64-mingw32-", "tests/sdk/host-guide.sh"),
     ("docs/how-to.md", "```xml", "tests/host/HowToTest.cpp"),
     ("bindings/csharp/README.md", "```csharp", "bindings/csharp/test.sh"),
