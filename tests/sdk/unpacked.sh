@@ -33,6 +33,7 @@ for relation in document["relationships"]:
 for package in document["packages"]:
     assert package["versionInfo"] and package["licenseDeclared"], package["name"]
 END
+"$root/tests/docs/documents.py" links "$sdk"
 
 echo "== find_package"
 cmake -S "$here/find-package" -B cmake -G Ninja -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_C_COMPILER=$gcc \
