@@ -36,7 +36,8 @@ holds() {
     diff <(cat; for file in TEMZConfig.cmake TEMZConfigVersion.cmake copyright usage; do echo "share/temz/$file"
             done; printf 'tools/temz/%s\n' TEMZC.dll temz.exe) \
         <(cd "$work/installed/$1" && find . -type f -printf '%P\n' | LC_ALL=C sort)
-    [ "$(grep -c '^LICENSE:\|^THIRD-PARTY-NOTICES:' "$work/installed/$1/share/temz/copyright")" = 2 ]
+    [ "$(grep -c '^LICENSE:\|^THIRD-PARTY-NOTICES:' "$work/installed/$1/share/temz/copyright")" = 2 ] ||
+        { echo "A licence isn't there."; exit 1; }
     "$root/scripts/wine-run.sh" "$work/installed/$1/tools/temz/temz.exe" --version </dev/null
 }
 
