@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks the manifests for winget that the page $1 shows: each by its schema, and all against each other.
+"""Checks the manifests for winget that a page shows: each by its schema, all against each other, and the
+switches against what the page's table says that a host is given.
 
 winget.py PAGE
 """
@@ -21,6 +22,12 @@ def manifests_in(page):
     return [(file, schema, yaml.safe_load(text)) for file, schema, text in shown]
 
 
+def switches_in(page):
+    """What stands in the table's second column."""
+    table = re.search(r"^\| .* \| Your host is given \|.*\n((?:\|.*\n)+)", page, re.MULTILINE).group(1)
+    return {switch for row in table.splitlines() for switch in re.findall(r"`(--\w+)", row.split("|")[2])}
+
+
 def file_name(manifest):
     """By which winget wants to find it."""
     middle = {"version": "", "installer": ".installer",
@@ -31,7 +38,8 @@ def file_name(manifest):
 def main(page):
     schema = json.loads(pathlib.Path(__file__).with_name("winget.schema.json").read_text())
     Draft7Validator.check_schema(schema)
-    manifests = manifests_in(pathlib.Path(page).read_text())
+    text = pathlib.Path(page).read_text()
+    manifests = manifests_in(text)
     by_type = {manifest["ManifestType"]: manifest for _, _, manifest in manifests}
     assert tuple(by_type) == TYPES, f"The manifests are {', '.join(by_type)}"
     wrong = []
@@ -50,6 +58,9 @@ def main(page):
             wrong.append(f"The manifests differ in {key}")
     if by_type["version"]["DefaultLocale"] != by_type["defaultLocale"]["PackageLocale"]:
         wrong.append("The default locale isn't that of the texts")
+    given = {value.split()[0] for value in by_type["installer"]["InstallerSwitches"].values()}
+    if given != switches_in(text):
+        wrong.append(f"A host is given {sorted(given)}, and the table says {sorted(switches_in(text))}")
     if wrong:
         print(*wrong, sep="\n", file=sys.stderr)
     return bool(wrong)
