@@ -2,7 +2,8 @@
 """Compares what Ansible tells of machines with what they hold.
 
 recap.py RESULT FLEET HOLDER, where the standard input has a line for each machine: its name, its recap,
-the content of its files, the value in its registry, and what its failure says.
+which is "unasked" when its batch had no turn, the content of its files, the value in its registry, and
+what its failure says.
 """
 import json
 import pathlib
