@@ -7,10 +7,11 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 here=$root/tests/sdk
 work=$packages/by-nuget
 rm -rf "$work"
-mkdir -p "$work/home" "$work/packages"
+mkdir -p "$work"/{home,packages,temporary}
 cd "$work"
-# The tools write there.
-export HOME=$work/home LC_ALL=C.UTF-8
+export LC_ALL=C.UTF-8
+# The tools write there, and otherwise into a folder that belongs to whoever came first.
+with_tools() { HOME=$work/home TMPDIR=$work/temporary "$@"; }
 unzip -q "$packages"/temz-*-win64.zip '*/examples/*'
 sdk=$(echo "$work"/temz-*-win64)
 . "$here/lives.sh"
@@ -21,7 +22,7 @@ echo "== what is inside"
 # block LANGUAGE: the README's block of it.
 block() { sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/d;p}" "$root/packaging/nuget/README.md"; }
 block sh >commands
-bash -eux commands
+with_tools bash -eux commands
 package=$(echo "$work"/installed/temz.*)
 
 echo "== the manifest by the client's schema"
@@ -31,12 +32,14 @@ block c | tee main.c >written/main.c
 unzip -p packages/*.nupkg temz.nuspec |
     sed 's|<license .*</license>||; s|<readme>.*</readme>||
         s|</package>|<files><file src="main.c"/></files></package>|' >written/temz.nuspec
-nuget pack written/temz.nuspec -NonInteractive -OutputDirectory written
+with_tools nuget pack written/temz.nuspec -NonInteractive -OutputDirectory written
 
 echo "== a build by the targets"
 "$here/nuget/package.py" definitions "$package/build/native"
 cp "$here/nuget/host.proj" .
-project() { xbuild /nologo /verbosity:quiet "/p:Package=$package" /p:Compiler=x86_64-w64-mingw32-gcc "$@" host.proj; }
+project() {
+    with_tools xbuild /nologo /verbosity:quiet "/p:Package=$package" /p:Compiler=x86_64-w64-mingw32-gcc "$@" host.proj
+}
 project >built || { cat built; exit 1; }
 cmp out/TEMZC.dll "$package/build/native/bin/x64/TEMZC.dll"
 lives out/host.exe out/TEMZC.dll '^Done'
