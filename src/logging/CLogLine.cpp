@@ -46,7 +46,7 @@ public:
     explicit TurnToWrite(const char* path)
         : file(CreateFileA(path, GENERIC_READ,
                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                           OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)) {
+                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {
         while (!LockFile(file.get(), 0, beyondAnyFile, 1, 0)) {
             if (GetLastError() != ERROR_LOCK_VIOLATION || waits == 0)
                 return;
@@ -117,10 +117,10 @@ void CLogLine::write() {
 }
 
 void CLogLine::appendToFile() {
-    const TurnToWrite turn(path.c_str());
     file.open(path, std::ios::app);
     if (!file.is_open())
         return;
+    const TurnToWrite turn(path.c_str());
     file.seekp(0, std::ios::end);
     if (file.tellp() > maxSize) {
         file.close();

@@ -4,7 +4,9 @@
 //     temz_interrupted_host SCRIPT MODE list FILE            runs, and writes the moments
 //     temz_interrupted_host SCRIPT MODE before|halfway CALL  ends at this of them
 //
-// Its exit code is 0 when the run has succeeded, or endedAtMoment.
+// A moment is one of the calls, counted from 1, by which the engine changes the machine: before it
+// is made, or with half of the file written that it writes. The exit code is 0 when the run has
+// succeeded, or endedAtMoment.
 
 #include <windows.h>
 
@@ -50,19 +52,19 @@ public:
             // What is waited for takes no longer than a moment here.
             return real(std::min(arguments, DWORD{10})...);
         } else if constexpr (ChangingCalls::has<member>) {
-            ++calls;
             constexpr bool writes = WritingCalls::has<member>;
+            ++calls;
             list << "before " << calls << " " << name << "\n";
-            if constexpr (writes) {
+            if constexpr (writes)
                 list << "halfway " << calls << " " << name << "\n";
-                if (calls == blowsAt && place == halfwayInCall) {
-                    real(arguments...);
-                    halve(pathOf(arguments...));
-                    cutPower();
-                }
-            }
-            if (calls == blowsAt)
+            if (calls == blowsAt) {
+                if constexpr (writes)
+                    if (place == L"halfway") {
+                        real(arguments...);
+                        halve(pathOf(arguments...));
+                    }
                 cutPower();
+            }
             return real(arguments...);
         } else {
             return real(arguments...);
