@@ -66,7 +66,8 @@ const KnownText* MadeElement::find(std::wstring_view name) const {
         for (const auto& [attributeName, text] : asked->attributes)
             if (name == attributeName)
                 return &text;
-        asked = asked->kind == &conditionKind ? asked->around : nullptr;
+        const bool passesOn = asked->kind == &conditionKind && name != L"Expression";
+        asked = passesOn ? asked->around : nullptr;
     }
     return nullptr;
 }

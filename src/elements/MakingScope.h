@@ -9,7 +9,7 @@ inline constexpr size_t maxMakingDepth = 2 * maxElementDepth;
 /// Elements that one needs, itself included, and references in their texts.
 inline constexpr size_t maxMakingNeeds = 10'000;
 /// Characters that these take from each other, and from variables.
-inline constexpr size_t maxMakingText = 4 * 1024 * 1024;
+inline constexpr size_t maxMakingText = size_t{4} << 20;
 
 /// Making an element can need others: a parent, or a directory that a text refers to. A script in
 /// which they need each other without end, or many times over at each of many levels, must fail and

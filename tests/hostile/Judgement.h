@@ -23,6 +23,11 @@ struct Judgement {
     bool largeRemovalFound = false;  ///< that it removes what may be large
     bool endOfRunFound = false;      ///< that a run in one of the modes ends half-way for sure
     std::string findings;            ///< for people, a line each
+
+    /// Whether a check finds what keeps the script from being loaded, and only that.
+    bool isRefusalKnown() const {
+        return refusalFound ? outcome <= unloadable : outcome != refused;
+    }
 };
 
 /// Whether a script is run that a check says to end the process, or to remove what is as large as a

@@ -107,18 +107,6 @@ TEST_F(LogTroubleTest, LinesAreLostUntilItsDirectoryIsThere) {
     EXPECT_THAT(log->lines(), ElementsAreArray(linesFrom(3)));
 }
 
-TEST_F(LogTroubleTest, NoRunWaitsForAProgramThatLocksThePlaceWhereLinesTakeTurns) {
-    const LogFile log;
-    writeFile(logPath, "");
-    const HANDLE other = CreateFileW(logPath, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                     nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_TRUE(LockFile(other, 0, MAXLONG, 1, 0));
-
-    runWith(3, [other] { CloseHandle(other); });
-
-    EXPECT_THAT(log.lines(), ElementsAreArray(lines));
-}
-
 /// A log whose disk is full.
 class FullLogDiskTest : public LogTroubleTest {
 protected:
