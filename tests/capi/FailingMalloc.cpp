@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
@@ -25,6 +26,18 @@ void* failingMalloc(size_t size) {
     --toFail;
     failed = true;
     return nullptr;
+}
+
+HANDLE hasCome = nullptr;
+HANDLE mayGo = nullptr;
+std::atomic<bool> isFirst = false;
+
+void* pausedMalloc(size_t size) {
+    if (isFirst.exchange(false)) {
+        SetEvent(hasCome);
+        WaitForSingleObject(mayGo, INFINITE);
+    }
+    return realMalloc(size);
 }
 
 /// The place in the loaded library that holds the address of malloc.
@@ -75,4 +88,27 @@ FailingMalloc::~FailingMalloc() {
 
 bool FailingMalloc::hasFailed() const {
     return failed;
+}
+
+PausedMalloc::PausedMalloc() {
+    hasCome = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    mayGo = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    isFirst = true;
+    realMalloc = importedMalloc();
+    setImportedMalloc(&pausedMalloc);
+}
+
+PausedMalloc::~PausedMalloc() {
+    setImportedMalloc(realMalloc);
+    CloseHandle(hasCome);
+    CloseHandle(mayGo);
+}
+
+bool PausedMalloc::waitForThread() const {
+    constexpr DWORD patience = 10'000;
+    return WaitForSingleObject(hasCome, patience) == WAIT_OBJECT_0;
+}
+
+void PausedMalloc::letGo() const {
+    SetEvent(mayGo);
 }

@@ -16,3 +16,17 @@ public:
     /// Whether an allocation has failed yet.
     bool hasFailed() const;
 };
+
+/// For the life of the object, the first thread that allocates in TEMZC.dll stands still there
+/// until it is let go.
+class PausedMalloc {
+public:
+    PausedMalloc();
+    PausedMalloc(const PausedMalloc&) = delete;
+    PausedMalloc& operator=(const PausedMalloc&) = delete;
+    ~PausedMalloc();
+
+    /// Whether one has come within some seconds.
+    bool waitForThread() const;
+    void letGo() const;
+};
