@@ -43,11 +43,15 @@ std::wstring plainPath(std::wstring_view path) {
     return std::wstring(path);
 }
 
+std::wstring stagedFor(const std::wstring& target) {
+    return target + std::wstring(stagingSuffix);
+}
+
 /// The engine's own entry, of which the value holds two texts: the staged file and its target.
 bool replaces(const std::wstring& source, const std::wstring& destination,
               const std::wstring& target) {
     return isSamePath(plainPath(destination), target) &&
-           isSamePath(plainPath(source), target + std::wstring(stagingSuffix));
+           isSamePath(plainPath(source), stagedFor(target));
 }
 
 /// The place of the engine's own entry for a target; the texts' number when there is none.
@@ -79,7 +83,8 @@ bool isSamePath(const std::wstring& a, const std::wstring& b) {
 
 bool isReplacementPending(const std::wstring& target) {
     const std::vector<std::wstring> texts = readValue();
-    return findEntry(texts, target) < texts.size();
+    return findEntry(texts, target) < texts.size() &&
+           GetFileAttributesW(stagedFor(target).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 bool dropReplacement(const std::wstring& target) {
@@ -91,6 +96,6 @@ bool dropReplacement(const std::wstring& target) {
     texts.erase(first, first + 2);
     if (!writeValue(texts))
         return false;
-    DeleteFileW((target + std::wstring(stagingSuffix)).c_str());
+    DeleteFileW(stagedFor(target).c_str());
     return true;
 }

@@ -8,7 +8,8 @@
 
 bool isSamePath(const std::wstring& a, const std::wstring& b);
 
-/// Whether a replacement of the engine's own would put a file at `target`.
+/// Whether a replacement of the engine's own would put a file at `target`: it is registered, and
+/// the file that was staged for it is still there.
 bool isReplacementPending(const std::wstring& target);
 
 /// Takes it back, staged file included. True when none is left.

@@ -63,16 +63,21 @@ public:
         if (action.code != TEMZ_ACTION_DELETE_FILE || fate != Fate::done)
             return;
         const std::wstring target = placesOf(action).target;
-        if (!isReplacementPending(target))
-            return;
         if (!drop)
-            warn(L"The next restart brings " + target +
-                 L" back, which waits for it since it was replaced. --drop-pending takes that "
-                 L"back.");
-        else if (dropReplacement(target))
-            warn(target + L" no longer waits for the next restart.");
-        else
-            warn(L"The next restart brings " + target + L" back: that can't be taken back.");
+            deleted.push_back(target);
+        else if (isReplacementPending(target))
+            warn(dropReplacement(target)
+                     ? target + L" no longer waits for the next restart."
+                     : L"The next restart brings " + target + L" back: that can't be taken back.");
+    }
+
+    /// At the end of the run, which may have removed the staged file itself.
+    void warnOfThoseThatComeBack() const {
+        for (const std::wstring& target : deleted)
+            if (isReplacementPending(target))
+                warn(L"The next restart brings " + target +
+                     L" back, which waits for it since it was replaced. --drop-pending takes that "
+                     L"back.");
     }
 
 private:
@@ -83,6 +88,7 @@ private:
 
     const std::vector<std::unique_ptr<Reporter>>& others;
     const bool drop;
+    std::vector<std::wstring> deleted;
 };
 
 /// Has the wish to stop know which action it finds under way.
@@ -229,6 +235,7 @@ private:
         temz_outcome outcome{};
         outcome.size = sizeof outcome;
         const temz_status status = watch.run(context, command.mode, outcome);
+        pending.warnOfThoseThatComeBack();
         summary = watch.summary();
         summary.total = total;
         if (plan && status == TEMZ_OK && !plan->otherResult().empty())

@@ -10,8 +10,8 @@ packages=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build
 case ${1:-} in
     '') ;;
     --tests)
-        packages+=(clang-format clang-tidy liblnk-utils python3-jsonschema libxml2-utils chromium
-            golang-go cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs
+        packages+=(clang-format clang-tidy liblnk-utils python3-jsonschema python3-yaml libxml2-utils chromium
+            golang-go cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs mono-xbuild nuget
             mkdocs mkdocs-material pkg-config osslsigncode unzip
             ansible-core ansible ansible-lint)
         ;;

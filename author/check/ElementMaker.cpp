@@ -4,14 +4,10 @@
 #include <iterator>
 #include <unordered_set>
 
-#include "elements/raw_installerXML.h"
+#include "elements/MakingScope.h"
 #include "system/ShellOperations.h"
 
 namespace {
-
-// As many as the engine makes for one, and as deep.
-constexpr size_t maxDepth = 2 * maxElementDepth;
-constexpr size_t maxTotal = 100'000;
 
 constexpr size_t idLimit = 256;
 
@@ -34,10 +30,16 @@ bool isDeclaredOn(const ElementNode& element, const wchar_t* attributeName) {
 }
 
 /// How many elements one makes of itself: CreateElement leaves those that a run executes to the
-/// other factory.
-size_t ownCost(const ElementKind& kind) {
+/// other factory, which the walk asks at once.
+size_t ownCost(const MadeElement& element) {
     const auto lookedUp = lookedUpKinds();
-    return std::find(lookedUp.begin(), lookedUp.end(), &kind) == lookedUp.end() ? 2 : 1;
+    const bool isLookedUp =
+        std::find(lookedUp.begin(), lookedUp.end(), element.kind) != lookedUp.end();
+    return isLookedUp || element.around ? 1 : 2;
+}
+
+bool needsTooMuch(const MadeElement& element) {
+    return element.total > maxMakingNeeds || element.taken > maxMakingText;
 }
 
 std::wstring kindOfPlace(std::wstring_view attributeName) {
@@ -191,7 +193,7 @@ MadeElement ElementMaker::inParent(ElementNumber number, const MadeElement& pare
 
 void ElementMaker::make(MadeElement& element, const MadeElement* parent) {
     const ElementNode& node = model[element.number];
-    element.depth = element.total = ownCost(*element.kind);
+    element.depth = element.total = ownCost(element);
     if (const AttributeNode* id = node.find(idAttribute); id && id->value.size() >= idLimit)
         element.problems.push_back({Fault::idTooLong,
                                     id->valuePlace,
@@ -202,11 +204,11 @@ void ElementMaker::make(MadeElement& element, const MadeElement* parent) {
     readDeclared(element, parent);
     if (!element.failed)
         takeDerived(element, parent);
-    if (!element.endless && (element.depth > maxDepth || element.total > maxTotal)) {
+    if (!element.endless && (element.depth > maxMakingDepth || needsTooMuch(element))) {
         element.endless = true;
         fail(element, {Fault::endlessMaking, node.place,
                        describe(node) + L" needs more elements to be made than the engine makes "
-                                        L"for one.",
+                                        L"for one, or more text.",
                        L"let fewer directories stand in each other's texts."});
     }
 }
@@ -221,6 +223,7 @@ bool ElementMaker::readDeclared(MadeElement& element, const MadeElement* parent)
             continue;
         }
         KnownText text;
+        element.own += attribute->value.size();
         if (!isExpandable(*element.kind))
             text = KnownText::of(attribute->value);
         else if (!expand(element, *attribute, text))
@@ -234,6 +237,7 @@ bool ElementMaker::readDeclared(MadeElement& element, const MadeElement* parent)
                 whole.addSeparator();
                 whole.append(text);
                 text = whole;
+                element.taken += above->text.size();
             }
             if (element.around == nullptr)
                 addCost(element, *parent);
@@ -279,6 +283,7 @@ void ElementMaker::takeDerived(MadeElement& element, const MadeElement* parent) 
             parent && !parent->failed ? parent->find(declaration.name) : nullptr;
         if (above) {
             element.attributes.emplace_back(declaration.name, *above);
+            element.taken += above->text.size();
         } else if (declaration.required && !element.failed) {
             element.failed = true;
             if (parent && (!parent->problems.empty() || !parent->blamed.empty())) {
@@ -299,8 +304,11 @@ bool ElementMaker::expand(MadeElement& element, const AttributeNode& attribute, 
         return true;
     }
     bool whole = true;
-    for (const TextPiece& piece : piecesOf(attribute.value))
+    for (const TextPiece& piece : piecesOf(attribute.value)) {
         whole &= expandPiece(element, attribute, piece, text);
+        if (needsTooMuch(element))
+            break;
+    }
     return whole;
 }
 
@@ -328,7 +336,7 @@ bool ElementMaker::expandPiece(MadeElement& element, const AttributeNode& attrib
                 variable && variable->type == VARIABLE_STRING) {
                 variable->read = true;
                 text.append(variable->asText());
-                return true;
+                return countReference(element, variable->value.size());
             }
             return tellVariable(element, attribute, piece);
         case TextPiece::directory:
@@ -338,7 +346,7 @@ bool ElementMaker::expandPiece(MadeElement& element, const AttributeNode& attrib
         KnownText folder = KnownText::ofFolder(piece.text);
         folder.addSeparator();
         text.append(folder);
-        return true;
+        return countReference(element, folder.text.size());
     }
     const ElementNumber number = model.find(directoryKind, piece.text);
     if (number == noElement) {
@@ -361,7 +369,7 @@ bool ElementMaker::expandPiece(MadeElement& element, const AttributeNode& attrib
     place.addSeparator();
     text.append(place);
     element.needs.push_back(&directory);
-    return true;
+    return countReference(element, place.text.size());
 }
 
 bool ElementMaker::tellVariable(MadeElement& element, const AttributeNode& attribute,
@@ -404,10 +412,17 @@ void ElementMaker::blame(MadeElement& element, const MadeElement& cause) {
 }
 
 void ElementMaker::addCost(MadeElement& element, const MadeElement& need) {
-    element.depth = std::max(element.depth, ownCost(*element.kind) + need.depth);
-    element.total = std::min(element.total + need.total, maxTotal + 1);
+    element.depth = std::max(element.depth, ownCost(element) + need.depth);
+    element.total += need.total;
+    element.taken += need.taken + need.own;
     if (!need.failed && (!need.problems.empty() || !need.blamed.empty()))
         element.blamed.push_back(&need);
+}
+
+bool ElementMaker::countReference(MadeElement& element, size_t characters) {
+    ++element.total;
+    element.taken += characters;
+    return !needsTooMuch(element);
 }
 
 // Without recursion, for the same reason as the making.

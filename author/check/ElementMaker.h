@@ -35,8 +35,10 @@ struct MadeElement {
     std::vector<const MadeElement*> needs;   ///< directories whose paths stand in its texts
 
     std::vector<std::pair<const wchar_t*, KnownText>> attributes;
-    size_t depth = 0;  ///< how deep the making goes, and how many elements it takes in all
+    size_t depth = 0;  ///< how deep the making goes, and how many elements and references it takes
     size_t total = 0;
+    size_t taken = 0;  ///< how many characters these take from each other, and have themselves
+    size_t own = 0;
 
     /// What getAttribute would answer; null for nothing.
     const KnownText* find(std::wstring_view name) const;
@@ -88,6 +90,7 @@ private:
     static void fail(MadeElement& element, Problem problem);
     static void blame(MadeElement& element, const MadeElement& cause);
     static void addCost(MadeElement& element, const MadeElement& need);
+    static bool countReference(MadeElement& element, size_t characters);
 
     const ScriptModel& model;
     const ScriptVariables& variables;

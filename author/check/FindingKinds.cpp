@@ -27,6 +27,8 @@ constexpr FindingKind kinds[] = {
      L"Save the script as UTF-8, or keep to ASCII."},
     {L"TZ106", warning, goesOn, L"A bare & or < stands in a value, which other XML tools refuse.",
      L"Write &amp; or &lt; for it."},
+    {L"TZ107", error, endsRun, L"An element has too many attributes, so the script isn't loaded.",
+     L"Remove those that are never read."},
 
     {L"TZ201", error, endsRun, L"There is no Product, so the script isn't loaded.",
      L"Put a Product element directly into the root element."},

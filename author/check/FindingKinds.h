@@ -11,6 +11,7 @@ enum class Fault : size_t {
     undeclaredText,
     brokenUtf8,
     bareMark,
+    tooManyAttributes,
     // structure and references
     noProduct,
     furtherProduct,

@@ -8,7 +8,7 @@
 #include "author/check/Report.h"
 #include "author/check/ScriptText.h"
 #include "author/check/TagScanner.h"
-#include "elements/XmlNesting.h"
+#include "elements/XmlBounds.h"
 #include "elements/raw_installerXML.h"
 
 namespace {
@@ -97,20 +97,30 @@ std::wstring helpWith(int error, const ScriptText& script, size_t offset) {
     }
 }
 
+/// Tells of the element at an offset that the engine wouldn't let the parser come to.
+void tellExcess(const XmlExcess& excess, size_t offset, const std::string& text, Report& report) {
+    const size_t end = std::min(text.find_first_of(" \t\n/>", offset), text.size());
+    const Span place{offset, end - offset};
+    if (excess.bound == XmlExcess::depth)
+        report.tellOf(Fault::nestedTooDeep, place,
+                      L"Elements are nested more than " + std::to_wstring(maxElementDepth) +
+                          L" deep, the root included.",
+                      L"define the inner parts elsewhere and refer to them.");
+    else
+        report.tellOf(
+            Fault::tooManyAttributes, place,
+            L"The element has more than " + std::to_wstring(maxElementAttributes) + L" attributes.",
+            L"remove those that are never read.");
+}
+
 }  // namespace
 
 bool parseScript(const ScriptText& script, TiXmlDocument& document, Report& report) {
     const std::string& text = script.bytes();
     // A character of UTF-8 that is cut off at the end leads the parser up to three bytes beyond it.
     const std::string padded = text + std::string(3, '\0');
-    if (const char* tag = findNestedBeyond(padded.c_str(), maxElementDepth)) {
-        const auto offset = static_cast<size_t>(tag - padded.c_str());
-        const size_t end = std::min(text.find_first_of(" \t\n/>", offset), text.size());
-        const Span place{offset, end - offset};
-        report.tellOf(Fault::nestedTooDeep, place,
-                      L"Elements are nested more than " + std::to_wstring(maxElementDepth) +
-                          L" deep, the root included.",
-                      L"define the inner parts elsewhere and refer to them.");
+    if (const std::optional<XmlExcess> excess = findExcess(padded.c_str())) {
+        tellExcess(*excess, static_cast<size_t>(excess->element - padded.c_str()), text, report);
         return false;
     }
     document.SetTabSize(1);  // so that a tab is one column, as any other character

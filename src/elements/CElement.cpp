@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cwchar>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "elements/ElementFactory.h"
+#include "elements/MakingScope.h"
 #include "elements/TextExpansion.h"
 #include "engine/CContext.h"
 #include "logging/CSubject.h"
@@ -38,13 +40,13 @@ void fillAttributeRecord(AttributeRecord& record, const wchar_t* name, const wch
 }
 
 CElement::CElement(const XmlHandle& source, CContext&) {
-    const WideText elementName = getElementName(&source);
+    const WideText elementName = getElementNameOrThrow(source);
     if (!elementName)
         throw std::wstring(L"Can't obtain the name of the element");
     copyBounded(name, elementName.get());
-    if (const WideText elementId = getAttributeCopy(idAttribute, &source))
+    if (const WideText elementId = getAttributeCopyOrThrow(idAttribute, source))
         copyBounded(id, elementId.get());
-    node = copyHandle(source);
+    node = std::make_unique<XmlHandle>(source);
 }
 
 CElement::CElement(const wchar_t* elementName, const wchar_t* elementId, CContext& context) {
@@ -99,7 +101,7 @@ bool CElement::readDeclaredAttributes(CContext& context, std::wstring& message) 
     std::vector<AttributeDeclaration> declarations;
     getAttributes(declarations);
     for (const AttributeDeclaration& declaration : declarations) {
-        const WideText own = getAttributeCopy(declaration.name, node.get());
+        const WideText own = getAttributeCopyOrThrow(declaration.name, handle());
         if (!own) {
             if (!declaration.required)
                 continue;
@@ -108,13 +110,16 @@ bool CElement::readDeclaredAttributes(CContext& context, std::wstring& message) 
             return false;
         }
         std::wstring text = own.get();
+        MakingScope::countOwn(text.size());
         if (isExpandable() && !expandText(text, context, message))
             return false;
         if (isCumulativeAttribute(declaration.name)) {
             const auto above = std::make_unique<AttributeRecord>();
             std::wstring ignored;
-            if (getFromParent(*above, declaration.name, context, ignored))
+            if (getFromParent(*above, declaration.name, context, ignored)) {
+                MakingScope::countTaken(above->value.size());
                 combineWithParent(above->value, text);
+            }
         }
         fillAttributeRecord(attributes.emplace_back(), declaration.name, text.c_str());
     }
@@ -129,10 +134,12 @@ bool CElement::resolveDerivedAttributes(CContext& context, std::wstring& message
         if (getAttribute(declaration.name, *record))
             continue;
         if (getDefaultAttribute(*record, declaration.name) ||
-            getFromParent(*record, declaration.name, context, message))
+            getFromParent(*record, declaration.name, context, message)) {
+            MakingScope::countTaken(record->value.size());
             attributes.push_back(std::move(*record));
-        else if (declaration.required)
+        } else if (declaration.required) {
             return false;
+        }
     }
     return true;
 }
@@ -157,14 +164,17 @@ bool CElement::getAttributesText(const std::vector<std::wstring*>& texts,
 bool CElement::getFromParent(AttributeRecord& record, const wchar_t* attributeName,
                              CContext& context, std::wstring& message) {
     if (parent == nullptr) {
-        const XmlHandlePtr parentNode = getParentNode(node.get());
+        const XmlHandle parentNode = parentOf(handle());
         if (!parentNode) {
             message =
                 messageOn(L" can't get parent node when get the ", attributeName, L" attribute.");
             return false;
         }
-        parentOnDemand = CreateElement(parentNode.get(), context);
+        parentOnDemand = CreateElement(&parentNode, context);
         if (!parentOnDemand) {
+            // To do without the parent's value is for what has none.
+            if (lastCreateRanShort())
+                throw std::bad_alloc();
             message = messageOn(L" can't create parent element when get the ", attributeName,
                                 L" attribute.");
             return false;

@@ -97,6 +97,9 @@ protected:
         list.assign(declarations.begin(), declarations.end());
     }
 
+    /// The node, or none.
+    XmlHandle handle() const { return node ? *node : XmlHandle(); }
+
     wchar_t name[256] = {};
     wchar_t id[256] = {};
     std::vector<AttributeRecord> attributes;

@@ -18,10 +18,10 @@ XmlHandlePtr CElementIndex::find(const wchar_t* elementName, const wchar_t* id,
                                  const XmlHandle* start) {
     if (!elementName || !id || !start)
         return nullptr;
-    if (!complete && !build(*start))
-        return nullptr;
+    if (!complete)
+        build(*start);
     const auto found = elements.find(keyOf(elementName, id));
-    return found == elements.end() ? nullptr : copyHandle(found->second);
+    return found == elements.end() ? nullptr : std::make_unique<XmlHandle>(found->second);
 }
 
 // Gives the storage back too: nothing releases it once the host has freed the context.
@@ -29,15 +29,15 @@ void CElementIndex::clear() {
     *this = {};
 }
 
-// In the order of the search, of equals the first stays. A name that can't be had is memory that
-// is exhausted: an incomplete table would hide its elements from every later question.
-bool CElementIndex::build(const XmlHandle& start) {
-    complete = visitElements(start, [this](const XmlHandle& element) {
-        const WideText name = getElementName(&element);
-        std::wstring id;
-        if (name && getAttributeText(&element, idAttribute, id))
-            elements.try_emplace(keyOf(name.get(), id.c_str()), element);
-        return name != nullptr;
+// In the order of the search, of equals the first stays. A table without some elements would hide
+// them from every later question.
+void CElementIndex::build(XmlHandle start) {
+    elements.clear();
+    visitElements(start, [this](XmlHandle element) {
+        const WideText name = getElementNameOrThrow(element);
+        const WideText id = getAttributeCopyOrThrow(idAttribute, element);
+        if (name && id)
+            elements.try_emplace(keyOf(name.get(), id.get()), element);
     });
-    return complete;
+    complete = true;
 }

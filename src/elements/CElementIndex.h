@@ -10,14 +10,15 @@
 /// first question. Valid as long as the document's elements and their ids stay as they are.
 class CElementIndex {
 public:
-    /// The first element below `start`, in document order, with this name and `Id`; null if none,
-    /// and when memory is exhausted. `start` is the same node at every call until clear.
+    /// The first element below `start`, in document order, with this name and `Id`; null if none.
+    /// `start` is the same node at every call until clear. Exhausted memory leaves as
+    /// std::bad_alloc.
     XmlHandlePtr find(const wchar_t* elementName, const wchar_t* id, const XmlHandle* start);
 
     void clear();
 
 private:
-    bool build(const XmlHandle& start);
+    void build(XmlHandle start);
 
     bool complete = false;
     std::unordered_map<std::wstring, XmlHandle> elements;

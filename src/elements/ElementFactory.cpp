@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "elements/CDirectoryElement.h"
+#include "elements/MakingScope.h"
 #include "engine/CContext.h"
 #include "engine/CProductElement.h"
 #include "expression/CVariableElement.h"
@@ -26,10 +27,12 @@
 #include "motion/CServiceControlMtElement.h"
 #include "motion/CShellExcuteMtElement.h"
 #include "motion/CShortcutMtElement.h"
+#include "system/Exhaustion.h"
 
 namespace {
 
 std::wstring lastCreateError;
+bool ranShort = false;
 
 template <class Pointer, class Element>
 Pointer makeFromNode(const XmlHandle& node, CContext& context) {
@@ -92,51 +95,20 @@ const ReferenceKind* findReference(const wchar_t* name) {
     return nullptr;
 }
 
-/// Making an element can need others: a parent, or a directory that a text refers to. A script in
-/// which they need each other without end, or many times over at each of many levels, must fail and
-/// exhaust neither the stack nor the day. So one element may need only so many, and so deep; when
-/// it needs more, it fails, and with it all that were being made for its sake.
-class MakingScope {
-public:
-    MakingScope() {
-        if (depth++ == 0)
-            made = 0;
-        ++made;
-        if (depth > maxDepth)
-            made = maxElements + 1;
-    }
-    MakingScope(const MakingScope&) = delete;
-    MakingScope& operator=(const MakingScope&) = delete;
-    ~MakingScope() { --depth; }
-
-    void check() const {
-        if (made > maxElements)
-            throw std::wstring(L"Elements refer to each other without end.");
-    }
-
-private:
-    // From the deepest element through all that are around it, of which each may take both
-    // factories.
-    static constexpr size_t maxDepth = 2 * maxElementDepth;
-    static constexpr size_t maxElements = 100'000;
-
-    static inline size_t depth = 0;
-    static inline size_t made = 0;
-};
-
 /// What both factories share: reads name and `Id` of the node, and turns a thrown message into a
 /// null result. `make` gets both, the `Id` null when there is none.
 template <class Pointer, class Make>
 Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
     const MakingScope scope;
+    ranShort = false;
     try {
         if (node == nullptr)
             throw std::wstring(L"The parameter node is NULL.");
         scope.check();
-        const WideText name = getElementName(node);
+        const WideText name = getElementNameOrThrow(*node);
         if (!name)
             throw std::wstring(L"Fail to get element name.");
-        const WideText id = getAttributeCopy(idAttribute, node);
+        const WideText id = getAttributeCopyOrThrow(idAttribute, *node);
         Pointer element = make(name.get(), id.get());
         scope.check();
         return element;
@@ -201,6 +173,10 @@ std::wstring getLastCreateError() {
     return lastCreateError;
 }
 
+bool lastCreateRanShort() {
+    return ranShort;
+}
+
 MotionElementPtr createRefMotionElement(const wchar_t* elementName, const wchar_t* id,
                                         CContext& context) {
     if (elementName == nullptr || id == nullptr)
@@ -211,7 +187,8 @@ MotionElementPtr createRefMotionElement(const wchar_t* elementName, const wchar_
     try {
         return findMaker(motionMakers, reference->target->name)->byReference(id, context);
     } catch (const std::bad_alloc&) {
-        throw std::wstring(L"Insufficient memory.");
+        ranShort = true;
+        throw InsufficientMemory();
     }
 }
 

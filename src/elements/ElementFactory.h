@@ -16,6 +16,8 @@ MotionElementPtr CreateMotionElement(const XmlHandle* node, CContext& context, C
 /// The text of the last failure of a factory in this process. A success doesn't clear it, so it
 /// tells something only right after a null result.
 std::wstring getLastCreateError();
+/// Whether that failure was one of memory. As with the text, right after a null result.
+bool lastCreateRanShort();
 
 /// Makes the element that a reference stands for. Throws a message when it can't.
 MotionElementPtr createRefMotionElement(const wchar_t* elementName, const wchar_t* id,

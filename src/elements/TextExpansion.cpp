@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "elements/MakingScope.h"
 #include "engine/CContext.h"
 
 namespace {
@@ -22,17 +23,17 @@ bool resolveReference(const std::wstring& text, size_t& start, size_t end, CCont
     const std::wstring name = text.substr(start + 1, end - start - 1);
     start = none;
 
-    if (opener == L'[')
-        return !name.empty() && closer == L']' && context.getDirectory(value, name.c_str());
     if (name.empty()) {
         value = closer;
-        return closer != L'\0';
+        return opener == L'#' && closer != L'\0';
     }
-    if (closer == L']')
+    if ((opener == L'[') != (closer == L']'))
         return false;
-    if (closer != L'\0')
+    if (opener == L'#' && closer != L'\0')
         start = end;
-    return context.getVariable(value, name.c_str());
+    const bool found = opener == L'[' ? context.getDirectory(value, name.c_str())
+                                      : context.getVariable(value, name.c_str());
+    return found && MakingScope::countReference(value.size());
 }
 
 }  // namespace

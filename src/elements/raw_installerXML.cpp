@@ -7,7 +7,8 @@
 #include <cwchar>
 #include <new>
 
-#include "elements/XmlNesting.h"
+#include "elements/XmlBounds.h"
+#include "system/Exhaustion.h"
 
 struct XmlDocument : TiXmlDocument {};
 
@@ -21,26 +22,28 @@ using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 uint64_t nodesVisited = 0;
 
 /// The one way from a node of the parser to a handle.
-XmlHandlePtr makeHandle(const TiXmlNode* node) {
-    if (node == nullptr)
-        return nullptr;
-    ++nodesVisited;
+XmlHandle handleOf(const TiXmlNode* node) {
+    if (node)
+        ++nodesVisited;
     // The parser hands out const nodes of a const document; a handle may be used to set attributes.
-    return XmlHandlePtr(new (std::nothrow) XmlHandle{const_cast<TiXmlNode*>(node)});
+    return {const_cast<TiXmlNode*>(node)};
 }
 
-const TiXmlNode* nodeOf(const XmlHandle* handle) {
-    return handle ? handle->node : nullptr;
+XmlHandlePtr onHeap(XmlHandle handle) {
+    return XmlHandlePtr(handle ? new (std::nothrow) XmlHandle(handle) : nullptr);
 }
 
-const TiXmlElement* elementOf(const XmlHandle* handle) {
-    const TiXmlNode* node = nodeOf(handle);
-    return node ? node->ToElement() : nullptr;
+XmlHandle valueOf(const XmlHandle* handle) {
+    return handle ? *handle : XmlHandle();
+}
+
+TiXmlElement* elementOf(XmlHandle handle) {
+    return handle ? handle.node->ToElement() : nullptr;
 }
 
 /// The value of an attribute; null when there is none.
-const char* findAttribute(const XmlHandle* handle, const wchar_t* attributeName) {
-    const NarrowText name = toNarrowText(attributeName);
+const char* findAttribute(const wchar_t* attributeName, XmlHandle handle) {
+    const NarrowText name = toNarrowTextOrThrow(attributeName);
     const TiXmlElement* element = elementOf(handle);
     return name && element ? element->Attribute(name.get()) : nullptr;
 }
@@ -79,14 +82,14 @@ std::string normalizeLineEnds(const std::string& bytes) {
     return text;
 }
 
-/// Parses the very text whose nesting was tested, which ends at the first NUL.
+/// Parses the very text that was tested for its bounds, which ends at the first NUL.
 bool parse(XmlDocument& document, std::string text) {
     document.Clear();
     // A character of UTF-8 that is cut off at the end leads the parser up to three bytes beyond it:
     // it must find more NULs there.
     text.resize(std::strlen(text.c_str()));
     text.append(3, '\0');
-    if (findNestedBeyond(text.c_str(), maxElementDepth) != nullptr)
+    if (findExcess(text.c_str()))
         return false;
     document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     return !document.Error();
@@ -99,11 +102,7 @@ void XmlDocumentDeleter::operator()(XmlDocument* document) const {
 }
 
 XmlDocumentPtr makeDocument() {
-    try {
-        return XmlDocumentPtr(new XmlDocument);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return nullIfExhausted([] { return XmlDocumentPtr(new XmlDocument); });
 }
 
 XmlDocumentPtr openDocument(const wchar_t* fileName) {
@@ -139,68 +138,93 @@ XmlHandlePtr copyHandle(const XmlHandle& handle) {
     return XmlHandlePtr(new (std::nothrow) XmlHandle(handle));
 }
 
+XmlHandle rootElementOf(const XmlDocument& document) {
+    return handleOf(document.FirstChildElement());
+}
+
+XmlHandle firstChildOf(XmlHandle handle) {
+    return handleOf(handle ? handle.node->FirstChildElement() : nullptr);
+}
+
+XmlHandle firstChildOf(XmlHandle handle, const wchar_t* name) {
+    const NarrowText narrow = toNarrowTextOrThrow(name);
+    return handleOf(handle && narrow ? handle.node->FirstChildElement(narrow.get()) : nullptr);
+}
+
+XmlHandle nextSiblingOf(XmlHandle handle) {
+    return handleOf(handle ? handle.node->NextSiblingElement() : nullptr);
+}
+
+XmlHandle parentOf(XmlHandle handle) {
+    return handleOf(handle ? handle.node->Parent() : nullptr);
+}
+
+WideText getElementNameOrThrow(XmlHandle handle) {
+    const TiXmlElement* element = elementOf(handle);
+    return element ? toWideTextOrThrow(element->Value()) : nullptr;
+}
+
+WideText getAttributeCopyOrThrow(const wchar_t* attributeName, XmlHandle handle) {
+    return toWideTextOrThrow(findAttribute(attributeName, handle));
+}
+
 XmlHandlePtr getRootElement(const XmlDocument& document) {
-    return makeHandle(document.FirstChildElement());
+    return onHeap(rootElementOf(document));
 }
 
 XmlHandlePtr getFirstChildElement(const XmlHandle* handle) {
-    const TiXmlNode* node = nodeOf(handle);
-    return node ? makeHandle(node->FirstChildElement()) : nullptr;
+    return onHeap(firstChildOf(valueOf(handle)));
 }
 
 XmlHandlePtr getFirstChildElementNamed(const XmlHandle* handle, const wchar_t* name) {
-    const NarrowText narrow = toNarrowText(name);
-    const TiXmlNode* node = nodeOf(handle);
-    return narrow && node ? makeHandle(node->FirstChildElement(narrow.get())) : nullptr;
+    return nullIfExhausted([&] { return onHeap(firstChildOf(valueOf(handle), name)); });
 }
 
 XmlHandlePtr getNextSiblingElement(const XmlHandle* handle) {
-    const TiXmlNode* node = nodeOf(handle);
-    return node ? makeHandle(node->NextSiblingElement()) : nullptr;
+    return onHeap(nextSiblingOf(valueOf(handle)));
 }
 
 XmlHandlePtr getNextSiblingElementNamed(const XmlHandle* handle, const wchar_t* name) {
     const NarrowText narrow = toNarrowText(name);
-    const TiXmlNode* node = nodeOf(handle);
-    return narrow && node ? makeHandle(node->NextSiblingElement(narrow.get())) : nullptr;
+    const XmlHandle from = valueOf(handle);
+    return onHeap(handleOf(narrow && from ? from.node->NextSiblingElement(narrow.get()) : nullptr));
 }
 
 size_t countChildElements(const XmlHandle* handle) {
     size_t count = 0;
-    for (XmlHandlePtr child = getFirstChildElement(handle); child;
-         child = getNextSiblingElement(child.get()))
+    for (XmlHandle child = firstChildOf(valueOf(handle)); child; child = nextSiblingOf(child))
         ++count;
     return count;
 }
 
 XmlHandlePtr getParentNode(const XmlHandle* handle) {
-    const TiXmlNode* node = nodeOf(handle);
-    return node ? makeHandle(node->Parent()) : nullptr;
+    return onHeap(parentOf(valueOf(handle)));
 }
 
 XmlHandlePtr asElement(const XmlHandle* handle) {
-    return makeHandle(elementOf(handle));
+    return onHeap(handleOf(elementOf(valueOf(handle))));
 }
 
 WideText getElementName(const XmlHandle* handle) {
-    const TiXmlElement* element = elementOf(handle);
-    return element ? toWideText(element->Value()) : nullptr;
+    return nullIfExhausted([handle] { return getElementNameOrThrow(valueOf(handle)); });
 }
 
 uint32_t getElementLine(const XmlHandle* handle) {
-    const TiXmlElement* element = elementOf(handle);
+    const TiXmlElement* element = elementOf(valueOf(handle));
     return element ? static_cast<uint32_t>(element->Row()) : 0;
 }
 
 void getNodeName(const XmlHandle* handle, std::wstring& name) {
-    const TiXmlNode* node = nodeOf(handle);
-    if (const WideText wide = node ? toWideText(node->Value()) : nullptr)
+    const XmlHandle named = valueOf(handle);
+    if (const WideText wide = named ? toWideText(named.node->Value()) : nullptr)
         name = wide.get();
 }
 
 bool getAttributeText(const XmlHandle* handle, const wchar_t* attributeName, std::wstring& value) {
     value.clear();
-    const char* narrow = findAttribute(handle, attributeName);
+    const NarrowText name = toNarrowText(attributeName);
+    const TiXmlElement* element = elementOf(valueOf(handle));
+    const char* narrow = name && element ? element->Attribute(name.get()) : nullptr;
     if (narrow == nullptr)
         return false;
     if (const WideText wide = toWideText(narrow))
@@ -209,14 +233,13 @@ bool getAttributeText(const XmlHandle* handle, const wchar_t* attributeName, std
 }
 
 WideText getAttributeCopy(const wchar_t* attributeName, const XmlHandle* handle) {
-    const char* narrow = findAttribute(handle, attributeName);
-    return narrow ? toWideText(narrow) : nullptr;
+    return nullIfExhausted([&] { return getAttributeCopyOrThrow(attributeName, valueOf(handle)); });
 }
 
 bool setAttributeText(const XmlHandle* handle, const wchar_t* attributeName, const wchar_t* value) {
     const NarrowText name = toNarrowText(attributeName);
     const NarrowText narrow = toNarrowText(value);
-    TiXmlElement* element = handle && handle->node ? handle->node->ToElement() : nullptr;
+    TiXmlElement* element = elementOf(valueOf(handle));
     if (!name || !narrow || !element)
         return false;
     element->SetAttribute(name.get(), narrow.get());
@@ -238,14 +261,11 @@ XmlHandlePtr findElementRecursive(const wchar_t* elementName, const wchar_t* att
     return nullptr;
 }
 
-bool visitElements(const XmlHandle& start, const std::function<bool(const XmlHandle&)>& visit) {
-    for (TiXmlElement* child = start.node->FirstChildElement(); child;
-         child = child->NextSiblingElement()) {
-        ++nodesVisited;
-        if (const XmlHandle handle{child}; !visit(handle) || !visitElements(handle, visit))
-            return false;
+void visitElements(XmlHandle start, const std::function<void(XmlHandle)>& visit) {
+    for (XmlHandle child = firstChildOf(start); child; child = nextSiblingOf(child)) {
+        visit(child);
+        visitElements(child, visit);
     }
-    return true;
 }
 
 XmlHandlePtr findChildByAttribute(const wchar_t* elementName, const wchar_t* attributeName,

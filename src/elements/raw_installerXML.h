@@ -24,6 +24,8 @@ using XmlDocumentPtr = std::unique_ptr<XmlDocument, XmlDocumentDeleter>;
 /// Stands for one node of a document, which owns the node.
 struct XmlHandle {
     TiXmlNode* node = nullptr;
+
+    explicit operator bool() const { return node != nullptr; }
 };
 /// Each operation that yields a node yields a handle of its own; null when there is no such node
 /// and when memory is exhausted.
@@ -33,8 +35,12 @@ using XmlHandlePtr = std::unique_ptr<XmlHandle>;
 /// script, on the host's stack: a deeper document is refused like one with a syntax error.
 inline constexpr size_t maxElementDepth = 256;
 
+/// The most attributes that an element of a script may have, a dozen of which mean anything. The
+/// parser compares each with all before it: a document with more is refused in the same way.
+inline constexpr size_t maxElementAttributes = 256;
+
 /// Reads a script. Null when the name can't be converted, and when the file can't be opened, isn't
-/// well-formed, or is nested too deeply.
+/// well-formed, is nested too deeply, or has an element of too many attributes.
 XmlDocumentPtr openDocument(const wchar_t* fileName);
 
 /// Reads a file, or a text, in place of what the document holds. After a failure the document holds
@@ -90,13 +96,25 @@ bool setAttributeText(const XmlHandle* handle, const wchar_t* attributeName, con
 XmlHandlePtr findElementRecursive(const wchar_t* elementName, const wchar_t* attributeName,
                                   const wchar_t* attributeValue, const XmlHandle* start);
 
-/// Shows `visit` each element below `start`, in document order, until it answers false. True when
-/// it has seen them all.
-bool visitElements(const XmlHandle& start, const std::function<bool(const XmlHandle&)>& visit);
+/// Shows `visit` each element below `start`, in document order.
+void visitElements(XmlHandle start, const std::function<void(XmlHandle)>& visit);
 
 /// As findElementRecursive, among the direct children alone.
 XmlHandlePtr findChildByAttribute(const wchar_t* elementName, const wchar_t* attributeName,
                                   const wchar_t* attributeValue, const XmlHandle* parent);
+
+// The engine's own way through a document. Handles are values, without a node where there is none,
+// and only texts take memory: exhausted, it leaves as std::bad_alloc, so that what can't be had is
+// never taken for what isn't there.
+XmlHandle rootElementOf(const XmlDocument& document);
+XmlHandle firstChildOf(XmlHandle handle);
+XmlHandle firstChildOf(XmlHandle handle, const wchar_t* name);
+XmlHandle nextSiblingOf(XmlHandle handle);
+XmlHandle parentOf(XmlHandle handle);
+
+/// getElementName and getAttributeCopy.
+WideText getElementNameOrThrow(XmlHandle handle);
+WideText getAttributeCopyOrThrow(const wchar_t* attributeName, XmlHandle handle);
 
 /// How many nodes this layer has looked at since the process began: a measure of its work that,
 /// unlike time, is the same on every machine.

@@ -26,10 +26,16 @@ bool CContext::load(const wchar_t* scriptPath) {
     document = openDocument(scriptPath);
     if (!document)
         return false;
-    if (createOsVariables() && createScriptVariables() && createProduct())
-        return true;
-    unload();
-    return false;
+    bool complete = false;
+    try {
+        complete = createOsVariables() && createScriptVariables() && createProduct();
+    } catch (...) {
+        unload();
+        throw;
+    }
+    if (!complete)
+        unload();
+    return complete;
 }
 
 bool CContext::unload() {
@@ -98,15 +104,14 @@ bool CContext::createOsVariables() {
 }
 
 bool CContext::createScriptVariables() {
-    const XmlHandlePtr root = getRootElement(*document);
-    for (XmlHandlePtr child = getFirstChildElement(root.get()); child;
-         child = getNextSiblingElement(child.get())) {
-        const WideText name = getElementName(child.get());
+    const XmlHandle root = rootElementOf(*document);
+    for (XmlHandle child = firstChildOf(root); child; child = nextSiblingOf(child)) {
+        const WideText name = getElementNameOrThrow(child);
         if (!name)
             continue;
         const bool isConst = wcscmp(name.get(), variableConstKind.name) == 0;
         if ((isConst || wcscmp(name.get(), variableKind.name) == 0) &&
-            !createScriptVariable(*child, isConst))
+            !createScriptVariable(child, isConst))
             return false;
     }
     return true;
@@ -138,17 +143,17 @@ bool CContext::createScriptVariable(const XmlHandle& node, bool isConst) {
 bool CContext::createProduct() {
     if (product)
         return true;
-    const XmlHandlePtr root = getRootElement(*document);
+    const XmlHandle root = rootElementOf(*document);
     if (!root) {
         lastError = L"There is no root element.";
         return false;
     }
-    const XmlHandlePtr node = getFirstChildElementNamed(root.get(), productKind.name);
+    const XmlHandle node = firstChildOf(root, productKind.name);
     if (!node) {
         lastError = L"There is no Product element.";
         return false;
     }
-    ElementPtr made = CreateElement(node.get(), *this);
+    ElementPtr made = CreateElement(&node, *this);
     if (!made) {
         lastError = getLastCreateError();
         return false;

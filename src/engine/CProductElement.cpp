@@ -10,9 +10,10 @@
 
 int32_t CProductElement::run(IterfaceContext* hostContext) {
     auto& context = static_cast<CContext&>(*hostContext);
-    const XmlHandlePtr sequenceNode = getFirstChildElementNamed(node.get(), installKind.name);
+    const XmlHandle sequenceNode = firstChildOf(handle(), installKind.name);
     clearRunState();
-    const MotionElementPtr sequence = CreateMotionElement(sequenceNode.get(), context, nullptr);
+    const MotionElementPtr sequence =
+        CreateMotionElement(sequenceNode ? &sequenceNode : nullptr, context, nullptr);
     if (!sequence) {
         setErrorText(L"Failed to create install element.");
         return -1;

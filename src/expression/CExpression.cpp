@@ -9,6 +9,7 @@
 #include "expression/CIntOperand.h"
 #include "expression/CStringOperand.h"
 #include "expression/Operations.h"
+#include "system/Exhaustion.h"
 #include "system/TextParsing.h"
 
 namespace {
@@ -42,19 +43,26 @@ const wchar_t* findWordOperator(const wchar_t* word) {
 
 }  // namespace
 
+CExpression::CExpression() try {
+} catch (const std::bad_alloc&) {
+    throw InsufficientMemory();
+}
+
 CExpression::~CExpression() {
     clear();
 }
 
 bool CExpression::evaluate(const wchar_t* expression, CContext& context) {
     try {
-        read(expression, context);
-    } catch (const std::wstring& message) {
-        throw std::wstring(L"\"") + expression + L"\" expression error:" + message;
+        try {
+            read(expression, context);
+        } catch (const std::wstring& message) {
+            throw std::wstring(L"\"") + expression + L"\" expression error:" + message;
+        }
+        return popOperand(operands)->getBoolean() != 0;
     } catch (const std::bad_alloc&) {
-        throw std::wstring(L"Insufficient memory.");
+        throw InsufficientMemory();
     }
-    return popOperand(operands)->getBoolean() != 0;
 }
 
 void CExpression::read(const wchar_t* expression, CContext& context) {

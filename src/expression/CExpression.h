@@ -19,7 +19,8 @@ class CContext;
 /// made until then stay.
 class CExpression {
 public:
-    CExpression() = default;
+    /// Throws a message, as evaluate does, when memory is exhausted.
+    CExpression();
     CExpression(const CExpression&) = delete;
     CExpression& operator=(const CExpression&) = delete;
     ~CExpression();

@@ -29,7 +29,7 @@ uint32_t osFact(const wchar_t* variable, const CContext& context) {
 
 CustomActionParams makeParams(const std::wstring& rootDirectory, CContext& context) {
     CustomActionParams params{};
-    copyBounded(params.applicationRootDirectory, toNarrowText(rootDirectory.c_str()).get());
+    copyBounded(params.applicationRootDirectory, toNarrowTextOrThrow(rootDirectory.c_str()).get());
     params.osMajorVersion = osFact(osMajorVersionVariable, context);
     params.osMinorVersion = osFact(osMinorVersionVariable, context);
     params.observerData = reinterpret_cast<uintptr_t>(context.subject().observerData);
@@ -53,7 +53,7 @@ std::wstring callInLibrary(const std::wstring& dllFile, const char* entryName,
     if (entry == nullptr) {
         writeLog(ERROR, "GetProcAddress ", entryName, " failed.");
         std::wstring wideName;
-        assignText(wideName, toWideText(entryName).get());
+        assignText(wideName, toWideTextOrThrow(entryName).get());
         return L"Failed to get Address(" + wideName + L").";
     }
     wchar_t entryMessage[CUSTOM_ACTION_MESSAGE_LENGTH] = {};
@@ -81,7 +81,7 @@ int32_t CCustomActionMtElement::execute(CContext& context) {
     if (!getAttributesText({&dllFile, &dllEntry, &returnKeyword, &title}, customActionKind.fetched,
                            context))
         return -1;
-    const NarrowText entryName = toNarrowText(dllEntry.c_str());
+    const NarrowText entryName = toNarrowTextOrThrow(dllEntry.c_str());
     if (!entryName)
         return 0;
     announce(ACTION_CUSTOM_ACTION, dllEntry, title, context);

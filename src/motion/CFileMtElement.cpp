@@ -60,7 +60,7 @@ int32_t CFileMtElement::execute(CContext& context) {
         return -1;
     const WideText target = joinPath(texts.path.c_str(), texts.name.c_str());
     if (!target)
-        return -1;
+        return failExhausted(context);
     if (texts.killProcess == yesKeyword)
         killRunningTarget(target.get());
     switch (context.runMode) {
@@ -77,14 +77,15 @@ int32_t CFileMtElement::execute(CContext& context) {
 int32_t CFileMtElement::install(const Texts& texts, const wchar_t* target,
                                 CContext& context) const {
     // A directory that can't be made shows up as a failure of the copy.
-    if (const WideText directory = parentDirectory(target))
+    if (const WideText directory = parentDirectoryOrThrow(target))
         createDirectories(directory.get());
     announce(ACTION_COPY_FILE, texts.name, L"", context);
 
     const WideText source = joinPath(hostProgramDirectory().c_str(), texts.source.c_str());
+    if (!source)
+        return failExhausted(context);
     const bool delayAllowed = texts.supportDelayInstall == yesKeyword;
-    const int32_t result =
-        source ? copyFileWithDelay(source.get(), target, delayAllowed) : COPY_FAILED;
+    const int32_t result = copyFileWithDelay(source.get(), target, delayAllowed);
     if (result == COPY_DONE)
         return 0;
     if (result == COPY_DELAYED) {

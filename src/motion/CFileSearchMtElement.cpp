@@ -16,7 +16,7 @@ bool satisfiesVersion(const wchar_t* file, const std::wstring& minVersion) {
         return true;
     uint64_t version = 0;
     const bool satisfied =
-        getFileVersion(file, version) && version >= parseVersionText(minVersion.c_str());
+        getFileVersionOrThrow(file, version) && version >= parseVersionText(minVersion.c_str());
     writeLog(INFO,
              satisfied ? "Satisfy min version required." : "Can't satisfy min version required.");
     return satisfied;
@@ -43,7 +43,7 @@ int32_t CFileSearchMtElement::execute(CContext& context) {
         return -1;
     const WideText file = joinPath(path.c_str(), name.c_str());
     if (!file)
-        return -1;
+        return failExhausted(context);
     if (!fileExists(file.get()) || !satisfiesVersion(file.get(), minVersion))
         return 0;
     try {

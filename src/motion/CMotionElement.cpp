@@ -8,6 +8,7 @@
 #include "logging/IterfaceObserver.h"
 #include "logging/Log.h"
 #include "motion/WalkCalls.h"
+#include "system/Exhaustion.h"
 #include "system/TextFields.h"
 
 int32_t CMotionElement::prepare(bool& descend, CContext&) {
@@ -47,10 +48,10 @@ bool CMotionElement::passesOnFilter(CContext& context) const {
 }
 
 int32_t CMotionElement::runChildren(CContext& context) {
-    XmlHandlePtr child = getFirstChildElement(node.get());
     const size_t count = countChildElements(node.get());
-    for (size_t index = 0; child; child = getNextSiblingElement(child.get()), ++index)
-        if (const int32_t failure = runChild(*child, index, count, context))
+    XmlHandle child = firstChildOf(handle());
+    for (size_t index = 0; child; child = nextSiblingOf(child), ++index)
+        if (const int32_t failure = runChild(child, index, count, context))
             return failure;
     return 0;
 }
@@ -66,7 +67,7 @@ int32_t CMotionElement::runChild(const XmlHandle& child, size_t index, size_t co
 
 // Apart from the visit, on whose stack the whole walk below stands.
 MotionElementPtr CMotionElement::makeChild(const XmlHandle& child, CContext& context) {
-    const WideText childName = getElementName(&child);
+    const WideText childName = getElementNameOrThrow(child);
     if (!childName || childName[0] == L'\0') {
         fail(describe() + L" can't get child element name.", context);
         return nullptr;
@@ -131,6 +132,11 @@ void CMotionElement::announce(ActionCode action, const std::wstring& text1,
 
 int32_t CMotionElement::fail(const std::wstring& message, CContext& context) {
     context.subject().setErrorText(message);
+    return -1;
+}
+
+int32_t CMotionElement::failExhausted(CContext& context) {
+    context.subject().setErrorInfo(ERROR_CODE_MESSAGE, {}, 0, nullptr, insufficientMemory);
     return -1;
 }
 

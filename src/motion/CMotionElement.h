@@ -51,6 +51,9 @@ protected:
     /// Records a failure that the message alone tells. The result, for a step to pass on, is -1.
     static int32_t fail(const std::wstring& message, CContext& context);
 
+    /// Records that memory is exhausted, which takes none. The result is -1.
+    static int32_t failExhausted(CContext& context);
+
     /// For the constructors of actions and of containers: throw their message when the node isn't
     /// an element of this kind.
     void requireActionKind(const ElementKind& kind) const;

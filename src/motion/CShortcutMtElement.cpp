@@ -39,7 +39,7 @@ int32_t CShortcutMtElement::execute(CContext& context) {
         return -1;
     const WideText path = joinPath(texts.path.c_str(), texts.name.c_str());
     if (!path)
-        return -1;
+        return failExhausted(context);
     const std::wstring link = path.get() + std::wstring(L".lnk");
     switch (context.runMode) {
         case RUNMODE_INSTALL:
@@ -64,7 +64,7 @@ int32_t CShortcutMtElement::create(const Texts& texts, const std::wstring& link,
     writeLog(INFO, "workDir:", texts.workingDirectory);
     writeLog(INFO, "icoFile:", texts.icoFile);
 
-    const WideText directory = parentDirectory(link.c_str());
+    const WideText directory = parentDirectoryOrThrow(link.c_str());
     if (!directory) {
         writeLog(ERROR, "Fail to get short cut path.");
         return fail(1);

@@ -101,7 +101,7 @@ bool createDirectories(const wchar_t* path) {
     std::vector<std::wstring> missing;
     std::wstring directory = path;
     while (!createDirectory(directory.c_str())) {
-        const WideText parent = parentDirectory(directory.c_str());
+        const WideText parent = parentDirectoryOrThrow(directory.c_str());
         if (!parent)
             return false;
         missing.push_back(std::exchange(directory, parent.get()));

@@ -8,7 +8,7 @@
 #include "system/TextParsing.h"
 #include "system/VersionCalls.h"
 
-bool getFileVersion(const wchar_t* path, uint64_t& version) {
+bool getFileVersionOrThrow(const wchar_t* path, uint64_t& version) {
     DWORD ignored = 0;
     const DWORD size = versionCalls.GetFileVersionInfoSizeW(path, &ignored);
     if (size == 0) {
@@ -16,8 +16,8 @@ bool getFileVersion(const wchar_t* path, uint64_t& version) {
         return false;
     }
     // A block that turns out to be unreadable is left alone and not given back.
-    std::unique_ptr<std::byte[]> block(new (std::nothrow) std::byte[size]);
-    if (!block || !versionCalls.GetFileVersionInfoW(path, 0, size, block.get())) {
+    std::unique_ptr<std::byte[]> block(new std::byte[size]);
+    if (!versionCalls.GetFileVersionInfoW(path, 0, size, block.get())) {
         writeLog(WARNNING, "Failed to GetFileVersionInfo");
         static_cast<void>(block.release());
         return false;
@@ -33,6 +33,15 @@ bool getFileVersion(const wchar_t* path, uint64_t& version) {
     writeLog(INFO, "File Version MS:", fixed.dwFileVersionMS, " LS:", fixed.dwFileVersionLS);
     version = uint64_t{fixed.dwFileVersionMS} << 32 | fixed.dwFileVersionLS;
     return true;
+}
+
+bool getFileVersion(const wchar_t* path, uint64_t& version) {
+    try {
+        return getFileVersionOrThrow(path, version);
+    } catch (const std::bad_alloc&) {
+        writeLog(WARNNING, "Failed to GetFileVersionInfo");
+        return false;
+    }
 }
 
 uint64_t parseVersionText(const wchar_t* text) {

@@ -6,6 +6,7 @@
 #include <cwchar>
 #include <new>
 
+#include "system/Exhaustion.h"
 #include "system/LocalTime.h"
 
 namespace {
@@ -45,7 +46,7 @@ std::wstring withSeparator(std::wstring path) {
     return path;
 }
 
-WideText parentDirectory(const wchar_t* path) {
+WideText parentDirectoryOrThrow(const wchar_t* path) {
     if (path == nullptr)
         return nullptr;
     size_t length = wcslen(path);
@@ -53,12 +54,14 @@ WideText parentDirectory(const wchar_t* path) {
         --length;
     if (length < 2)
         return nullptr;
-    WideText parent(new (std::nothrow) wchar_t[length]);
-    if (!parent)
-        return nullptr;
+    WideText parent(new wchar_t[length]);
     wmemcpy(parent.get(), path, length - 1);
     parent[length - 1] = L'\0';
     return parent;
+}
+
+WideText parentDirectory(const wchar_t* path) {
+    return nullIfExhausted([path] { return parentDirectoryOrThrow(path); });
 }
 
 void makeStampedName(const wchar_t* path, std::wstring& name) {

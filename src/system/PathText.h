@@ -20,6 +20,9 @@ std::wstring withSeparator(std::wstring path);
 /// first place doesn't count. Null when there is none, and when memory is exhausted.
 WideText parentDirectory(const wchar_t* path);
 
+/// The same, but for exhausted memory, which leaves as std::bad_alloc.
+WideText parentDirectoryOrThrow(const wchar_t* path);
+
 /// Puts the time stamp of this process in front of the last "." of the whole path, or behind a path
 /// without one. All calls of a process use the stamp of the first. A null path counts as empty.
 void makeStampedName(const wchar_t* path, std::wstring& name);

@@ -3,9 +3,10 @@
 #include <cstdio>
 #include <new>
 
+#include "system/Exhaustion.h"
 #include "system/TextCalls.h"
 
-WideText toWideText(const char* text) {
+WideText toWideTextOrThrow(const char* text) {
     if (text == nullptr)
         return nullptr;
     const int length = textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
@@ -14,24 +15,31 @@ WideText toWideText(const char* text) {
                     static_cast<unsigned>(GetLastError()));
         return nullptr;
     }
-    WideText wide(new (std::nothrow) wchar_t[length]);
-    if (!wide || !textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), length))
+    WideText wide(new wchar_t[length]);
+    if (!textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), length))
         return nullptr;
     return wide;
 }
 
-NarrowText toNarrowText(const wchar_t* text) {
+NarrowText toNarrowTextOrThrow(const wchar_t* text) {
     if (text == nullptr)
         return nullptr;
     const int length =
         textCalls.WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
     if (length == 0)
         return nullptr;
-    NarrowText narrow(new (std::nothrow) char[length]);
-    if (!narrow ||
-        !textCalls.WideCharToMultiByte(CP_ACP, 0, text, -1, narrow.get(), length, nullptr, nullptr))
+    NarrowText narrow(new char[length]);
+    if (!textCalls.WideCharToMultiByte(CP_ACP, 0, text, -1, narrow.get(), length, nullptr, nullptr))
         return nullptr;
     return narrow;
+}
+
+WideText toWideText(const char* text) {
+    return nullIfExhausted([text] { return toWideTextOrThrow(text); });
+}
+
+NarrowText toNarrowText(const wchar_t* text) {
+    return nullIfExhausted([text] { return toNarrowTextOrThrow(text); });
 }
 
 WideText roundTripWideText(const wchar_t* text) {

@@ -18,6 +18,10 @@ NarrowText toNarrowText(const wchar_t* text);
 /// The text as it is after a way through the active code page and back.
 WideText roundTripWideText(const wchar_t* text);
 
+/// The same, but for exhausted memory, which leaves as std::bad_alloc.
+WideText toWideTextOrThrow(const char* text);
+NarrowText toNarrowTextOrThrow(const wchar_t* text);
+
 /// Converts from the active code page to UTF-8. The results of the conversions aren't tested: what
 /// can't be converted leaves an empty text. Null for a null text and for exhausted memory.
 NarrowText ansiToUtf8(const char* text);

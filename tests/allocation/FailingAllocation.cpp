@@ -11,12 +11,13 @@ namespace {
 size_t toSucceed = 0;
 size_t toFail = 0;
 bool failed = false;
+bool spared = false;
 size_t live = 0;
 AllocationCount made = {};
 ReleaseWatch* watch = nullptr;
 
 bool mustFail() {
-    if (toFail == 0)
+    if (toFail == 0 || spared)
         return false;
     if (toSucceed > 0) {
         --toSucceed;
@@ -40,6 +41,14 @@ FailingAllocation::~FailingAllocation() {
 
 bool FailingAllocation::hasFailed() const {
     return failed;
+}
+
+SparedAllocations::SparedAllocations() {
+    spared = true;
+}
+
+SparedAllocations::~SparedAllocations() {
+    spared = false;
 }
 
 size_t liveAllocations() {

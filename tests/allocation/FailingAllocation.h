@@ -17,6 +17,15 @@ public:
     bool hasFailed() const;
 };
 
+/// For the life of the object, a test's own allocations neither fail nor count among those that do.
+class SparedAllocations {
+public:
+    SparedAllocations();
+    SparedAllocations(const SparedAllocations&) = delete;
+    SparedAllocations& operator=(const SparedAllocations&) = delete;
+    ~SparedAllocations();
+};
+
 /// Allocations that have not been released.
 size_t liveAllocations();
 

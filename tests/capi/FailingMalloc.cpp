@@ -1,7 +1,5 @@
 #include "FailingMalloc.h"
 
-#include <windows.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
@@ -9,43 +7,69 @@
 
 namespace {
 
-using Malloc = void* (*)(size_t);
-
 size_t toSucceed = 0;
 size_t toFail = 0;
 bool failed = false;
-Malloc realMalloc = nullptr;
 
-void* failingMalloc(size_t size) {
-    if (toSucceed > 0) {
-        --toSucceed;
-        return realMalloc(size);
-    }
-    if (toFail == 0)
-        return realMalloc(size);
-    --toFail;
-    failed = true;
-    return nullptr;
-}
-
+// Where the first thread stands still, while one is to.
 HANDLE hasCome = nullptr;
 HANDLE mayGo = nullptr;
-std::atomic<bool> isFirst = false;
+std::atomic<bool> isAwaited = false;
 
-void* pausedMalloc(size_t size) {
-    if (isFirst.exchange(false)) {
+bool mustFail() {
+    if (isAwaited.exchange(false)) {
         SetEvent(hasCome);
         WaitForSingleObject(mayGo, INFINITE);
     }
-    return realMalloc(size);
+    if (toSucceed > 0) {
+        --toSucceed;
+        return false;
+    }
+    if (toFail == 0)
+        return false;
+    --toFail;
+    return failed = true;
 }
 
-/// The place in the loaded library that holds the address of malloc.
-Malloc& importedMalloc() {
-    auto* const image = reinterpret_cast<std::byte*>(GetModuleHandleW(L"TEMZC.dll"));
+void* failingMalloc(size_t size) {
+    return mustFail() ? nullptr : std::malloc(size);
+}
+
+void* failingCalloc(size_t count, size_t size) {
+    return mustFail() ? nullptr : std::calloc(count, size);
+}
+
+void* failingRealloc(void* block, size_t size) {
+    return mustFail() ? nullptr : std::realloc(block, size);
+}
+
+struct Function {
+    const char* name;
+    void* failing;
+    void* real;
+};
+
+// The test and the library have one C runtime, which is the system's.
+const Function functions[] = {
+    {"malloc", reinterpret_cast<void*>(&failingMalloc), reinterpret_cast<void*>(&std::malloc)},
+    {"calloc", reinterpret_cast<void*>(&failingCalloc), reinterpret_cast<void*>(&std::calloc)},
+    {"realloc", reinterpret_cast<void*>(&failingRealloc), reinterpret_cast<void*>(&std::realloc)},
+};
+
+void setAddress(ULONGLONG& place, const void* function) {
+    DWORD protection = 0;
+    VirtualProtect(&place, sizeof place, PAGE_READWRITE, &protection);
+    place = reinterpret_cast<ULONGLONG>(function);
+    VirtualProtect(&place, sizeof place, protection, &protection);
+}
+
+/// Leads the library's imports of the functions to the failing ones, or back.
+void divert(HMODULE library, void* Function::*to) {
+    auto* const image = reinterpret_cast<std::byte*>(library);
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
     const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(image + dos->e_lfanew);
     const auto& imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    bool found = false;
     for (const auto* import =
              reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(image + imports.VirtualAddress);
          import->Name != 0; ++import) {
@@ -57,33 +81,30 @@ Malloc& importedMalloc() {
                 continue;
             const auto* name =
                 reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(image + names->u1.AddressOfData);
-            if (std::strcmp(reinterpret_cast<const char*>(name->Name), "malloc") == 0)
-                return reinterpret_cast<Malloc&>(addresses->u1.Function);
+            for (const Function& function : functions) {
+                if (std::strcmp(reinterpret_cast<const char*>(name->Name), function.name) != 0)
+                    continue;
+                setAddress(addresses->u1.Function, function.*to);
+                found = true;
+            }
         }
     }
-    throw std::logic_error("TEMZC.dll doesn't import malloc.");
-}
-
-void setImportedMalloc(Malloc function) {
-    Malloc& place = importedMalloc();
-    DWORD protection = 0;
-    VirtualProtect(&place, sizeof place, PAGE_READWRITE, &protection);
-    place = function;
-    VirtualProtect(&place, sizeof place, protection, &protection);
+    if (!found)
+        throw std::logic_error("The library imports no allocation.");
 }
 
 }  // namespace
 
-FailingMalloc::FailingMalloc(size_t succeeding, size_t failing) {
+FailingMalloc::FailingMalloc(size_t succeeding, size_t failing, HMODULE library)
+    : library(library) {
     toSucceed = succeeding;
     toFail = failing;
     failed = false;
-    realMalloc = importedMalloc();
-    setImportedMalloc(&failingMalloc);
+    divert(library, &Function::failing);
 }
 
 FailingMalloc::~FailingMalloc() {
-    setImportedMalloc(realMalloc);
+    divert(library, &Function::real);
 }
 
 bool FailingMalloc::hasFailed() const {
@@ -93,13 +114,11 @@ bool FailingMalloc::hasFailed() const {
 PausedMalloc::PausedMalloc() {
     hasCome = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     mayGo = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    isFirst = true;
-    realMalloc = importedMalloc();
-    setImportedMalloc(&pausedMalloc);
+    isAwaited = true;
 }
 
 PausedMalloc::~PausedMalloc() {
-    setImportedMalloc(realMalloc);
+    isAwaited = false;
     CloseHandle(hasCome);
     CloseHandle(mayGo);
 }

@@ -1,20 +1,26 @@
 #pragma once
 
+#include <windows.h>
+
 #include <cstddef>
 #include <cstdint>
 
-/// For the life of the object, the `failing` allocations of TEMZC.dll after the next `succeeding`
-/// ones fail. It stands in the import table of the loaded library, so that the test itself and the
-/// system go on as ever.
+/// For the life of the object, the `failing` allocations of a loaded library after the next
+/// `succeeding` ones fail. It stands in the library's import table, for all functions of the C
+/// runtime that allocate, so that the test itself and the system go on as ever.
 class FailingMalloc {
 public:
-    explicit FailingMalloc(size_t succeeding, size_t failing = 1);
+    explicit FailingMalloc(size_t succeeding, size_t failing = 1,
+                           HMODULE library = GetModuleHandleW(L"TEMZC.dll"));
     FailingMalloc(const FailingMalloc&) = delete;
     FailingMalloc& operator=(const FailingMalloc&) = delete;
     ~FailingMalloc();
 
     /// Whether an allocation has failed yet.
     bool hasFailed() const;
+
+private:
+    const HMODULE library;
 };
 
 /// For the life of the object, the first thread that allocates in TEMZC.dll stands still there
@@ -29,4 +35,7 @@ public:
     /// Whether one has come within some seconds.
     bool waitForThread() const;
     void letGo() const;
+
+private:
+    const FailingMalloc never{SIZE_MAX};
 };

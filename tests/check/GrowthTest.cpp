@@ -78,6 +78,34 @@ TEST_F(GrowthTest, DirectoriesThatNeedTooManyOthersCannotBeMade) {
     EXPECT_NE(findingsIn(directoryChainScript(50'000)).find("TZ217"), std::string::npos);
 }
 
+TEST_F(GrowthTest, TextsThatDoubleAreNotMade) {
+    const std::string front =
+        "<Script><Product><Directory Id=\"D0\" Path=\"" + std::string(500'000, 'x') + "\"/>";
+    const std::string behind =
+        "<InstallExecuteSequence><Fragment><Caution Title=\"[D8]\"/></Fragment>"
+        "</InstallExecuteSequence></Product></Script>";
+    std::string doubling;
+    for (int i = 1; i <= 40; ++i) {
+        const std::string below = "[D" + std::to_string(i - 1) + "]";
+        doubling +=
+            "<Directory Id=\"D" + std::to_string(i) + "\" Path=\"" + below + below + "\"/>\n";
+    }
+    EXPECT_NE(findingsIn(front + doubling + behind).find("TZ217"), std::string::npos);
+}
+
+TEST_F(GrowthTest, ReferencesInOneTextAreCounted) {
+    const auto script = [](size_t references) {
+        std::string text;
+        for (; references > 0; --references)
+            text += "#V";
+        return "<Script><Variable Id=\"V\" Type=\"string\" Value=\"\"/><Product>"
+               "<InstallExecuteSequence><Fragment><Caution Title=\"" +
+               text + "\"/></Fragment></InstallExecuteSequence></Product></Script>";
+    };
+    EXPECT_EQ(findingsIn(script(9'999)).find("TZ217"), std::string::npos);
+    EXPECT_NE(findingsIn(script(10'000)).find("TZ217"), std::string::npos);
+}
+
 // Each finding told its line, and counted its column from the line's start: a script in one line of
 // some megabytes took all memory, and hours.
 TEST_F(GrowthTest, AScriptInOneLineIsWalkedAlongOnce) {

@@ -52,6 +52,17 @@ TEST_F(XmlChecksTest, TellsOfNestingBeyondTheLimitAlone) {
     EXPECT_EQ(findingsIn(nested(256)).find("TZ102"), std::string::npos);
 }
 
+TEST_F(XmlChecksTest, TellsOfAttributesBeyondTheLimitAlone) {
+    const auto attributed = [](size_t count) {
+        std::string text = "<Root>\n  <Product";
+        for (size_t i = 0; i < count; ++i)
+            text += " n" + std::to_string(i) + "=\"\"";
+        return text + "/>\n</Root>";
+    };
+    EXPECT_EQ(findingsIn(attributed(257)), "2:3 TZ107 The element has more than 256 attributes.\n");
+    EXPECT_EQ(findingsIn(attributed(256)).find("TZ107"), std::string::npos);
+}
+
 TEST_F(XmlChecksTest, AScriptThatCannotBeOpenedIsNotReadable) {
     CheckRequest request;
     request.script = folder.path(L"missing.xml");

@@ -2,8 +2,8 @@
 """Holds what docs/deploy.md says of exit codes against the README's table of them.
 
 codes.py FOLDER. Each section must have a table of codes, with every code of a run once, which tells
-failures from what is none. The manifest there must say what its table does, and the playbook be the
-one that is shipped.
+failures from what is none. The manifest there must say what its table does, and what the documents show of
+a playbook stand in the one that is shipped.
 """
 import pathlib
 import re
@@ -34,6 +34,10 @@ def rows_of(text):
     return tables
 
 
+def unindented(text):
+    return "\n".join(line.strip() for line in text.splitlines())
+
+
 def main(folder):
     root = pathlib.Path(folder)
     readme = rows_of((root / "README.md").read_text())
@@ -60,9 +64,11 @@ def main(folder):
         r"InstallerReturnCode: (\d+)\n +ReturnResponse: (\w+)", document)}
     wrong += [f"winget: {code}: the manifest says {written.get(code)}, and the table {shown.get(code)}"
               for code in {*shown, *written} if f"`{written.get(code)}`" not in shown.get(code, "")]
-    playbook = re.search(r"^```yaml\n(- name: .*?)^```$", document, re.MULTILINE | re.DOTALL).group(1)
-    if playbook not in (root / "deploy/ansible/rollout.yml").read_text():
-        wrong.append("Ansible: the playbook isn't deploy/ansible/rollout.yml")
+    playbook = unindented((root / "deploy/ansible/rollout.yml").read_text())
+    for page in ("docs/deploy.md", "deploy/ansible/README.md"):
+        shown = re.findall(r"^```yaml\n(- name: .*?)^```$", (root / page).read_text(), re.MULTILINE | re.DOTALL)
+        if not shown or not all(unindented(text) in playbook for text in shown):
+            wrong.append(f"{page}: the playbook isn't deploy/ansible/rollout.yml")
     if wrong:
         print(*wrong, sep="\n", file=sys.stderr)
     return bool(wrong)

@@ -196,3 +196,21 @@ for outcome in changed ok; do
     roll_out "removed-$outcome" --limit fine01 -e temz_product_mode=uninstall
     expect "removed-$outcome" <<<"fine01 $outcome absent absent absent absent"
 done
+
+# The batch of which more than the share fails is the last one: who stands behind it isn't asked. Where no
+# more fail, the next batch has its turn.
+take_away() { # SHARE RESULT
+    roll_out "$2" --limit late02,stuck01,tried01 -e "{batch: 2, share: $1, temz_product_mode: uninstall}"
+}
+take_away 49 stopped
+expect stopped <<'END'
+late02  changed absent absent absent absent
+stuck01 failed  1.0    holder absent ?      Deleting tool.exe would fail
+tried01 unasked 2.0    2.0    2.0    2.0
+END
+take_away 50 gone-on
+expect gone-on <<'END'
+late02  ok      absent absent absent absent
+stuck01 failed  1.0    holder absent ?      Deleting tool.exe would fail
+tried01 changed absent absent absent absent
+END

@@ -2,7 +2,8 @@
 """Compares what Ansible tells of machines with what they hold.
 
 recap.py RESULT FLEET HOLDER, where the standard input has a line for each machine: its name, its recap,
-the content of its files, the value in its registry, and what its failure says.
+which is "unasked" when its batch had no turn, the content of its files, the value in its registry, and
+what its failure says.
 """
 import json
 import pathlib
@@ -13,6 +14,8 @@ FILES = ("first.txt", "tool.exe", "late.exe")
 
 
 def recap_of(machine, stats, results):
+    if machine not in stats:
+        return "unasked"
     result = results[machine]
     counted = stats[machine]
     told = "failed" if result.get("failed") else "changed" if result["changed"] else "ok"
@@ -53,7 +56,7 @@ def main(result_file, fleet, holder_file):
         found = [recap_of(machine, told["stats"], results),
                  *(content_of(prefix / "drive_c/Fleet" / name, holder) for name in FILES),
                  "?" if expected[-1] == "?" else value_of(prefix)]
-        text = results[machine].get("msg", "")
+        text = results.get(machine, {}).get("msg", "")
         if found != expected or message not in text:
             wrong = 1
             print(f"{machine}: {' '.join(found)}: {text}\n  and not {line}", file=sys.stderr)

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Holds the documents against what is there.
 
-documents.py links             each relative link leads to a file, and to a heading of it
+documents.py links [FOLDER]    each relative link of the sources, or of what lies there, leads to a file, and to
+                               a heading of it
 documents.py site SDK FOLDER   the same of the site, built in the folder, as it stands in the SDK
 documents.py blocks SDK FOLDER each block of code does what it is there for, in a tree made in the folder
 
@@ -15,23 +16,32 @@ import re
 import shutil
 import subprocess
 import sys
-import tomllib
 import urllib.parse
 import xml.etree.ElementTree
 from dataclasses import dataclass
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/*/README.md")
+PAGES = ("README.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/*.md", "bindings/*/README.md", "deploy/*/README.md",
+         "packaging/*/README.md")
 
 # Blocks that another test carries out: their page, how they begin with their fence, and the test.
 RUN_ELSEWHERE = (
+    ("README.md", "```cmake", "tests/sdk/newcomer.sh"),
+    ("README.md", "```sh", "tests/sdk/newcomer.sh"),
+    ("deploy/ansible/README.md", "```yaml", "tests/deploy/codes.py"),
     ("docs/deploy.md", "```yaml", "tests/deploy/codes.py"),
+    ("docs/deploy.md", "```yaml", "tests/deploy/winget.py"),
     ("docs/host-guide.md", "x86_64-w64-mingw32-", "tests/sdk/host-guide.sh"),
     ("docs/how-to.md", "```xml", "tests/host/HowToTest.cpp"),
     ("bindings/csharp/README.md", "```csharp", "bindings/csharp/test.sh"),
-    ("bindings/go/README.md", "```go", "bindings/go/readme.sh"),
-    ("bindings/go/README.md", "```sh", "bindings/go/readme.sh"),
-    ("bindings/rust/README.md", "```rust", "bindings/rust/tests/wrapper.rs"),
+    ("bindings/csharp/README.md", "```sh", "tests/sdk/newcomer.sh"),
+    ("bindings/go/README.md", "```go", "tests/sdk/newcomer.sh"),
+    ("bindings/go/README.md", "```sh", "tests/sdk/newcomer.sh"),
+    ("bindings/rust/README.md", "```rust", "tests/sdk/newcomer.sh"),
+    ("bindings/rust/README.md", "```sh", "tests/sdk/newcomer.sh"),
+    ("bindings/rust/README.md", "```toml", "tests/sdk/newcomer.sh"),
+    ("packaging/nuget/README.md", "```c", "tests/sdk/nuget.sh"),
+    ("packaging/nuget/README.md", "```sh", "tests/sdk/nuget.sh"),
 )
 
 failures = []
@@ -41,9 +51,9 @@ def fail(place, what):
     failures.append(f"{place}: {what}")
 
 
-def pages():
-    found = sorted({path for pattern in PAGES for path in ROOT.glob(pattern)})
-    return [(path.relative_to(ROOT).as_posix(), path.read_text(encoding="utf-8")) for path in found]
+def pages(root=ROOT):
+    found = sorted({path for pattern in PAGES for path in root.glob(pattern)})
+    return [(path.relative_to(root).as_posix(), path.read_text(encoding="utf-8")) for path in found]
 
 
 @dataclass
@@ -99,8 +109,8 @@ def anchors(prose):
     return found
 
 
-def check_links():
-    split_pages = {name: split(name, markdown) for name, markdown in pages()}
+def check_links(root=ROOT):
+    split_pages = {name: split(name, markdown) for name, markdown in pages(root)}
     headings = {name: anchors(prose) for name, (_, prose) in split_pages.items()}
     count = 0
     for name, (_, prose) in split_pages.items():
@@ -112,7 +122,7 @@ def check_links():
                     continue
                 count += 1
                 file = os.path.normpath(os.path.join(os.path.dirname(name), path)) if path else name
-                if not (ROOT / file).exists():
+                if not (root / file).exists():
                     fail(f"{name}:{number}", f"There is no {file}.")
                 elif anchor and anchor not in headings.get(file, ()):
                     fail(f"{name}:{number}", f"{file} has no heading #{anchor}.")
@@ -275,10 +285,6 @@ class Tree:
         (self.folder / "CMakeLists.txt").write_text(beginning + text)
         return self.run_sh(f"cmake -G Ninja -D CMAKE_TOOLCHAIN_FILE='{ROOT}/cmake/mingw-w64.cmake' "
                            f"-D TEMZ_DIR='{self.sdk}/lib/cmake/TEMZ' -B build/cmake && cmake --build build/cmake")
-
-    def run_toml(self, text):
-        crate = self.sdk / tomllib.loads(text)["dependencies"]["temz"]["path"] / "Cargo.toml"
-        return "" if crate.is_file() else f"There is no {crate}."
 
 
 def kind(block):

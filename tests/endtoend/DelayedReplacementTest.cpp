@@ -5,12 +5,14 @@
 
 #include "support/HostTest.h"
 #include "support/LockedFile.h"
+#include "support/LogFile.h"
 #include "support/Requirements.h"
 #include "support/Restart.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
+using testing::StartsWith;
 
 namespace {
 
@@ -76,7 +78,55 @@ TEST_F(DelayedReplacementTest, IsOvertakenByAReplacementAtOnce) {
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "newer")));
 }
 
+TEST_F(DelayedReplacementTest, IsOfTheLastVersionThatWasInstalledBeforeTheRestart) {
+    ASSERT_TRUE(loadFile("new", delayed));
+    lock.emplace(app(L"a.txt"));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
+
+    context->unload();
+    ASSERT_TRUE(loadFile("newer", delayed));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
+
+    lock.reset();
+    EXPECT_TRUE(product().rebootRequired);
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "old"), Pair(L"a.txt!@#$%", "newer")));
+    restart();
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "newer")));
+    EXPECT_FALSE(pendingReplacements());
+}
+
+// The staged file is cleared away ahead of each attempt.
+TEST_F(DelayedReplacementTest, IsLostWhenTheNextVersionCannotBeCopied) {
+    ASSERT_TRUE(loadFile("new", delayed));
+    lock.emplace(app(L"a.txt"));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
+
+    context->unload();
+    ASSERT_TRUE(
+        load(componentScript("<File Name='a.txt' Source='lacking' SupportDelayInstall='yes'/>")));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), ERROR_FILE_NOT_FOUND);
+
+    lock.reset();
+    EXPECT_FALSE(product().rebootRequired);
+    restart();
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "old")));
+}
+
+TEST_F(DelayedReplacementTest, IsMadeEvenIfTheFileCannotBeRemovedBeforeTheRestart) {
+    ASSERT_TRUE(loadFile("new", delayed));
+    lock.emplace(app(L"a.txt"));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
+
+    EXPECT_EQ(run(RUNMODE_UNINSTALL), -1);
+
+    lock.reset();
+    EXPECT_FALSE(product().rebootRequired);
+    restart();
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "new")));
+}
+
 TEST_F(DelayedReplacementTest, BringsTheFileBackWhenTheProductIsRemovedBeforeTheRestart) {
+    const LogFile log;
     ASSERT_TRUE(loadFile("new", delayed));
     lock.emplace(app(L"a.txt"));
     EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
@@ -84,9 +134,42 @@ TEST_F(DelayedReplacementTest, BringsTheFileBackWhenTheProductIsRemovedBeforeThe
 
     EXPECT_EQ(run(RUNMODE_UNINSTALL), 0);
 
+    EXPECT_FALSE(product().rebootRequired);
+    EXPECT_THAT(log.lines(), ElementsAre(StartsWith("[WARNNING] Succeed to MoveFileEx, file="),
+                                         "[WARNNING] delete file " + narrow(app(L"a.txt"))));
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt!@#$%", "new")));
     restart();
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "new")));
+}
+
+TEST_F(DelayedReplacementTest, BringsNothingBackWhenTheProductIsRemovedAndInstalledAgain) {
+    ASSERT_TRUE(loadFile("new", delayed));
+    lock.emplace(app(L"a.txt"));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
+    lock.reset();
+
+    EXPECT_EQ(run(RUNMODE_UNINSTALL), 0);
+    context->unload();
+    ASSERT_TRUE(loadFile("newer", delayed));
+    EXPECT_EQ(run(RUNMODE_INSTALL), 0);
+
+    EXPECT_FALSE(product().rebootRequired);
+    restart();
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "newer")));
+}
+
+TEST_F(DelayedReplacementTest, BringsNothingBackWhenTheDirectoryIsRemoved) {
+    ASSERT_TRUE(
+        load(componentScript(file(L"a.txt", "new", delayed) +
+                             "<RemoveDirectory On='uninstall' Path='" + narrow(app()) + "'/>")));
+    lock.emplace(app(L"a.txt"));
+    EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
+    lock.reset();
+
+    EXPECT_EQ(run(RUNMODE_UNINSTALL), 0);
+
+    restart();
+    EXPECT_FALSE(exists(app()));
 }
 
 TEST_F(DelayedReplacementTest, IsNotTriedUnlessTheScriptAllowsIt) {

@@ -163,8 +163,9 @@ TEST_F(PendingFileTest, ComesBackAfterAnUninstallWhichWarnsOfThat) {
     EXPECT_EQ(run.error, "temz: The next restart brings " + utf8(app(L"a.txt")) +
                              " back, which waits for it since it was replaced. --drop-pending "
                              "takes that back.\n");
-    EXPECT_NE(pendingReplacements(), others);
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt!@#$%", "new")));
+    restart();
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "new")));
 }
 
 TEST_F(PendingFileTest, IsTakenBackAloneWhereThatIsAsked) {
@@ -174,6 +175,48 @@ TEST_F(PendingFileTest, IsTakenBackAloneWhereThatIsAsked) {
     EXPECT_EQ(run.error,
               "temz: " + utf8(app(L"a.txt")) + " no longer waits for the next restart.\n");
     EXPECT_EQ(pendingReplacements(), others);
+    EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(PendingFileTest, StaysAwayWhereTheUninstallRemovesTheDirectory) {
+    writeScript(file("a.txt") + "<RemoveDirectory Path='" + utf8(folder.path(L"app")) + "'/>");
+
+    const ProgramRun run = temz(L"uninstall install.xml");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.error, "");
+    restart();
+    EXPECT_FALSE(exists(folder.path(L"app")));
+}
+
+TEST_F(PendingFileTest, WaitsInItsNewestVersionWhenAnotherIsInstalledBeforeTheRestart) {
+    ship(L"a.txt", "newer");
+    ProgramRun run;
+    {
+        const LockedFile inUse(app(L"a.txt"));
+        run = temz(L"install install.xml");
+    }
+
+    EXPECT_EQ(run.exitCode, 3010u);
+    EXPECT_EQ(run.output,
+              "Copying a.txt\nDone: 1 action. Until the machine is restarted (Restart, not Shut "
+              "down) these wait: " +
+                  utf8(app(L"a.txt")) + ".\n");
+    restart();
+    EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "newer")));
+}
+
+TEST_F(PendingFileTest, WaitsNoLongerWhenAnotherVersionCouldBePutInPlace) {
+    ship(L"a.txt", "newer");
+
+    const ProgramRun install = temz(L"install install.xml");
+    const ProgramRun uninstall = temz(L"uninstall install.xml");
+
+    EXPECT_EQ(install.exitCode, 0u);
+    EXPECT_EQ(install.output, "Copying a.txt\nDone: 1 action.\n");
+    EXPECT_EQ(uninstall.exitCode, 0u);
+    EXPECT_EQ(uninstall.error, "");
+    restart();
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 

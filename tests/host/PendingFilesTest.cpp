@@ -46,6 +46,14 @@ TEST_F(PendingFilesTest, AreNotThoseThatOthersHaveLeft) {
     EXPECT_FALSE(isReplacementPending(target));
 }
 
+TEST_F(PendingFilesTest, AreNotThoseWhoseStagedFileIsGone) {
+    stage();
+
+    DeleteFileW(folder.path(L"a.txt!@#$%").c_str());
+
+    EXPECT_FALSE(isReplacementPending(target));
+}
+
 TEST_F(PendingFilesTest, AreTakenBackAloneAndWithTheStagedFile) {
     leave(folder.write(L"before.txt", ""), nullptr);
     const auto before = pendingReplacements();

@@ -19,7 +19,7 @@ copy="$work/a folder of another name"
 rm -rf "$copy"
 "$root/scripts/package.sh" "$work/packages"
 cd "$work/packages"
-archives=$(echo *.zip)
+archives=$(echo *.zip *.nupkg)
 for archive in $archives; do
     cmp "$archive" "../copied/$archive"
 done

@@ -14,6 +14,7 @@ unzip -q "$packages"/temz-*-win64.zip
 unzip -q "$packages"/temz-*-win64-debug.zip
 sdk=$(echo "$work"/temz-*-win64)
 version=${sdk##*/temz-} version=${version%-win64}
+. "$here/lives.sh"
 
 echo "== what is inside"
 (cd "$sdk" && sha256sum --quiet -c SHA256SUMS)
@@ -32,51 +33,36 @@ for relation in document["relationships"]:
 for package in document["packages"]:
     assert package["versionInfo"] and package["licenseDeclared"], package["name"]
 END
-
-# setup HOST LIBRARY: a folder with a host, its engine and the product, from which it is run.
-setup() {
-    rm -rf setup
-    cp -r "$sdk/examples/product/v1" setup
-    cp "$1" setup/host.exe
-    cp "$sdk/bin/$2" setup
-}
-
-# lives HOST LIBRARY TEXT ARGUMENT...: the host ends with success and tells this text.
-lives() {
-    setup "$1" "$2"
-    (cd setup && "$root/scripts/wine-run.sh" ./host.exe "${@:4}") >told </dev/null || { cat told; exit 1; }
-    grep -q "$3" told || { cat told; exit 1; }
-    echo "$1: $3"
-}
+"$root/tests/docs/documents.py" links "$sdk"
 
 echo "== find_package"
 cmake -S "$here/find-package" -B cmake -G Ninja -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_C_COMPILER=$gcc \
-    -DCMAKE_CXX_COMPILER=$gxx -DTEMZ_DIR="$sdk/lib/cmake/TEMZ" >cmake.log || { cat cmake.log; exit 1; }
+    -DCMAKE_CXX_COMPILER=$gxx -DTEMZ_DIR="$sdk/lib/cmake/TEMZ" -DSOURCES="$sdk" >cmake.log || { cat cmake.log; exit 1; }
 cmake --build cmake >cmake.log || { cat cmake.log; exit 1; }
-lives cmake/cpp_host.exe TEMZ.dll 'greeter.txt'
-lives cmake/c_host.exe TEMZC.dll 'Installed and removed'
+lives cmake/cpp_host.exe "$sdk/bin/TEMZ.dll" 'greeter.txt'
+lives cmake/c_host.exe "$sdk/bin/TEMZC.dll" 'Installed and removed'
 
 echo "== pkg-config"
 export PKG_CONFIG_PATH=$sdk/lib/pkgconfig
 [ "$(pkg-config --modversion temzc)" = "$version" ]
 $gcc "$sdk/examples/c/main.c" $(pkg-config --cflags --libs temzc) -o by-pkg-config.exe
-lives by-pkg-config.exe TEMZC.dll 'Installed and removed'
+lives by-pkg-config.exe "$sdk/bin/TEMZC.dll" 'Installed and removed'
 $gxx -static "$sdk/examples/minimal/main.cpp" "$sdk/host/SafeStart.cpp" -I"$sdk/host" \
     $(pkg-config --cflags --libs temz) -o cpp-by-pkg-config.exe
-lives cpp-by-pkg-config.exe TEMZ.dll 'greeter.txt'
+lives cpp-by-pkg-config.exe "$sdk/bin/TEMZ.dll" 'greeter.txt'
 
 echo "== plain command lines"
 $gcc "$sdk/examples/c/main.c" -I"$sdk/include" "$sdk/lib/libTEMZC.dll.a" -o plain.exe
-lives plain.exe TEMZC.dll 'Installed and removed'
+lives plain.exe "$sdk/bin/TEMZC.dll" 'Installed and removed'
 
 echo "== at run time"
 $gcc -Wall -Wextra -Werror "$here/explicit.c" -I"$sdk/include" -o explicit.exe
-lives explicit.exe TEMZC.dll 'Installed and removed'
+lives explicit.exe "$sdk/bin/TEMZC.dll" 'Installed and removed'
 
 echo "== the console host"
-lives "$sdk/bin/temz.exe" TEMZC.dll "temz $version" --version
-lives "$sdk/bin/temz.exe" TEMZC.dll '^Done: ' install install.xml --passive
-lives "$sdk/bin/temz.exe" TEMZC.dll '^Done: ' uninstall install.xml --passive
+lives "$sdk/bin/temz.exe" "$sdk/bin/TEMZC.dll" "temz $version" --version
+lives "$sdk/bin/temz.exe" "$sdk/bin/TEMZC.dll" '^Done: ' install install.xml --passive
+lives "$sdk/bin/temz.exe" "$sdk/bin/TEMZC.dll" '^Done: ' uninstall install.xml --passive
 
 echo "== an address in a crash report"
 # Where a function of the interface begins, as the library itself tells, and what debuggers make of it.

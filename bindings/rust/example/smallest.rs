@@ -11,11 +11,14 @@ impl Observer for Progress {
 }
 
 fn main() -> temz::Result<()> {
+    let remove = std::env::args().nth(1).as_deref() == Some("uninstall");
+    let mode = if remove { Mode::Uninstall } else { Mode::Install };
     let mut context = Context::new()?;
     context.load("install.xml")?;
-    let outcome = context.prepare(Mode::Install).observer(&mut Progress).run()?;
+    let outcome = context.prepare(mode).observer(&mut Progress).run()?;
     if outcome.restart() {
         println!("Restart the machine to complete this.");
     }
+    println!("Done.");
     Ok(())
 }
