@@ -11,13 +11,14 @@ size_t toSucceed = 0;
 size_t toFail = 0;
 bool failed = false;
 
-// Where the first thread stands still, while one is to.
+// The thread that is to stand still, and by what it is known that it does.
+std::atomic<DWORD> awaited = 0;
 HANDLE hasCome = nullptr;
 HANDLE mayGo = nullptr;
-std::atomic<bool> isAwaited = false;
 
 bool mustFail() {
-    if (isAwaited.exchange(false)) {
+    if (GetCurrentThreadId() == awaited) {
+        awaited = 0;
         SetEvent(hasCome);
         WaitForSingleObject(mayGo, INFINITE);
     }
@@ -114,13 +115,15 @@ bool FailingMalloc::hasFailed() const {
 PausedMalloc::PausedMalloc() {
     hasCome = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     mayGo = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    isAwaited = true;
 }
 
 PausedMalloc::~PausedMalloc() {
-    isAwaited = false;
     CloseHandle(hasCome);
     CloseHandle(mayGo);
+}
+
+void PausedMalloc::holdThisThread() const {
+    awaited = GetCurrentThreadId();
 }
 
 bool PausedMalloc::waitForThread() const {

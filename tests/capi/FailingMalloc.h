@@ -23,8 +23,7 @@ private:
     const HMODULE library;
 };
 
-/// For the life of the object, the first thread that allocates in TEMZC.dll stands still there
-/// until it is let go.
+/// Makes a thread stand still where TEMZC.dll allocates for it next, until it is let go.
 class PausedMalloc {
 public:
     PausedMalloc();
@@ -32,7 +31,9 @@ public:
     PausedMalloc& operator=(const PausedMalloc&) = delete;
     ~PausedMalloc();
 
-    /// Whether one has come within some seconds.
+    /// The calling thread is the one.
+    void holdThisThread() const;
+    /// Whether it has come there within some seconds.
     bool waitForThread() const;
     void letGo() const;
 

@@ -69,9 +69,12 @@ TEST(ThreadsTest, CallWaitsForThatOfAnotherThread) {
     temz_context* context = nullptr;
     temz_context* another = nullptr;
     ASSERT_EQ(temz_create(&context), TEMZ_OK);
-    Worker making(1, [&] { return temz_create(&another) == TEMZ_OK; });
-    Worker unloading(1, [&] { return temz_unload(context) == TEMZ_OK; });
     const PausedMalloc paused;
+    Worker making(1, [&] {
+        paused.holdThisThread();
+        return temz_create(&another) == TEMZ_OK;
+    });
+    Worker unloading(1, [&] { return temz_unload(context) == TEMZ_OK; });
 
     making.start();
     EXPECT_TRUE(paused.waitForThread());
