@@ -13,7 +13,7 @@
 #include "trace/CallEffect.h"
 #include "trace/CallFailure.h"
 
-/// One use of a call: which one, with which texts, and for the how manieth time with these.
+/// One use of a call: with which texts, and whether for the first time with these, or a later one.
 struct CallUse {
     std::string call;       ///< "file.CopyFileW"
     std::string arguments;  ///< its texts: "C:\a.txt, C:\b.txt"

@@ -24,7 +24,7 @@ struct FaultedUses {
 /// holds.
 struct FaultRow {
     const char* call;       ///< "file.CopyFileW"
-    const char* arguments;  ///< the texts of the use, with "..." for any text; "" for any
+    const char* arguments;  ///< the texts of the use; "" for any
     FaultedUses uses;
     /// What a run is told and leaves other than an undisturbed one: "- " and a line that it lacks,
     /// "+ " and one that it has in addition. For {arguments} stand those of the use, and for {line}

@@ -1,5 +1,8 @@
 #include "calls/Scenario.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "engine/CContext.h"
 #include "logging/CSubject.h"
 #include "support/RecordingObserver.h"

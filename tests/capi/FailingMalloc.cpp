@@ -1,5 +1,6 @@
 #include "FailingMalloc.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
@@ -10,7 +11,17 @@ size_t toSucceed = 0;
 size_t toFail = 0;
 bool failed = false;
 
+// The thread that is to stand still, and by what it is known that it does.
+std::atomic<DWORD> awaited = 0;
+HANDLE hasCome = nullptr;
+HANDLE mayGo = nullptr;
+
 bool mustFail() {
+    if (GetCurrentThreadId() == awaited) {
+        awaited = 0;
+        SetEvent(hasCome);
+        WaitForSingleObject(mayGo, INFINITE);
+    }
     if (toSucceed > 0) {
         --toSucceed;
         return false;
@@ -99,4 +110,27 @@ FailingMalloc::~FailingMalloc() {
 
 bool FailingMalloc::hasFailed() const {
     return failed;
+}
+
+PausedMalloc::PausedMalloc() {
+    hasCome = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    mayGo = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+}
+
+PausedMalloc::~PausedMalloc() {
+    CloseHandle(hasCome);
+    CloseHandle(mayGo);
+}
+
+void PausedMalloc::holdThisThread() const {
+    awaited = GetCurrentThreadId();
+}
+
+bool PausedMalloc::waitForThread() const {
+    constexpr DWORD patience = 10'000;
+    return WaitForSingleObject(hasCome, patience) == WAIT_OBJECT_0;
+}
+
+void PausedMalloc::letGo() const {
+    SetEvent(mayGo);
 }

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 
 /// For the life of the object, the `failing` allocations of a loaded library after the next
 /// `succeeding` ones fail. It stands in the library's import table, for all functions of the C
@@ -20,4 +21,22 @@ public:
 
 private:
     const HMODULE library;
+};
+
+/// Makes a thread stand still where TEMZC.dll allocates for it next, until it is let go.
+class PausedMalloc {
+public:
+    PausedMalloc();
+    PausedMalloc(const PausedMalloc&) = delete;
+    PausedMalloc& operator=(const PausedMalloc&) = delete;
+    ~PausedMalloc();
+
+    /// The calling thread is the one.
+    void holdThisThread() const;
+    /// Whether it has come there within some seconds.
+    bool waitForThread() const;
+    void letGo() const;
+
+private:
+    const FailingMalloc never{SIZE_MAX};
 };
