@@ -68,8 +68,8 @@ TEST_F(LogPressureTest, ManyThreadsOfAProcessLoseAndTearNoLine) {
     EXPECT_THAT(missing, IsEmpty());
 }
 
-// Two processes share the file without a word to each other: lines that both write at the same moment
-// can be lost or torn. All others aren't.
+// Two processes share the file without a word to each other: lines that both write at the same
+// moment can be lost or torn. All others aren't.
 TEST_F(LogPressureTest, TwoProcessesHarmNoMoreThanTheLinesThatTheyWriteAtOnce) {
     write({"one", "two"});
 
