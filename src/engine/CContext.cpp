@@ -2,6 +2,7 @@
 
 #include <cwchar>
 #include <optional>
+#include <utility>
 
 #include "elements/ElementFactory.h"
 #include "engine/CProductElement.h"
@@ -41,6 +42,8 @@ bool CContext::load(const wchar_t* scriptPath) {
 bool CContext::unload() {
     elementIndex.clear();
     product.reset();
+    // With its storage, which nothing releases once the host has freed the context.
+    variablesByName = {};
     variables.clear();
     document.reset();
     return true;
@@ -70,10 +73,8 @@ std::wstring CContext::getReservedText() {
 }
 
 CVariable* CContext::findVariable(const wchar_t* name) const {
-    for (const CVariablePtr& variable : variables)
-        if (wcscmp(variable->getName(), name) == 0)
-            return variable.get();
-    return nullptr;
+    const auto found = variablesByName.find(name);
+    return found == variablesByName.end() ? nullptr : found->second;
 }
 
 XmlHandlePtr CContext::findElementById(const wchar_t* elementName, const wchar_t* id) {
@@ -89,17 +90,14 @@ CSubject& CContext::subject() {
 }
 
 bool CContext::createOsVariables() {
-    variables.push_back(
-        makeOwned<CVariablePtr, CIntVariable>(osBitVariable, isNative64Bit() ? 64 : 32));
+    add(makeOwned<CVariablePtr, CIntVariable>(osBitVariable, isNative64Bit() ? 64 : 32));
     const std::optional<OsVersion> version = askOsVersion();
     if (!version) {
         lastError = L"Can't get OS Version.";
         return false;
     }
-    variables.push_back(
-        makeOwned<CVariablePtr, CIntVariable>(osMajorVersionVariable, version->major));
-    variables.push_back(
-        makeOwned<CVariablePtr, CIntVariable>(osMinorVersionVariable, version->minor));
+    add(makeOwned<CVariablePtr, CIntVariable>(osMajorVersionVariable, version->major));
+    add(makeOwned<CVariablePtr, CIntVariable>(osMinorVersionVariable, version->minor));
     return true;
 }
 
@@ -126,10 +124,10 @@ bool CContext::createScriptVariable(const XmlHandle& node, bool isConst) {
     auto* element = static_cast<CVariableElement*>(made.get());
     switch (element->getVariableType()) {
         case VARIABLE_STRING:
-            variables.push_back(makeOwned<CVariablePtr, CStringVariable>(element, isConst));
+            add(makeOwned<CVariablePtr, CStringVariable>(element, isConst));
             break;
         case VARIABLE_INT:
-            variables.push_back(makeOwned<CVariablePtr, CIntVariable>(element, isConst));
+            add(makeOwned<CVariablePtr, CIntVariable>(element, isConst));
             break;
         default:
             writeLog(WARNNING, element->describe(), " unknown variable type.");
@@ -138,6 +136,11 @@ bool CContext::createScriptVariable(const XmlHandle& node, bool isConst) {
     // A variable's element stays for good: unload releases the variable alone.
     made.release();
     return true;
+}
+
+void CContext::add(CVariablePtr variable) {
+    CVariable* const added = variables.emplace_back(std::move(variable)).get();
+    variablesByName.try_emplace(added->getName(), added);
 }
 
 bool CContext::createProduct() {

@@ -2,6 +2,8 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "elements/CElementIndex.h"
@@ -53,9 +55,12 @@ private:
     bool createScriptVariables();
     bool createProduct();
     bool createScriptVariable(const XmlHandle& node, bool isConst);
+    void add(CVariablePtr variable);
 
     XmlDocumentPtr document;
     std::unique_ptr<CProductElement> product;
     std::vector<CVariablePtr> variables;
+    // The first of each name, as the variables themselves spell it.
+    std::unordered_map<std::wstring_view, CVariable*> variablesByName;
     CElementIndex elementIndex;
 };
