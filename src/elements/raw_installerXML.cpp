@@ -2,6 +2,7 @@
 
 #include <tinyxml.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
@@ -56,39 +57,44 @@ bool hasNameAndAttribute(const XmlHandle& handle, const wchar_t* elementName,
            getAttributeText(&handle, attributeName, value) && value == attributeValue;
 }
 
-/// The bytes of a file; none when it can't be read.
+/// A character of UTF-8 that is cut off at the end of a text leads the parser up to three bytes
+/// beyond it: it must find more NULs there.
+constexpr size_t nulsBehindText = 3;
+
+/// The bytes of a file; none when it can't be read. There is room for the NULs.
 std::string readAll(std::FILE* file) {
     std::fseek(file, 0, SEEK_END);
     const long size = std::ftell(file);
     if (size <= 0)
         return {};
     std::rewind(file);
-    std::string bytes(static_cast<size_t>(size), '\0');
+    std::string bytes;
+    bytes.reserve(static_cast<size_t>(size) + nulsBehindText);
+    bytes.resize(static_cast<size_t>(size));
     if (std::fread(bytes.data(), bytes.size(), 1, file) != 1)
         return {};
     return bytes;
 }
 
 /// Every end of a line becomes a line feed, as XML demands it of a file.
-std::string normalizeLineEnds(const std::string& bytes) {
-    std::string text;
-    text.reserve(bytes.size());
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        const bool isReturn = bytes[i] == '\r';
-        text += isReturn ? '\n' : bytes[i];
-        if (isReturn && i + 1 < bytes.size() && bytes[i + 1] == '\n')
-            ++i;
+std::string withLineFeeds(std::string text) {
+    const auto isReturn = [](char character) { return character == '\r'; };
+    auto end = std::find_if(text.begin(), text.end(), isReturn);
+    for (auto next = end; next != text.end(); ++next) {
+        const bool isPair = isReturn(*next) && next + 1 != text.end() && next[1] == '\n';
+        *end++ = isReturn(*next) ? '\n' : *next;
+        if (isPair)
+            ++next;
     }
+    text.erase(end, text.end());
     return text;
 }
 
 /// Parses the very text that was tested for its bounds, which ends at the first NUL.
 bool parse(XmlDocument& document, std::string text) {
     document.Clear();
-    // A character of UTF-8 that is cut off at the end leads the parser up to three bytes beyond it:
-    // it must find more NULs there.
     text.resize(std::strlen(text.c_str()));
-    text.append(3, '\0');
+    text.append(nulsBehindText, '\0');
     if (findExcess(text.c_str()))
         return false;
     document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
@@ -117,7 +123,7 @@ bool loadDocument(XmlDocument& document, const wchar_t* fileName) try {
     if (!name)
         return false;
     const FilePtr file(std::fopen(name.get(), "rb"));
-    return file && parse(document, normalizeLineEnds(readAll(file.get())));
+    return file && parse(document, withLineFeeds(readAll(file.get())));
 } catch (const std::bad_alloc&) {
     return false;
 }

@@ -43,7 +43,7 @@ bool CContext::unload() {
     elementIndex.clear();
     product.reset();
     // With its storage, which nothing releases once the host has freed the context.
-    variablesByName = {};
+    variablesByName = decltype(variablesByName)();
     variables.clear();
     document.reset();
     return true;

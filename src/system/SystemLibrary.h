@@ -3,9 +3,11 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <type_traits>
 
 /// A library of the system that is bound at first use, by its whole path in the system directory.
-/// An import of it would be looked for in the host's folder first, where anybody may have put one.
+/// An import of it would be looked for in the host's folder first, where anybody may have put one,
+/// unless Windows keeps it at hand; and it would be loaded for scripts that don't need it.
 ///
 /// Its own calls go through no table: they are the engine's way to a call, not what a script does.
 class SystemLibrary {
@@ -31,9 +33,14 @@ struct FunctionName {
 };
 
 /// A call of a system library for a call table. Where it can't be bound it gives what such a call
-/// gives when it fails: 0.
+/// gives when it fails: 0, and of COM's an error.
 template <SystemLibrary& library, FunctionName name, class Result, class... Arguments>
 Result callSystem(Arguments... arguments) {
     const auto function = reinterpret_cast<Result (*)(Arguments...)>(library.find(name.text));
-    return function ? function(arguments...) : Result{};
+    if (function)
+        return function(arguments...);
+    if constexpr (std::is_same_v<Result, HRESULT>)
+        return E_FAIL;
+    else
+        return Result();
 }

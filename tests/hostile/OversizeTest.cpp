@@ -106,7 +106,8 @@ const Field fields[] = {
     {"src/motion/CMotionElement.cpp", "copyBounded(info.text2, text2.c_str());", 512,
      [](size_t length) { runInSequence("<Caution Title='" + narrowLetters(length) + "'/>"); }},
     {"src/motion/CCustomActionMtElement.cpp",
-     "copyBounded(params.applicationRootDirectory, toNarrowTextOrThrow(rootDirectory.c_str()).get());",
+     "copyBounded(params.applicationRootDirectory, "
+     "toNarrowTextOrThrow(rootDirectory.c_str()).get());",
      260,
      [](size_t length) {
          runInSequence("<CustomAction DllFile='none' DllEntry='none' Return='check'/>",
