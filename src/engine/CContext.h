@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "elements/CElement.h"
 #include "elements/CElementIndex.h"
 #include "elements/raw_installerXML.h"
 #include "engine/IterfaceContext.h"
@@ -48,6 +49,10 @@ public:
     /// The product as the subject of notifications. Only while a script is loaded.
     CSubject& subject();
 
+    /// Has the elements of variables, which load makes and unload leaves behind, added to a list
+    /// from now on. Where nobody keeps them they belong to nobody.
+    void keepVariableElements(std::vector<ElementPtr>& list) { keptElements = &list; }
+
 private:
     bool createOsVariables();
     bool createScriptVariables();
@@ -58,4 +63,5 @@ private:
     std::unique_ptr<CProductElement> product;
     std::vector<CVariablePtr> variables;
     CElementIndex elementIndex;
+    std::vector<ElementPtr>* keptElements = nullptr;
 };
