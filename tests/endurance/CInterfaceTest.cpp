@@ -88,14 +88,13 @@ TEST_F(CInterfaceTest, LeavesNothingOfLoadsThatFail) {
     const std::wstring bad = folder.write(
         L"bad.xml",
         "<Script><Variable Id='V' Type='string' Value='a text of 20 letters'/></Script>");
-    EXPECT_THAT(growthBy(100,
-                         [&] {
-                             temz_context* context = nullptr;
-                             temz_create(&context);
-                             EXPECT_EQ(temz_load(context, bad.c_str()), TEMZ_LOAD_FAILED);
-                             temz_free(context);
-                         }),
-                IsEmpty());
+    temz_context* context = nullptr;
+    temz_create(&context);
+
+    EXPECT_THAT(
+        growthBy(100, [&] { EXPECT_EQ(temz_load(context, bad.c_str()), TEMZ_LOAD_FAILED); }),
+        IsEmpty());
+    temz_free(context);
 }
 
 TEST_F(CInterfaceTest, LeavesNothingOfPlansAndChecks) {
