@@ -10,7 +10,8 @@ set -euo pipefail
 cd "$root"
 tests=build/release/tests
 cmake --build --preset release --target temz_check_tests temz_plan_tests temz_draft_tests \
-    temz_interruption_tests temz_endurance_tests temz_endtoend_tests temz_endtoend_tests_utf8
+    temz_interruption_tests temz_endurance_tests temz_endtoend_tests temz_endtoend_tests_utf8 \
+    temz TEMZC temz_example_action temz_example_service
 export TEMZ_WHOLE_SWEEPS=1
 scripts/wine-run.sh $tests/check/temz_check_tests.exe --gtest_brief=1 --gtest_filter='PopulationTest.*'
 scripts/wine-run.sh $tests/plan/temz_plan_tests.exe --gtest_brief=1 --gtest_filter='EqualityTest.*'
