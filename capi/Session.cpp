@@ -3,7 +3,6 @@
 #include <utility>
 #include <vector>
 
-#include "engine/CContext.h"
 #include "logging/IterfaceObserver.h"
 #include "plan/Assumptions.h"
 #include "plan/PlanSteps.h"
@@ -199,21 +198,6 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Session> Session::make() {
-    IterfaceContext* context = CreateContextObject();
-    if (context == nullptr)
-        return nullptr;
-    std::unique_ptr<Session> session(new (std::nothrow) Session(context));
-    if (!session)
-        FreeContextObject(context);
-    return session;
-}
-
-Session::~Session() {
-    unload();
-    FreeContextObject(context);
-}
-
 temz_status Session::load(const temz_char* path) {
     lastFailure.clear();
     context->lastError.clear();
@@ -221,15 +205,17 @@ temz_status Session::load(const temz_char* path) {
         if (context->load(path))
             return TEMZ_OK;
     } catch (...) {
-        context->unload();
+        unload();
         throw;
     }
+    unload();
     lastFailure = context->lastError;
     return TEMZ_LOAD_FAILED;
 }
 
 void Session::unload() {
     context->unload();
+    variableElements.clear();
     result = 0;
 }
 
@@ -254,17 +240,16 @@ temz_status Session::run(temz_mode mode) {
 
 // From within: what answers in the machine's place, the host's tracer, and what tells the steps.
 temz_status Session::plan(temz_mode mode, const temz_planner& planner) {
-    auto& engine = static_cast<CContext&>(*context);
-    const Assumptions assumptions(engine);
+    const Assumptions assumptions(*context);
     for (uint32_t i = 0; i < planner.assumption_count; ++i)
-        Assumptions::assume(engine, planner.assumptions[i].name, planner.assumptions[i].value);
+        Assumptions::assume(*context, planner.assumptions[i].name, planner.assumptions[i].value);
 
     IterfaceProduct& product = prepareProduct(mode);
     std::optional<ObserverBridge> bridge;
     if (observer)
         bridge.emplace(*this, *observer);
     PlannerBridge listener(planner);
-    PlanSteps steps(engine, listener);
+    PlanSteps steps(*context, listener);
     PlanObserver planObserver(steps, bridge ? &*bridge : nullptr);
     const ObserverScope observed(product, &planObserver);
 
@@ -282,8 +267,7 @@ temz_status Session::checkAssumption(const temz_assumption& assumption) {
     if (assumption.name == nullptr || assumption.value == nullptr)
         return TEMZ_NULL_ARGUMENT;
     lastFailure.clear();
-    switch (
-        Assumptions::check(static_cast<CContext&>(*context), assumption.name, assumption.value)) {
+    switch (Assumptions::check(*context, assumption.name, assumption.value)) {
         case Assumptions::Answer::unknownVariable:
             lastFailure = assumption.name;
             return TEMZ_NOT_FOUND;
@@ -298,7 +282,7 @@ temz_status Session::checkAssumption(const temz_assumption& assumption) {
 temz_status Session::runProduct(IterfaceProduct& product) {
     result = 0;
     try {
-        result = product.run(context);
+        result = product.run(context.get());
         return result == 0 ? TEMZ_OK : TEMZ_RUN_FAILED;
     } catch (const RunStopped&) {
         return TEMZ_STOPPED;
@@ -346,7 +330,7 @@ temz_status Session::findDirectory(const temz_char* id, std::wstring& text) {
     IterfaceProduct& product = *context->getProduct();
     // A question leaves the record of the run as it is.
     const ErrorInfo ofRun = product.errorInfo;
-    const bool found = product.getDirectory(text, id, context);
+    const bool found = product.getDirectory(text, id, context.get());
     if (!found)
         lastFailure = product.errorInfo.message;
     product.errorInfo = ofRun;

@@ -5,19 +5,19 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "engine/IterfaceContext.h"
+#include "engine/CContext.h"
 #include "logging/IterfaceProduct.h"
 
 /// What stands behind a temz_context: one engine object with its host's observer and tracer. Its
-/// operations are called when they are due; they give a status and let std::bad_alloc out.
+/// operations are called when they are due; they give a status and let std::bad_alloc out. Nothing
+/// of a script stays behind its unload, whatever the engine leaves.
 class Session {
 public:
-    /// Null when memory is exhausted.
-    static std::unique_ptr<Session> make();
+    Session() { context->keepVariableElements(variableElements); }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
-    ~Session();
 
     temz_status load(const temz_char* path);
     void unload();
@@ -43,13 +43,12 @@ public:
     uint64_t actionValue = 0;
 
 private:
-    explicit Session(IterfaceContext* context) : context(context) {}
-
     /// Makes the product ready for a run in a mode.
     IterfaceProduct& prepareProduct(temz_mode mode);
     temz_status runProduct(IterfaceProduct& product);
 
-    IterfaceContext* const context;
+    std::vector<ElementPtr> variableElements;
+    const std::unique_ptr<CContext> context = std::make_unique<CContext>();
     std::wstring lastFailure;
     int32_t result = 0;  // of the last run
 };

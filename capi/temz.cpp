@@ -17,7 +17,7 @@
 #include "capi/Shortage.h"
 
 struct temz_context {
-    std::unique_ptr<Session> session;
+    Session session;
 };
 
 namespace {
@@ -38,7 +38,7 @@ temz_status passWith(Use use, temz_context* context, Body body) {
     return gate.pass(use, [&] {
         if (context == nullptr)
             return temz_status{TEMZ_NULL_ARGUMENT};
-        return isContext(context) ? body(*context->session) : temz_status{TEMZ_BAD_CONTEXT};
+        return isContext(context) ? body(context->session) : temz_status{TEMZ_BAD_CONTEXT};
     });
 }
 
@@ -143,7 +143,7 @@ temz_status checkRun(temz_context* context, temz_mode mode, const temz_outcome* 
         return TEMZ_NULL_ARGUMENT;
     if (!isContext(context))
         return TEMZ_BAD_CONTEXT;
-    if (!context->session->isLoaded())
+    if (!context->session.isLoaded())
         return TEMZ_NOT_LOADED;
     if (!isMode(mode))
         return TEMZ_BAD_MODE;
@@ -192,9 +192,6 @@ temz_status temz_create(temz_context** context) {
     *context = nullptr;
     return gate.pass(Use::changing, [&] {
         auto made = std::make_unique<temz_context>();
-        made->session = Session::make();
-        if (!made->session)
-            return temz_status{TEMZ_NO_MEMORY};
         contexts.push_back(made.get());
         *context = made.release();
         return temz_status{TEMZ_OK};
@@ -256,8 +253,8 @@ temz_status temz_set_action_value(temz_context* context, uint64_t value) {
 temz_status temz_run(temz_context* context, temz_mode mode, temz_outcome* outcome) {
     const auto prepare = [&] { return checkRun(context, mode, outcome); };
     return gate.passRun(prepare, [&] {
-        const OutcomeScope told(*context->session, outcome);
-        return Shortage().statusOf([&] { return context->session->run(mode); });
+        const OutcomeScope told(context->session, outcome);
+        return Shortage().statusOf([&] { return context->session.run(mode); });
     });
 }
 
@@ -267,15 +264,15 @@ temz_status temz_plan(temz_context* context, temz_mode mode, const temz_planner*
     const auto prepare = [&]() -> temz_status {
         if (const temz_status status = checkRun(context, mode, outcome))
             return status;
-        if (const temz_status status = checkPlanner(*context->session, planner))
+        if (const temz_status status = checkPlanner(context->session, planner))
             return status;
         if (planner != nullptr)
             taken = readRecord(*planner);
         return TEMZ_OK;
     };
     return gate.passRun(prepare, [&] {
-        const OutcomeScope told(*context->session, outcome);
-        return Shortage().statusOf([&] { return context->session->plan(mode, taken); });
+        const OutcomeScope told(context->session, outcome);
+        return Shortage().statusOf([&] { return context->session.plan(mode, taken); });
     });
 }
 

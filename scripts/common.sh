@@ -8,9 +8,15 @@ wine_home=${TEMZ_WINE_HOME:-$root/build/wine}
 wine_environment() {
     export WINEPREFIX=$1 HOME=$wine_home/home WINEDEBUG=-all
     export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d;winedbg.exe=d'
+    # Wine takes the code page from the locale, but for UTF-8, for which a program asks by itself.
+    local locale=C.UTF-8
+    case ${TEMZ_CODE_PAGE:-} in
+        932) locale=ja_JP.UTF-8 ;;
+        936) locale=zh_CN.UTF-8 ;;
+    esac
     # The path comes first, since the shell itself looks for a locale that it is told of.
-    case ${TEMZ_LOCALE:-C.UTF-8} in C.UTF-8) ;; *) export LOCPATH=$deps/locale ;; esac
-    export LC_ALL=${TEMZ_LOCALE:-C.UTF-8}
+    [ "$locale" = C.UTF-8 ] || export LOCPATH=$deps/locale
+    export LC_ALL=$locale
     unset DISPLAY WAYLAND_DISPLAY LANG TZ
 }
 
@@ -38,13 +44,25 @@ make_template() {
     exec {lock}>&-
 }
 
-# Makes the prefix $1, a copy of the template, if it isn't there yet.
+# Makes the prefix $1, a copy of the template, if it isn't there yet. TEMZ_WINDOWS says which version
+# of Windows it is: 10.0, or else that of the template, 6.1.
 make_prefix() {
     local prefix=$1
     [ ! -e "$prefix/ready" ] || return 0
     make_template
-    rm -rf "$prefix"
-    cp -a "$wine_home/template" "$prefix"
+    rm -rf "$prefix" "$prefix.new"
+    cp -a "$wine_home/template" "$prefix.new"
+    case ${TEMZ_WINDOWS:-6.1} in
+        6.1) ;;
+        10.0)
+            (
+                wine_environment "$prefix.new"
+                wine winecfg -v win10 && wineserver -w
+            ) >"$prefix.log" 2>&1 </dev/null
+            ;;
+        *) echo "There is no Windows $TEMZ_WINDOWS here." >&2; return 1 ;;
+    esac
+    mv "$prefix.new" "$prefix"
 }
 
 # Starts the server of the prefix $1 so that it outlives its last process: a server that ends and

@@ -8,7 +8,8 @@ preset=$1
 shift
 slots=$(nproc)
 stop_slots() {
-    for ((i = 0; i < slots; i++)); do stop_prefix "$wine_home/slot$i"; done
+    local prefix
+    for prefix in "$wine_home"/slot*/; do stop_prefix "${prefix%/}"; done
 }
 trap stop_slots EXIT
 stop_slots

@@ -53,11 +53,11 @@ if [ ! -e "$tinyxml/tinyxml.h" ]; then
     rm -rf "$deps/apt/lists"
 fi
 
-# A Chinese locale of our own, for the tests under code page 936: Wine takes the code page from it.
-locale=$deps/locale/zh_CN.UTF-8
-if [ ! -d "$locale" ]; then
+# Locales of our own, for the tests under the code pages 936 and 932: Wine takes the code page from them.
+for locale in zh_CN ja_JP; do
+    [ ! -d "$deps/locale/$locale.UTF-8" ] || continue
     mkdir -p "$deps/locale"
-    localedef -i zh_CN -f UTF-8 "$locale"
-fi
+    localedef -i "$locale" -f UTF-8 "$deps/locale/$locale.UTF-8"
+done
 
 make_prefix "$wine_home/slot0"

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs one Windows program under Wine in a prefix that it has to itself while it runs.
+# Runs one Windows program under Wine in a prefix that it has to itself while it runs; as TEMZ_WINDOWS
+# 10.0, if that says so, and under the TEMZ_CODE_PAGE 932 or 936.
 # CTest starts several of these at once: each takes the first free slot.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -20,6 +21,7 @@ while [ -z "$slot" ]; do
 done
 
 prefix=$wine_home/slot$slot
+case ${TEMZ_WINDOWS:-6.1} in 6.1) ;; *) prefix=$prefix-$TEMZ_WINDOWS ;; esac
 make_prefix "$prefix"
 wine_environment "$prefix"
 # The lock belongs to this shell alone: a service that Wine starts must not inherit and keep it.

@@ -134,7 +134,10 @@ bool CContext::createScriptVariable(const XmlHandle& node, bool isConst) {
             return true;
     }
     // A variable's element stays for good: unload releases the variable alone.
-    made.release();
+    if (keptElements)
+        keptElements->push_back(std::move(made));
+    else
+        made.release();
     return true;
 }
 

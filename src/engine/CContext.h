@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "elements/CElement.h"
 #include "elements/CElementIndex.h"
 #include "elements/raw_installerXML.h"
 #include "engine/IterfaceContext.h"
@@ -50,6 +51,10 @@ public:
     /// The product as the subject of notifications. Only while a script is loaded.
     CSubject& subject();
 
+    /// Has the elements of variables, which load makes and unload leaves behind, added to a list
+    /// from now on. Where nobody keeps them they belong to nobody.
+    void keepVariableElements(std::vector<ElementPtr>& list) { keptElements = &list; }
+
 private:
     bool createOsVariables();
     bool createScriptVariables();
@@ -63,4 +68,5 @@ private:
     // The first of each name, as the variables themselves spell it.
     std::unordered_map<std::wstring_view, CVariable*> variablesByName;
     CElementIndex elementIndex;
+    std::vector<ElementPtr>* keptElements = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "FailingAllocation.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -13,6 +15,7 @@ size_t toFail = 0;
 bool failed = false;
 bool spared = false;
 size_t live = 0;
+size_t liveSize = 0;
 AllocationCount made = {};
 ReleaseWatch* watch = nullptr;
 
@@ -55,6 +58,10 @@ size_t liveAllocations() {
     return live;
 }
 
+size_t liveBytes() {
+    return liveSize;
+}
+
 AllocationCount allocationsSoFar() {
     return made;
 }
@@ -91,6 +98,7 @@ void* operator new(size_t size) {
         throw std::bad_alloc();
     std::memset(memory, freshByte, size);
     ++live;
+    liveSize += _msize(memory);
     ++made.allocations;
     made.bytes += size;
     return memory;
@@ -104,6 +112,7 @@ void operator delete(void* memory) noexcept {
     if (memory == nullptr)
         return;
     --live;
+    liveSize -= _msize(memory);
     if (watch)
         watch->note(memory);
     std::free(memory);

@@ -26,8 +26,9 @@ public:
     ~SparedAllocations();
 };
 
-/// Allocations that have not been released.
+/// Allocations that have not been released, and their bytes.
 size_t liveAllocations();
+size_t liveBytes();
 
 struct AllocationCount {
     size_t allocations;

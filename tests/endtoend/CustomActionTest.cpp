@@ -140,8 +140,8 @@ TEST_F(CustomActionTest, MustBeThere) {
 }
 
 TEST_F(CustomActionTest, IsSoughtByItsNameInTheActiveCodePage) {
-    REQUIRES_CODE_PAGE(1252, 936);
-    const std::wstring entry = GetACP() == 936 ? L"\u7A0B" : L"\u00E9";
+    REQUIRES_CODE_PAGE(1252, 932, 936, 65001);
+    const std::wstring entry = L"\u00D7";
     const LogFile log;
     ASSERT_TRUE(loadAction("DllEntry='" + narrow(entry) + "' Return='check'"));
 

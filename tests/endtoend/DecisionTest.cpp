@@ -240,13 +240,13 @@ TEST_F(DecisionTest, BuiltInVariableCannotBeAssigned) {
 }
 
 TEST_F(DecisionTest, ServesNamesAndTextsOfTheCodePage) {
-    REQUIRES_CODE_PAGE(1252, 936);
-    const std::wstring name = L"\u00E9.dll";
+    REQUIRES_CODE_PAGE(1252, 932, 936, 65001);
+    const std::wstring name = L"\u00B0.dll";
     folder.makeDirectory(L"app");
     placeVersionedFile(app(name), L"1.2.0.0");
-    const std::string id = narrow(L"\u00FC");
+    const std::string id = narrow(L"\u00D7");
     ASSERT_TRUE(loadComponent(
-        integer(id, 0) + text("Low", narrow(L"\u00E9")) + text("High", narrow(L"\u00FC")),
+        integer(id, 0) + text("Low", narrow(L"\u00B0")) + text("High", narrow(L"\u00D7")),
         "<FileSearch Name='" + narrow(name) + "' Path='" + narrow(app()) +
             "' MinVersion='1' Expression='" + id + " = 1'/>" +
             when(id + " AND ( Low L High )", file(L"a"))));
@@ -255,7 +255,7 @@ TEST_F(DecisionTest, ServesNamesAndTextsOfTheCodePage) {
     EXPECT_EQ(run(RUNMODE_INSTALL), 0);
 
     EXPECT_TRUE(exists(app(L"a")));
-    EXPECT_EQ(observer.updates.at(0).text1, L"\u00FC AND ( Low L High )");
+    EXPECT_EQ(observer.updates.at(0).text1, L"\u00D7 AND ( Low L High )");
     EXPECT_EQ(log.lines().at(2), "[INFO] " + id + " AND ( Low L High ) expression value:true");
 }
 

@@ -33,11 +33,11 @@ protected:
 };
 
 TEST_F(RegistryTest, GetsKeysAndValuesByteByByte) {
-    REQUIRES_CODE_PAGE(1252, 936);
-    const std::wstring accented = L"caf\u00e9";
+    REQUIRES_CODE_PAGE(1252, 932, 936, 65001);
+    const std::wstring notAscii = L"20 \u00B0";
     ASSERT_TRUE(load(componentScript(
         registryKey("create", L"app\\settings",
-                    "<RegistryValue Name='Path' Type='REG_SZ' Value='" + narrow(accented) +
+                    "<RegistryValue Name='Path' Type='REG_SZ' Value='" + narrow(notAscii) +
                         "'/><RegistryValue Name='Count' Type='REG_DWORD' Value='-5'/>"
                         "<RegistryKey Action='create' Key='more'>"
                         "<Condition Expression='1'>"
@@ -47,7 +47,7 @@ TEST_F(RegistryTest, GetsKeysAndValuesByteByByte) {
     EXPECT_EQ(run(RUNMODE_INSTALL), 0);
 
     EXPECT_THAT(key.keys(), ElementsAre(L"app", L"app\\settings", L"app\\settings\\more"));
-    EXPECT_EQ(stored(L"app\\settings", L"Path"), (StoredValue{REG_SZ, bytesOf(accented)}));
+    EXPECT_EQ(stored(L"app\\settings", L"Path"), (StoredValue{REG_SZ, bytesOf(notAscii)}));
     EXPECT_EQ(stored(L"app\\settings", L"Count"), (StoredValue{REG_DWORD, "\xFB\xFF\xFF\xFF"}));
     EXPECT_EQ(stored(L"app\\settings\\more", L""), (StoredValue{REG_MULTI_SZ, {"o\0n\0e\0", 6}}));
 }
