@@ -3,7 +3,7 @@
 macro(temz_begin_measured)
   if(TEMZ_COVERAGE)
     get_directory_property(unmeasured COMPILE_OPTIONS)
-    add_compile_options(-O0 -g0 --coverage -fprofile-update=atomic)
+    add_compile_options(-O0 -g0 --coverage)
   endif()
 endmacro()
 

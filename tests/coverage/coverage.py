@@ -24,7 +24,7 @@ ONLY_BY_EXCEPTION = {"=====", "%%%%%"}
 CATCH = "} catch ("
 
 SOURCE = re.compile(r"\s*-:\s+0:Source:(.*)")
-LINE = re.compile(r"\s*([^\s:]+):\s*(\d+):(.*)")
+LINE = re.compile(r"\s*([^\s:]+):\s*(\d+):")
 BLOCK = re.compile(r"\s*([^\s:]+):\s*(\d+)-block\s+\d+")
 BRANCH = re.compile(r"branch\s+\d+ (?:taken (\d+)|never executed)(.*)")
 
@@ -33,7 +33,7 @@ BRANCH = re.compile(r"branch\s+\d+ (?:taken (\d+)|never executed)(.*)")
 class Source:
     """What was run of a source, whichever objects it is compiled into."""
 
-    text: dict = field(default_factory=dict)
+    text: list
     lines: dict = field(default_factory=dict)  # number of the line -> whether it was run
     branches: dict = field(default_factory=dict)  # (number, ways, block, way) -> whether it was taken
     set_apart: set = field(default_factory=set)
@@ -49,14 +49,28 @@ class Block:
 def keep(source, blocks):
     """Takes over the decisions of one copy of a line: that of one instance of a template, say."""
     decisions = [block for block in blocks if len(block.ways) > 1]
+    # Where all else on its line has gone each way, only an exception leads to a decision never reached.
+    all_else = all(all(block.ways) for block in decisions if any(block.ways))
     for index, block in enumerate(decisions):
+        by_exception = block.only_by_exception or CATCH in source.text[block.number - 1]
+        by_exception = by_exception or (all_else and source.lines.get(block.number) and not any(block.ways))
         for way, taken in enumerate(block.ways):
             key = (block.number, len(decisions), index, way)
-            by_exception = block.only_by_exception or CATCH in source.text.get(block.number, "")
             if by_exception and not taken:
                 source.set_apart.add(key)
             else:
                 source.branches[key] = source.branches.get(key, False) or taken
+
+
+def source_of(name, sources):
+    """The source of a name in a report, which may begin at the root or at the build; none where it isn't ours."""
+    name = re.sub(r"^(?:\.\.?/)+", "", name)
+    if name.split("/")[0] not in ROOMS:
+        return None
+    if name not in sources:
+        lines = (ROOT / name).read_text().splitlines()
+        sources[name] = Source([" ".join(line.split()) for line in lines])
+    return sources[name]
 
 
 def read(report, sources):
@@ -71,16 +85,14 @@ def read(report, sources):
     for line in report.splitlines():
         if match := SOURCE.match(line):
             finish()
-            name = match.group(1).removeprefix("./")
-            source = sources[name] if name.split("/")[0] in ROOMS else None
+            source = source_of(match.group(1), sources)
         elif source is None:
             continue
         elif match := BLOCK.match(line):
             blocks.append(Block(int(match.group(2)), match.group(1) in ONLY_BY_EXCEPTION))
         elif match := LINE.match(line):
             finish()
-            count, number, text = match.group(1).rstrip("*"), int(match.group(2)), match.group(3)
-            source.text[number] = " ".join(text.split())
+            count, number = match.group(1).rstrip("*"), int(match.group(2))
             if count in ONLY_BY_EXCEPTION:
                 source.set_apart.add((number,))
             elif count != "-":
@@ -92,11 +104,11 @@ def read(report, sources):
 
 
 def read_objects(build):
-    sources = defaultdict(Source)
+    sources = {}
     for room in ROOMS:
         for notes in sorted((build / room).rglob("*.gcno")):
             answer = subprocess.run(
-                [GCOV, "-a", "-b", "-c", "-t", notes], cwd=ROOT, capture_output=True, text=True
+                [GCOV, "-a", "-b", "-c", "-t", notes], cwd=build, capture_output=True, text=True
             )
             if answer.returncode != 0:
                 sys.exit(answer.stderr)
@@ -110,11 +122,11 @@ def not_run(sources):
     for name, source in sources.items():
         for number, run in source.lines.items():
             if not run:
-                found[name, "line", source.text[number]].add(number)
+                found[name, "line", source.text[number - 1]].add(number)
         for (number, *_), taken in source.branches.items():
             # A line that wasn't run has said so of its branches.
             if not taken and source.lines.get(number, True):
-                found[name, "branch", source.text[number]].add(number)
+                found[name, "branch", source.text[number - 1]].add(number)
     return found
 
 
@@ -148,7 +160,7 @@ def print_figures(sources):
 
 def main():
     rooms = sys.argv[2:] or ROOMS
-    sources = read_objects(Path(sys.argv[1]))
+    sources = read_objects(Path(sys.argv[1]).resolve())
     print_figures(sources)
     found = {key: n for key, n in not_run(sources).items() if key[0].split("/")[0] in rooms}
     known = {key: reason for key, reason in listed().items() if key[0].split("/")[0] in rooms}
