@@ -89,6 +89,11 @@ TEST(XmlBoundsTest, DepthOfAnyBranchCounts) {
     EXPECT_TRUE(staysWithin("<r><b><c/></b><b><c/></b></r>", 3));
 }
 
+TEST(XmlBoundsTest, TextMayEndWithinAValue) {
+    for (const char* text : {"<a b=", "<a b=c", "<a b='c", "<a><b c=d"})
+        EXPECT_TRUE(staysWithin(text, 2)) << text;
+}
+
 TEST(XmlBoundsTest, MillionsOfLevelsAreNoBurden) {
     std::string text;
     for (int i = 0; i < 1'000'000; ++i)

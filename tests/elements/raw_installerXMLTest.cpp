@@ -140,6 +140,7 @@ TEST_F(OpenDocumentTest, NothingCountsBehindANul) {
 
 TEST_F(OpenDocumentTest, EveryEndOfALineBecomesALineFeed) {
     EXPECT_EQ(valueIn("<a\r\nb='1\r\n2\r3\n4\r\r\n\n5\n\r6'\r/>"), L"1\n2\n3\n4\n\n\n5\n\n6");
+    EXPECT_EQ(valueIn("<a b='1'/>\r"), L"1");
 }
 
 // The bytes of a value are text of the active code page, here 1252, whatever encoding is declared.

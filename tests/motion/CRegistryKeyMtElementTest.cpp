@@ -97,6 +97,7 @@ TEST_F(CRegistryKeyMtElementTest, KeyAloneIsCumulative) {
     EXPECT_TRUE(element.isCumulativeAttribute(L"Key"));
     for (const wchar_t* name : {L"", L"key", L"KEY", L"Ke", L"Keys", L"Root", L"Action", L"Title"})
         EXPECT_FALSE(element.isCumulativeAttribute(name)) << narrow(name);
+    EXPECT_FALSE(element.isCumulativeAttribute(nullptr));
 }
 
 TEST_F(CRegistryKeyMtElementTest, PutsOneSeparatorBehindTheKeyAroundIt) {

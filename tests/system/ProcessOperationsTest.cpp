@@ -411,6 +411,16 @@ TYPED_TEST(GetSystemMessageTest, GivesTheTextWithTheLineEndOfTheSystem) {
     EXPECT_EQ(message.substr(message.size() - 2), this->text("\r\n"));
 }
 
+TYPED_TEST(GetSystemMessageTest, LeavesTheStringWhereALengthComesWithoutAText) {
+    const FakeCall<processCalls, TypeParam::format> format([](auto...) { return DWORD{5}; });
+    typename TestFixture::Text message = this->text("before");
+
+    TypeParam::get(ERROR_ACCESS_DENIED, message);
+
+    EXPECT_EQ(message, this->text("before"));
+    EXPECT_EQ(format.count, 1);
+}
+
 TYPED_TEST(GetSystemMessageTest, LeavesTheStringForACodeWithoutText) {
     typename TestFixture::Text message = this->text("before");
 

@@ -166,6 +166,30 @@ TEST(AnsiToUtf8Test, ConvertsFromTheActiveCodePage) {
     EXPECT_STREQ(ansiToUtf8("").get(), "");
 }
 
+TEST(AnsiToUtf8Test, NullGivesNull) {
+    EXPECT_EQ(ansiToUtf8(nullptr), nullptr);
+}
+
+TEST(AnsiToUtf8Test, TakesTheTextToItsEndEachTime) {
+    const FakeToWide toWide(
+        [&](UINT page, DWORD flags, const char* text, int length, auto... rest) {
+            EXPECT_EQ(flags, 0u);
+            EXPECT_EQ(length, -1);
+            return toWide.real(page, flags, text, length, rest...);
+        });
+    const FakeToNarrow toNarrow(
+        [&](UINT page, DWORD flags, const wchar_t* text, int length, auto... rest) {
+            EXPECT_EQ(flags, 0u);
+            EXPECT_EQ(length, -1);
+            return toNarrow.real(page, flags, text, length, rest...);
+        });
+
+    EXPECT_STREQ(ansiToUtf8("abc").get(), "abc");
+
+    EXPECT_EQ(toWide.count, 2);
+    EXPECT_EQ(toNarrow.count, 2);
+}
+
 TEST(AnsiToUtf8Test, FailedConversionsGiveAnEmptyText) {
     {
         const FakeToWide convert([](auto...) { return 0; });

@@ -11,6 +11,14 @@ using testing::ElementsAre;
 
 namespace {
 
+TEST(ParseIntTextTest, NullIsNoNumber) {
+    int32_t value = 77;
+
+    EXPECT_FALSE(parseIntText(nullptr, value));
+
+    EXPECT_EQ(value, 77);
+}
+
 TEST(ParseIntTextTest, ReadsADecimalInteger) {
     const struct {
         const wchar_t* text;
