@@ -94,6 +94,11 @@ TEST(XmlBoundsTest, TextMayEndWithinAValue) {
         EXPECT_TRUE(staysWithin(text, 2)) << text;
 }
 
+TEST(XmlBoundsTest, BlankEndsAValueWithoutQuotes) {
+    EXPECT_EQ(elementOfTooManyAttributes("<a b=c d=e/>", 1), "<a b=");
+    EXPECT_EQ(elementOfTooManyAttributes("<a b=c d=e/>", 2), "");
+}
+
 TEST(XmlBoundsTest, MillionsOfLevelsAreNoBurden) {
     std::string text;
     for (int i = 0; i < 1'000'000; ++i)

@@ -269,6 +269,16 @@ TEST(CLogLineTest, WaitsForNothingWhenItIsDropped) {
     EXPECT_FALSE(LockHolder().isWaitedForIn([&] { line.reset(); }));
 }
 
+TEST(CLogLineTest, LeavesTheLockAsItFoundIt) {
+    auto& lock = memberAt<CLogFileSyn>(logWriter, 40);
+    const auto& section = memberAt<CRITICAL_SECTION>(lock, 8);
+    const LogFile log;
+
+    writeLog(INFO, "text");
+
+    EXPECT_EQ(section.RecursionCount, 0);
+}
+
 // Each of the lines could be the one that empties the file; only the first may.
 TEST(CLogLineTest, IsWrittenByOneThreadAtATime) {
     constexpr int threadCount = 8;
