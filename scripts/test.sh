@@ -34,8 +34,8 @@ scripts/ctest.sh release
 # languages and tools (label "tools") least of all, and these don't look at whose machine it is. What takes
 # long (label "long") is done with once.
 scripts/ctest.sh checked -LE 'build|tools|long'
-# The other compiler's code takes another part of the stack: its library under the same test program.
-cp build/release/tests/stack/temz_stack_tests.exe build/clang/src
+# The other compiler's code takes another part of the stack: its libraries under the same test program.
+cp build/release/tests/stack/temz_stack_tests.exe build/clang/capi/TEMZC.dll build/clang/src
 scripts/wine-run.sh build/clang/src/temz_stack_tests.exe --gtest_brief=1
 # What needs Wine without saying so fails here.
 TEMZ_TESTS_WITHOUT_WINE=1 scripts/ctest.sh release -LE 'wine|build|tools|long'
