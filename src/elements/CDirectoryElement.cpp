@@ -5,22 +5,21 @@
 #include "system/PathText.h"
 #include "system/ShellOperations.h"
 
+CDirectoryElement::CDirectoryElement(const XmlHandle& node, CContext& context)
+    : CElement(node, context, directoryKind) {}
+
+CDirectoryElement::CDirectoryElement(const wchar_t* elementName, const wchar_t* id,
+                                     CContext& context)
+    : CElement(elementName, id, context, directoryKind) {}
+
 bool CDirectoryElement::isCumulativeAttribute(const wchar_t* attributeName) const {
     return attributeName && wcscmp(attributeName, pathAttribute) == 0;
 }
 
 bool CDirectoryElement::combineWithParent(const std::wstring& parentValue,
                                           std::wstring& value) const {
-    value.insert(0, withSeparator(parentValue));
+    putInFront(value, parentValue);
     return true;
-}
-
-void CDirectoryElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, directoryKind.declared);
-}
-
-void CDirectoryElement::getDerivedAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, directoryKind.derived);
 }
 
 bool CDirectoryElement::getDefaultAttribute(AttributeRecord& record,

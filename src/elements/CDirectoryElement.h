@@ -8,11 +8,10 @@
 /// the id names, or else the enclosing directory's path.
 class CDirectoryElement final : public CElement {
 public:
-    using CElement::CElement;
+    CDirectoryElement(const XmlHandle& node, CContext& context);
+    CDirectoryElement(const wchar_t* elementName, const wchar_t* id, CContext& context);
 
     bool isCumulativeAttribute(const wchar_t* attributeName) const override;
     bool combineWithParent(const std::wstring& parentValue, std::wstring& value) const override;
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const override;
     bool getDefaultAttribute(AttributeRecord& record, const wchar_t* attributeName) const override;
 };

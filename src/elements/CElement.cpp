@@ -16,6 +16,9 @@
 
 namespace {
 
+/// What a path that is joined with the parent's is expected to come to, in characters.
+constexpr size_t usualPathLength = 260;
+
 void checkNotNull(const wchar_t* pointer, int line, const char* expression) {
     if (pointer == nullptr)
         writeLog(ERROR, ".\\raw_installerXML ", line, " ", expression, " Must be non NULL!");
@@ -39,21 +42,25 @@ void fillAttributeRecord(AttributeRecord& record, const wchar_t* name, const wch
     record.value = valueText;
 }
 
-CElement::CElement(const XmlHandle& source, CContext&) {
-    const WideText elementName = getElementNameOrThrow(source);
+CElement::CElement(const XmlHandle& source, CContext&, const ElementKind& kind)
+    : node(source), kind(&kind) {
+    const PassingText elementName(elementNameOf(source));
     if (!elementName)
         throw std::wstring(L"Can't obtain the name of the element");
     copyBounded(name, elementName.get());
-    if (const WideText elementId = getAttributeCopyOrThrow(idAttribute, source))
+    const PassingText elementId(attributeOf(source, idAttribute));
+    if (elementId)
         copyBounded(id, elementId.get());
-    node = std::make_unique<XmlHandle>(source);
 }
 
-CElement::CElement(const wchar_t* elementName, const wchar_t* elementId, CContext& context) {
-    node = context.findElementById(elementName, elementId);
-    if (!node)
+CElement::CElement(const wchar_t* elementName, const wchar_t* elementId, CContext& context,
+                   const ElementKind& kind)
+    : kind(&kind) {
+    const XmlHandlePtr found = context.findElementById(elementName, elementId);
+    if (!found)
         throw L"(" + std::wstring(elementName) + L"," + elementId + L")" +
             L" element can't create(get the node is null).";
+    node = *found;
     copyCut(name, elementName);
     copyCut(id, elementId);
 }
@@ -69,11 +76,11 @@ bool CElement::combineWithParent(const std::wstring&, std::wstring&) const {
 }
 
 void CElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    list.clear();
+    list.assign(kind->declared.begin(), kind->declared.end());
 }
 
 void CElement::getDerivedAttributes(std::vector<AttributeDeclaration>& list) const {
-    list.clear();
+    list.assign(kind->derived.begin(), kind->derived.end());
 }
 
 bool CElement::getDefaultAttribute(AttributeRecord&, const wchar_t*) const {
@@ -81,81 +88,100 @@ bool CElement::getDefaultAttribute(AttributeRecord&, const wchar_t*) const {
 }
 
 bool CElement::getAttribute(const wchar_t* attributeName, AttributeRecord& record) const {
+    const std::wstring* found = find(attributeName);
+    if (found)
+        fillAttributeRecord(record, attributeName, found->c_str());
+    return found != nullptr;
+}
+
+const std::wstring* CElement::find(const wchar_t* attributeName) const {
     const auto found = findRecord(attributes, attributeName);
-    if (found == attributes.end())
-        return false;
-    record = *found;
-    return true;
+    if (found != attributes.end())
+        return &found->value;
+    if (!kind->isTransparent || kind->declares(attributeName))
+        return nullptr;
+    if (parent)
+        return parent->find(attributeName);
+    writeLog(ERROR, describe(), " don't know its parent element object.");
+    return nullptr;
 }
 
 std::wstring CElement::describe() const {
     return std::wstring(L"(") + name + L"," + id + L")";
 }
 
-std::wstring CElement::messageOn(const wchar_t* before, const wchar_t* attributeName,
-                                 const wchar_t* behind) const {
-    return describe() + before + attributeName + behind;
+std::wstring CElement::messageOn(const Refusal& refusal, const wchar_t* attributeName) const {
+    return describe() + refusal.before + attributeName + refusal.behind;
+}
+
+AttributeRecord& CElement::addAttribute(const wchar_t* attributeName) {
+    AttributeRecord& record = attributes.emplace_back();
+    copyBounded(record.name, attributeName);
+    return record;
 }
 
 bool CElement::readDeclaredAttributes(CContext& context, std::wstring& message) {
-    std::vector<AttributeDeclaration> declarations;
-    getAttributes(declarations);
-    for (const AttributeDeclaration& declaration : declarations) {
-        const WideText own = getAttributeCopyOrThrow(declaration.name, handle());
-        if (!own) {
+    attributes.reserve(kind->declared.size() + kind->derived.size());
+    for (const AttributeDeclaration& declaration : kind->declared) {
+        const bool isCumulative = isCumulativeAttribute(declaration.name);
+        std::wstring text;
+        if (isCumulative)
+            text.reserve(usualPathLength);
+        if (!convertOrThrow(attributeOf(node, declaration.name), text)) {
             if (!declaration.required)
                 continue;
             message =
-                messageOn(L" cant get the require explicit ", declaration.name, L"attribute.");
+                messageOn({L" cant get the require explicit ", L"attribute."}, declaration.name);
             return false;
         }
-        std::wstring text = own.get();
         MakingScope::countOwn(text.size());
         if (isExpandable() && !expandText(text, context, message))
             return false;
-        if (isCumulativeAttribute(declaration.name)) {
-            const auto above = std::make_unique<AttributeRecord>();
-            std::wstring ignored;
-            if (getFromParent(*above, declaration.name, context, ignored)) {
-                MakingScope::countTaken(above->value.size());
-                combineWithParent(above->value, text);
+        if (isCumulative) {
+            Refusal ignored;
+            if (const auto* above = findInParent(declaration.name, context, ignored)) {
+                MakingScope::countTaken(above->size());
+                combineWithParent(*above, text);
             }
         }
-        fillAttributeRecord(attributes.emplace_back(), declaration.name, text.c_str());
+        addAttribute(declaration.name).value = std::move(text);
     }
     return true;
 }
 
 bool CElement::resolveDerivedAttributes(CContext& context, std::wstring& message) {
-    std::vector<AttributeDeclaration> declarations;
-    getDerivedAttributes(declarations);
-    for (const AttributeDeclaration& declaration : declarations) {
-        const auto record = std::make_unique<AttributeRecord>();
-        if (getAttribute(declaration.name, *record))
+    for (const AttributeDeclaration& declaration : kind->derived) {
+        if (find(declaration.name))
             continue;
-        if (getDefaultAttribute(*record, declaration.name) ||
-            getFromParent(*record, declaration.name, context, message)) {
-            MakingScope::countTaken(record->value.size());
-            attributes.push_back(std::move(*record));
-        } else if (declaration.required) {
-            return false;
+        AttributeRecord& record = addAttribute(declaration.name);
+        if (!getDefaultAttribute(record, declaration.name)) {
+            Refusal refusal;
+            const std::wstring* above = findInParent(declaration.name, context, refusal);
+            if (above == nullptr) {
+                attributes.pop_back();
+                if (!declaration.required)
+                    continue;
+                message = messageOn(refusal, declaration.name);
+                return false;
+            }
+            record.value = *above;
         }
+        MakingScope::countTaken(record.value.size());
     }
     return true;
 }
 
-bool CElement::getAttributesText(const std::vector<std::wstring*>& texts,
+bool CElement::getAttributesText(std::initializer_list<std::wstring*> texts,
                                  std::span<const AttributeDeclaration> declarations,
                                  CContext& context) const {
     std::wstring message;
     if (texts.size() != declarations.size())
         message = describe() + L" getAttributesText params error.";
     for (size_t i = 0; message.empty() && i < declarations.size(); ++i) {
-        AttributeRecord record;
-        if (getAttribute(declarations[i].name, record))
-            *texts[i] = record.value;
+        if (const std::wstring* found = find(declarations[i].name))
+            *texts.begin()[i] = *found;
         else if (declarations[i].required)
-            message = messageOn(L" can't get ", declarations[i].name, L" attribute.");
+            message = messageOn({L" can't get ", L" attribute."}, declarations[i].name);
     }
     context.subject().setErrorText(message);
     return message.empty();
@@ -163,28 +189,35 @@ bool CElement::getAttributesText(const std::vector<std::wstring*>& texts,
 
 bool CElement::getFromParent(AttributeRecord& record, const wchar_t* attributeName,
                              CContext& context, std::wstring& message) {
+    Refusal refusal;
+    const std::wstring* found = findInParent(attributeName, context, refusal);
+    if (found)
+        fillAttributeRecord(record, attributeName, found->c_str());
+    else
+        message = messageOn(refusal, attributeName);
+    return found != nullptr;
+}
+
+const std::wstring* CElement::findInParent(const wchar_t* attributeName, CContext& context,
+                                           Refusal& refusal) {
     if (parent == nullptr) {
-        const XmlHandle parentNode = parentOf(handle());
+        const XmlHandle parentNode = parentOf(node);
         if (!parentNode) {
-            message =
-                messageOn(L" can't get parent node when get the ", attributeName, L" attribute.");
-            return false;
+            refusal = {L" can't get parent node when get the ", L" attribute."};
+            return nullptr;
         }
         parentOnDemand = CreateElement(&parentNode, context);
         if (!parentOnDemand) {
             // To do without the parent's value is for what has none.
             if (lastCreateRanShort())
                 throw std::bad_alloc();
-            message = messageOn(L" can't create parent element when get the ", attributeName,
-                                L" attribute.");
-            return false;
+            refusal = {L" can't create parent element when get the ", L" attribute."};
+            return nullptr;
         }
         parent = parentOnDemand.get();
     }
-    if (parent->getAttribute(attributeName, record))
-        return true;
-    message = messageOn(L" can't get ", attributeName, L" attribute from  parent element.");
-    return false;
+    refusal = {L" can't get ", L" attribute from  parent element."};
+    return parent->find(attributeName);
 }
 
 bool CElement::updateAttribute(const AttributeRecord& record) {

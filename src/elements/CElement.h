@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <vector>
@@ -34,11 +35,12 @@ void fillAttributeRecord(AttributeRecord& record, const wchar_t* name, const wch
 class CElement {
 public:
     /// The element of the node `source`. Throws a message when the node has no name.
-    CElement(const XmlHandle& source, CContext& context);
+    CElement(const XmlHandle& source, CContext& context, const ElementKind& kind = noKind);
 
     /// The element that a reference means: the first below the product with this name and `Id`.
     /// Throws a message when there is none.
-    CElement(const wchar_t* elementName, const wchar_t* elementId, CContext& context);
+    CElement(const wchar_t* elementName, const wchar_t* elementId, CContext& context,
+             const ElementKind& kind = noKind);
 
     CElement(const CElement&) = delete;
     CElement& operator=(const CElement&) = delete;
@@ -59,11 +61,14 @@ public:
     /// Copies the attribute of that name; false when the element has none.
     virtual bool getAttribute(const wchar_t* attributeName, AttributeRecord& record) const;
 
+    /// The text of the attribute of that name, where it stands; null when the element has none.
+    const std::wstring* find(const wchar_t* attributeName) const;
+
     /// As the script spells them; the id is empty where there is none.
     const wchar_t* getName() const { return name; }
     const wchar_t* getId() const { return id; }
     /// Stays the element's.
-    const XmlHandle* getNode() const { return node.get(); }
+    const XmlHandle* getNode() const { return node ? &node : nullptr; }
 
     /// "(name,id)", which opens most messages.
     std::wstring describe() const;
@@ -75,7 +80,7 @@ public:
 
     /// Fetches one text for each declaration; a text whose optional attribute is absent stays as it
     /// is. The outcome goes into the product's errorInfo, which a success empties but for its code.
-    bool getAttributesText(const std::vector<std::wstring*>& texts,
+    bool getAttributesText(std::initializer_list<std::wstring*> texts,
                            std::span<const AttributeDeclaration> declarations,
                            CContext& context) const;
 
@@ -92,24 +97,28 @@ public:
     void setParent(CElement* element) { parent = element; }
 
 protected:
-    static void assignDeclarations(std::vector<AttributeDeclaration>& list,
-                                   std::span<const AttributeDeclaration> declarations) {
-        list.assign(declarations.begin(), declarations.end());
-    }
-
-    /// The node, or none.
-    XmlHandle handle() const { return node ? *node : XmlHandle(); }
-
     wchar_t name[256] = {};
     wchar_t id[256] = {};
     std::vector<AttributeRecord> attributes;
     CElement* parent = nullptr;
-    XmlHandlePtr node;
+    XmlHandle node;
+    const ElementKind* kind;  // what the class stands for
 
 private:
+    /// Why there is no answer: what is said before and behind the attribute's name.
+    struct Refusal {
+        const wchar_t* before;
+        const wchar_t* behind;
+    };
+
     /// The element's description and, between two pieces of text, the name of an attribute.
-    std::wstring messageOn(const wchar_t* before, const wchar_t* attributeName,
-                           const wchar_t* behind) const;
+    std::wstring messageOn(const Refusal& refusal, const wchar_t* attributeName) const;
+
+    AttributeRecord& addAttribute(const wchar_t* attributeName);
+
+    /// getFromParent, but for the text where it stands, and without a word made of the reason.
+    const std::wstring* findInParent(const wchar_t* attributeName, CContext& context,
+                                     Refusal& refusal);
 
     ElementPtr parentOnDemand;  // keeps a parent that was made from the XML
 };

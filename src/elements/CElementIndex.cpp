@@ -1,14 +1,16 @@
 #include "elements/CElementIndex.h"
 
+#include <cwchar>
+
 #include "elements/Vocabulary.h"
 
 namespace {
 
 /// Name and id in one key. No text of a script holds a NUL, so no two pairs share a key.
 std::wstring keyOf(const wchar_t* elementName, const wchar_t* id) {
-    std::wstring key = elementName;
-    key += L'\0';
-    key += id;
+    std::wstring key;
+    key.reserve(wcslen(elementName) + 1 + wcslen(id));
+    key.append(elementName).append(1, L'\0').append(id);
     return key;
 }
 
@@ -34,8 +36,8 @@ void CElementIndex::clear() {
 void CElementIndex::build(XmlHandle start) {
     elements.clear();
     visitElements(start, [this](XmlHandle element) {
-        const WideText name = getElementNameOrThrow(element);
-        const WideText id = getAttributeCopyOrThrow(idAttribute, element);
+        const PassingText name(elementNameOf(element));
+        const PassingText id(attributeOf(element, idAttribute));
         if (name && id)
             elements.try_emplace(keyOf(name.get(), id.get()), element);
     });

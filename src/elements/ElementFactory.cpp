@@ -82,6 +82,11 @@ constexpr Maker<ElementPtr> lookedUpMakers[] = {
     {&variableConstKind, &makeFromNode<ElementPtr, CVariableElement>},
 };
 
+/// Null when there is none.
+WideText idOf(const XmlHandle& node) {
+    return toWideTextOrThrow(attributeOf(node, idAttribute));
+}
+
 template <class Makers>
 auto findMaker(const Makers& makers, const wchar_t* name) {
     return std::find_if(std::begin(makers), std::end(makers),
@@ -95,8 +100,8 @@ const ReferenceKind* findReference(const wchar_t* name) {
     return nullptr;
 }
 
-/// What both factories share: reads name and `Id` of the node, and turns a thrown message into a
-/// null result. `make` gets both, the `Id` null when there is none.
+/// What both factories share: reads the node's name, which `make` gets, and turns a thrown message
+/// into a null result.
 template <class Pointer, class Make>
 Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
     const MakingScope scope;
@@ -105,11 +110,10 @@ Pointer makeGuarded(const wchar_t* prefix, const XmlHandle* node, Make make) {
         if (node == nullptr)
             throw std::wstring(L"The parameter node is NULL.");
         scope.check();
-        const WideText name = getElementNameOrThrow(*node);
+        const PassingText name(elementNameOf(*node));
         if (!name)
             throw std::wstring(L"Fail to get element name.");
-        const WideText id = getAttributeCopyOrThrow(idAttribute, *node);
-        Pointer element = make(name.get(), id.get());
+        Pointer element = make(name.get());
         scope.check();
         return element;
     } catch (const std::wstring& message) {
@@ -133,26 +137,26 @@ void finish(Pointer* element, CContext& context) {
 }  // namespace
 
 ElementPtr CreateElement(const XmlHandle* node, CContext& context) {
-    return makeGuarded<ElementPtr>(L"Create Element error:", node,
-                                   [&](const wchar_t* name, const wchar_t* id) -> ElementPtr {
-                                       ElementPtr element;
-                                       if (const auto* maker = findMaker(lookedUpMakers, name);
-                                           maker != std::end(lookedUpMakers))
-                                           element = maker->fromNode(*node, context);
-                                       else if (wcscmp(directoryReference.name, name) == 0)
-                                           element = createDirectoryRefElement(name, id, context);
-                                       finishElement(&element, context);
-                                       if (!element)
-                                           element = CreateMotionElement(node, context, nullptr);
-                                       if (!element)
-                                           throw getLastCreateError();
-                                       return element;
-                                   });
+    return makeGuarded<ElementPtr>(
+        L"Create Element error:", node, [&](const wchar_t* name) -> ElementPtr {
+            ElementPtr element;
+            if (const auto* maker = findMaker(lookedUpMakers, name);
+                maker != std::end(lookedUpMakers))
+                element = maker->fromNode(*node, context);
+            else if (wcscmp(directoryReference.name, name) == 0)
+                element = createDirectoryRefElement(name, idOf(*node).get(), context);
+            finishElement(&element, context);
+            if (!element)
+                element = CreateMotionElement(node, context, nullptr);
+            if (!element)
+                throw getLastCreateError();
+            return element;
+        });
 }
 
 MotionElementPtr CreateMotionElement(const XmlHandle* node, CContext& context, CElement* parent) {
     return makeGuarded<MotionElementPtr>(
-        L"Create Motion Element error:", node, [&](const wchar_t* name, const wchar_t* id) {
+        L"Create Motion Element error:", node, [&](const wchar_t* name) {
             MotionElementPtr element;
             if (const auto* maker = findMaker(motionMakers, name);
                 maker != std::end(motionMakers)) {
@@ -160,7 +164,7 @@ MotionElementPtr CreateMotionElement(const XmlHandle* node, CContext& context, C
                 if (parent)
                     element->setParent(parent);
             } else if (findReference(name)) {
-                element = createRefMotionElement(name, id, context);
+                element = createRefMotionElement(name, idOf(*node).get(), context);
             } else {
                 throw std::wstring(name) + L" element name is undefined.";
             }

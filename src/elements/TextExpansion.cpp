@@ -39,6 +39,8 @@ bool resolveReference(const std::wstring& text, size_t& start, size_t end, CCont
 }  // namespace
 
 bool expandText(std::wstring& text, CContext& context, std::wstring& message) {
+    if (text.find_first_of(L"#[]") == none)
+        return true;
     std::wstring result;
     size_t start = none;
     for (size_t i = 0; i <= text.size(); ++i) {

@@ -207,6 +207,7 @@ constinit const ElementKind conditionKind = {
     .declared = conditionDeclared,
     .children = conditionChildren,
     .actions = conditionActions,
+    .isTransparent = true,
 };
 constinit const ElementKind customActionKind = {
     .name = L"CustomAction",
@@ -312,6 +313,12 @@ constinit const ReferenceKind directoryReference = {L"DirectoryRef", &directoryK
 bool ElementKind::allowsChild(const wchar_t* childName) const {
     return std::any_of(children.begin(), children.end(), [childName](const wchar_t* allowed) {
         return wcscmp(allowed, childName) == 0;
+    });
+}
+
+bool ElementKind::declares(const wchar_t* attributeName) const {
+    return std::any_of(declared.begin(), declared.end(), [attributeName](const auto& declaration) {
+        return wcscmp(declaration.name, attributeName) == 0;
     });
 }
 

@@ -44,9 +44,15 @@ struct ElementKind {
     std::span<const wchar_t* const> children = {};
     /// What it reports to the host.
     std::span<const ElementAction> actions = {};
+    /// Whether questions for attributes that aren't its own go on to the element around it.
+    bool isTransparent = false;
 
     bool allowsChild(const wchar_t* childName) const;
+    bool declares(const wchar_t* attributeName) const;
 };
+
+/// That of an element that declares nothing and that nothing may stand in.
+inline constexpr ElementKind noKind = {L"", ""};
 
 /// An element that stands for the one of another kind that has the same `Id`.
 struct ReferenceKind {

@@ -42,9 +42,18 @@ TiXmlElement* elementOf(XmlHandle handle) {
     return handle ? handle.node->ToElement() : nullptr;
 }
 
-/// The value of an attribute; null when there is none.
-const char* findAttribute(const wchar_t* attributeName, XmlHandle handle) {
-    const NarrowText name = toNarrowTextOrThrow(attributeName);
+/// Whether bytes of the document are a text in ASCII.
+bool isAscii(const char* bytes, const wchar_t* ascii) {
+    while (*bytes && static_cast<wchar_t>(*bytes) == *ascii) {
+        ++bytes;
+        ++ascii;
+    }
+    return *bytes == '\0' && *ascii == L'\0';
+}
+
+/// The value of an attribute, whose name may have any characters; null when there is none.
+const char* findAttributeOfAnyName(XmlHandle handle, const wchar_t* attributeName) {
+    const NarrowText name = toNarrowText(attributeName);
     const TiXmlElement* element = elementOf(handle);
     return name && element ? element->Attribute(name.get()) : nullptr;
 }
@@ -153,8 +162,10 @@ XmlHandle firstChildOf(XmlHandle handle) {
 }
 
 XmlHandle firstChildOf(XmlHandle handle, const wchar_t* name) {
-    const NarrowText narrow = toNarrowTextOrThrow(name);
-    return handleOf(handle && narrow ? handle.node->FirstChildElement(narrow.get()) : nullptr);
+    XmlHandle child = firstChildOf(handle);
+    while (child && !isAscii(elementNameOf(child), name))
+        child = nextSiblingOf(child);
+    return child;
 }
 
 XmlHandle nextSiblingOf(XmlHandle handle) {
@@ -165,13 +176,17 @@ XmlHandle parentOf(XmlHandle handle) {
     return handleOf(handle ? handle.node->Parent() : nullptr);
 }
 
-WideText getElementNameOrThrow(XmlHandle handle) {
+const char* elementNameOf(XmlHandle handle) {
     const TiXmlElement* element = elementOf(handle);
-    return element ? toWideTextOrThrow(element->Value()) : nullptr;
+    return element ? element->Value() : nullptr;
 }
 
-WideText getAttributeCopyOrThrow(const wchar_t* attributeName, XmlHandle handle) {
-    return toWideTextOrThrow(findAttribute(attributeName, handle));
+const char* attributeOf(XmlHandle handle, const wchar_t* attributeName) {
+    const TiXmlElement* element = elementOf(handle);
+    const TiXmlAttribute* attribute = element ? element->FirstAttribute() : nullptr;
+    while (attribute && !isAscii(attribute->Name(), attributeName))
+        attribute = attribute->Next();
+    return attribute ? attribute->Value() : nullptr;
 }
 
 XmlHandlePtr getRootElement(const XmlDocument& document) {
@@ -183,7 +198,10 @@ XmlHandlePtr getFirstChildElement(const XmlHandle* handle) {
 }
 
 XmlHandlePtr getFirstChildElementNamed(const XmlHandle* handle, const wchar_t* name) {
-    return nullIfExhausted([&] { return onHeap(firstChildOf(valueOf(handle), name)); });
+    const NarrowText narrow = toNarrowText(name);
+    const XmlHandle above = valueOf(handle);
+    return onHeap(
+        handleOf(narrow && above ? above.node->FirstChildElement(narrow.get()) : nullptr));
 }
 
 XmlHandlePtr getNextSiblingElement(const XmlHandle* handle) {
@@ -212,7 +230,7 @@ XmlHandlePtr asElement(const XmlHandle* handle) {
 }
 
 WideText getElementName(const XmlHandle* handle) {
-    return nullIfExhausted([handle] { return getElementNameOrThrow(valueOf(handle)); });
+    return toWideText(elementNameOf(valueOf(handle)));
 }
 
 uint32_t getElementLine(const XmlHandle* handle) {
@@ -228,9 +246,7 @@ void getNodeName(const XmlHandle* handle, std::wstring& name) {
 
 bool getAttributeText(const XmlHandle* handle, const wchar_t* attributeName, std::wstring& value) {
     value.clear();
-    const NarrowText name = toNarrowText(attributeName);
-    const TiXmlElement* element = elementOf(valueOf(handle));
-    const char* narrow = name && element ? element->Attribute(name.get()) : nullptr;
+    const char* narrow = findAttributeOfAnyName(valueOf(handle), attributeName);
     if (narrow == nullptr)
         return false;
     if (const WideText wide = toWideText(narrow))
@@ -239,7 +255,7 @@ bool getAttributeText(const XmlHandle* handle, const wchar_t* attributeName, std
 }
 
 WideText getAttributeCopy(const wchar_t* attributeName, const XmlHandle* handle) {
-    return nullIfExhausted([&] { return getAttributeCopyOrThrow(attributeName, valueOf(handle)); });
+    return toWideText(findAttributeOfAnyName(valueOf(handle), attributeName));
 }
 
 bool setAttributeText(const XmlHandle* handle, const wchar_t* attributeName, const wchar_t* value) {

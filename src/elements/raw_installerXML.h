@@ -108,13 +108,15 @@ XmlHandlePtr findChildByAttribute(const wchar_t* elementName, const wchar_t* att
 // never taken for what isn't there.
 XmlHandle rootElementOf(const XmlDocument& document);
 XmlHandle firstChildOf(XmlHandle handle);
+/// `name` is ASCII.
 XmlHandle firstChildOf(XmlHandle handle, const wchar_t* name);
 XmlHandle nextSiblingOf(XmlHandle handle);
 XmlHandle parentOf(XmlHandle handle);
 
-/// getElementName and getAttributeCopy.
-WideText getElementNameOrThrow(XmlHandle handle);
-WideText getAttributeCopyOrThrow(const wchar_t* attributeName, XmlHandle handle);
+/// The bytes of an element's name and of an attribute's value, which stay the document's; null
+/// where there are none. The attribute's name is ASCII, so it has the same bytes in each code page.
+const char* elementNameOf(XmlHandle handle);
+const char* attributeOf(XmlHandle handle, const wchar_t* attributeName);
 
 /// How many nodes this layer has looked at since the process began: a measure of its work that,
 /// unlike time, is the same on every machine.

@@ -104,7 +104,7 @@ bool CContext::createOsVariables() {
 bool CContext::createScriptVariables() {
     const XmlHandle root = rootElementOf(*document);
     for (XmlHandle child = firstChildOf(root); child; child = nextSiblingOf(child)) {
-        const WideText name = getElementNameOrThrow(child);
+        const PassingText name(elementNameOf(child));
         if (!name)
             continue;
         const bool isConst = wcscmp(name.get(), variableConstKind.name) == 0;

@@ -1,6 +1,6 @@
 #include "engine/CProductElement.h"
 
-#include <memory>
+#include <utility>
 
 #include "elements/ElementFactory.h"
 #include "engine/CContext.h"
@@ -10,7 +10,7 @@
 
 int32_t CProductElement::run(IterfaceContext* hostContext) {
     auto& context = static_cast<CContext&>(*hostContext);
-    const XmlHandle sequenceNode = firstChildOf(handle(), installKind.name);
+    const XmlHandle sequenceNode = firstChildOf(node, installKind.name);
     clearRunState();
     const MotionElementPtr sequence =
         CreateMotionElement(sequenceNode ? &sequenceNode : nullptr, context, nullptr);
@@ -25,35 +25,29 @@ int32_t CProductElement::run(IterfaceContext* hostContext) {
 bool CProductElement::getDirectory(std::wstring& path, const wchar_t* directoryId,
                                    IterfaceContext* hostContext) {
     auto& context = static_cast<CContext&>(*hostContext);
-    std::wstring error = L"Get directory error:";
-    if (!getSpecialFolder(directoryId, path) && !findDirectory(path, directoryId, context, error)) {
-        setErrorText(error);
+    if (!getSpecialFolder(directoryId, path) && !findDirectory(path, directoryId, context))
         return false;
-    }
-    path = withSeparator(path);
+    path = withSeparator(std::move(path));
     return true;
 }
 
 bool CProductElement::findDirectory(std::wstring& path, const wchar_t* directoryId,
-                                    CContext& context, std::wstring& error) {
+                                    CContext& context) {
     const XmlHandlePtr found = context.findElementById(directoryKind.name, directoryId);
-    if (!found) {
-        error.append(L"can't get the ").append(directoryId).append(L" directory");
-        return false;
-    }
+    if (!found)
+        return failToGet(std::wstring(L"can't get the ") + directoryId + L" directory");
     const ElementPtr directory = CreateElement(found.get(), context);
-    if (!directory) {
-        error += getLastCreateError();
-        return false;
-    }
-    const auto record = std::make_unique<AttributeRecord>();
-    if (!directory->getAttribute(pathAttribute, *record)) {
-        error.append(directory->describe())
-            .append(L" element can't get ")
-            .append(pathAttribute)
-            .append(L" attribute.");
-        return false;
-    }
-    path = record->value;
+    if (!directory)
+        return failToGet(getLastCreateError());
+    const std::wstring* own = directory->find(pathAttribute);
+    if (own == nullptr)
+        return failToGet(directory->describe() + L" element can't get " + pathAttribute +
+                         L" attribute.");
+    path = *own;
     return true;
+}
+
+bool CProductElement::failToGet(const std::wstring& reason) {
+    setErrorText(L"Get directory error:" + reason);
+    return false;
 }

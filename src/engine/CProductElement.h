@@ -14,6 +14,6 @@ public:
                       IterfaceContext* context) override;
 
 private:
-    bool findDirectory(std::wstring& path, const wchar_t* directoryId, CContext& context,
-                       std::wstring& error);
+    bool findDirectory(std::wstring& path, const wchar_t* directoryId, CContext& context);
+    bool failToGet(const std::wstring& reason);
 };

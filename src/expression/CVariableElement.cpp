@@ -8,23 +8,21 @@ constexpr wchar_t valueAttribute[] = L"Value";
 
 }  // namespace
 
-void CVariableElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, variableKind.declared);
-}
+CVariableElement::CVariableElement(const XmlHandle& node, CContext& context)
+    : CElement(node, context, variableKind) {}
 
 VariableType CVariableElement::getVariableType() const {
-    AttributeRecord record;
-    if (!getAttribute(L"Type", record))
-        return VARIABLE_UNKNOWN;
-    const VariableTypeKeyword* keyword = findKeyword(variableTypeKeywords(), record.value);
+    const std::wstring* type = find(L"Type");
+    const VariableTypeKeyword* keyword =
+        type ? findKeyword(variableTypeKeywords(), *type) : nullptr;
     return keyword ? keyword->type : VARIABLE_UNKNOWN;
 }
 
 std::wstring CVariableElement::getValueText() const {
-    AttributeRecord record;
-    if (!getAttribute(valueAttribute, record))
+    const std::wstring* value = find(valueAttribute);
+    if (value == nullptr)
         throw describe() + L" can't get value attribute.";
-    return record.value;
+    return *value;
 }
 
 void CVariableElement::setValueText(const std::wstring& text) {

@@ -6,11 +6,10 @@
 /// text of the attribute `Value`; an assignment rewrites that text in memory alone.
 class CVariableElement final : public CElement {
 public:
-    using CElement::CElement;
+    CVariableElement(const XmlHandle& node, CContext& context);
 
     /// Texts of a variable stay literal.
     bool isExpandable() const override { return false; }
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
 
     VariableType getVariableType() const;
     /// Throws a message when the element has no `Value`.

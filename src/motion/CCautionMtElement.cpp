@@ -3,12 +3,8 @@
 static_assert(sizeof(CCautionMtElement) == sizeof(CMotionElement));
 
 CCautionMtElement::CCautionMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(cautionKind);
-}
-
-void CCautionMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, cautionKind.declared);
+    : CMotionElement(node, context, cautionKind) {
+    requireActionKind();
 }
 
 int32_t CCautionMtElement::execute(CContext& context) {

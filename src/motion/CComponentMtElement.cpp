@@ -2,14 +2,9 @@
 
 static_assert(sizeof(CComponentMtElement) == sizeof(CMotionElement));
 
-void CComponentMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, componentKind.declared);
-}
+CComponentMtElement::CComponentMtElement(const XmlHandle& node, CContext& context)
+    : CMotionElement(node, context, componentKind) {}
 
-void CComponentMtElement::getDerivedAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, componentKind.derived);
-}
-
-bool CComponentMtElement::isChildAllowed(const wchar_t* childName) const {
-    return componentKind.allowsChild(childName);
-}
+CComponentMtElement::CComponentMtElement(const wchar_t* elementName, const wchar_t* id,
+                                         CContext& context)
+    : CMotionElement(elementName, id, context, componentKind) {}

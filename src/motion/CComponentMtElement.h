@@ -7,9 +7,6 @@
 /// enclosing directory's, and `SupportDelayInstall` down to them.
 class CComponentMtElement final : public CMotionElement {
 public:
-    using CMotionElement::CMotionElement;
-
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const override;
-    bool isChildAllowed(const wchar_t* childName) const override;
+    CComponentMtElement(const XmlHandle& node, CContext& context);
+    CComponentMtElement(const wchar_t* elementName, const wchar_t* id, CContext& context);
 };

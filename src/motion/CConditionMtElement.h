@@ -8,9 +8,6 @@ class CConditionMtElement final : public CMotionElement {
 public:
     CConditionMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    bool getAttribute(const wchar_t* attributeName, AttributeRecord& record) const override;
     /// Evaluates the expression. One that fails ends the run: -1, with its message in errorInfo.
     int32_t prepare(bool& descend, CContext& context) override;
-    bool isChildAllowed(const wchar_t* childName) const override;
 };

@@ -3,12 +3,8 @@
 static_assert(sizeof(CCopyFileMtElement) == sizeof(CMotionElement));
 
 CCopyFileMtElement::CCopyFileMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(copyFileKind);
-}
-
-void CCopyFileMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, copyFileKind.declared);
+    : CMotionElement(node, context, copyFileKind) {
+    requireActionKind();
 }
 
 int32_t CCopyFileMtElement::execute(CContext&) {

@@ -65,12 +65,8 @@ std::wstring callInLibrary(const std::wstring& dllFile, const char* entryName,
 }  // namespace
 
 CCustomActionMtElement::CCustomActionMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(customActionKind);
-}
-
-void CCustomActionMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, customActionKind.declared);
+    : CMotionElement(node, context, customActionKind) {
+    requireActionKind();
 }
 
 int32_t CCustomActionMtElement::execute(CContext& context) {

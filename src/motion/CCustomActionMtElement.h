@@ -7,7 +7,6 @@ class CCustomActionMtElement final : public CMotionElement {
 public:
     CCustomActionMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
     /// The function's number, if it counts and isn't 0, is the result.
     int32_t execute(CContext& context) override;
 

@@ -8,6 +8,4 @@ class CFeatureMtElement final : public CMotionElement {
 public:
     CFeatureMtElement(const XmlHandle& node, CContext& context);
     CFeatureMtElement(const wchar_t* elementName, const wchar_t* id, CContext& context);
-
-    bool isChildAllowed(const wchar_t* childName) const override;
 };

@@ -40,16 +40,8 @@ struct CFileMtElement::Texts {
 };
 
 CFileMtElement::CFileMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(fileKind);
-}
-
-void CFileMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, fileKind.declared);
-}
-
-void CFileMtElement::getDerivedAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, fileKind.derived);
+    : CMotionElement(node, context, fileKind) {
+    requireActionKind();
 }
 
 int32_t CFileMtElement::execute(CContext& context) {

@@ -9,8 +9,6 @@ class CFileMtElement final : public CMotionElement {
 public:
     CFileMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const override;
     /// 0, -1, or the system's error code for a copy that failed.
     int32_t execute(CContext& context) override;
 

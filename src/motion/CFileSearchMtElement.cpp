@@ -25,12 +25,8 @@ bool satisfiesVersion(const wchar_t* file, const std::wstring& minVersion) {
 }  // namespace
 
 CFileSearchMtElement::CFileSearchMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(fileSearchKind);
-}
-
-void CFileSearchMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, fileSearchKind.declared);
+    : CMotionElement(node, context, fileSearchKind) {
+    requireActionKind();
 }
 
 int32_t CFileSearchMtElement::execute(CContext& context) {

@@ -8,7 +8,6 @@ class CFileSearchMtElement final : public CMotionElement {
 public:
     CFileSearchMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
     /// 0, also when nothing is found; -1 when the expression fails, with its message in errorInfo.
     int32_t execute(CContext& context) override;
 };

@@ -8,7 +8,4 @@ class CFragmentMtElement final : public CMotionElement {
 public:
     CFragmentMtElement(const XmlHandle& node, CContext& context);
     CFragmentMtElement(const wchar_t* elementName, const wchar_t* id, CContext& context);
-
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    bool isChildAllowed(const wchar_t* childName) const override;
 };

@@ -6,6 +6,4 @@
 class CInstallMtElement final : public CMotionElement {
 public:
     CInstallMtElement(const XmlHandle& node, CContext& context);
-
-    bool isChildAllowed(const wchar_t* childName) const override;
 };

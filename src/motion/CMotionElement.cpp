@@ -16,8 +16,8 @@ int32_t CMotionElement::prepare(bool& descend, CContext&) {
     return 0;
 }
 
-bool CMotionElement::isChildAllowed(const wchar_t*) const {
-    return false;
+bool CMotionElement::isChildAllowed(const wchar_t* childName) const {
+    return kind->allowsChild(childName);
 }
 
 int32_t CMotionElement::execute(CContext&) {
@@ -38,18 +38,18 @@ int32_t CMotionElement::runElement(CContext& context) {
 }
 
 bool CMotionElement::passesOnFilter(CContext& context) const {
-    AttributeRecord on;
-    if (!getAttribute(L"On", on) || on.value.empty())
+    const std::wstring* on = find(L"On");
+    if (on == nullptr || on->empty())
         return true;
-    if (const OnKeyword* keyword = findKeyword(onKeywords(), on.value))
+    if (const OnKeyword* keyword = findKeyword(onKeywords(), *on))
         return keyword->passesIn(context.runMode);
-    writeLog(WARNNING, describe(), " ", on.value, " attribute is unknown.");
+    writeLog(WARNNING, describe(), " ", *on, " attribute is unknown.");
     return false;
 }
 
 int32_t CMotionElement::runChildren(CContext& context) {
-    const size_t count = countChildElements(node.get());
-    XmlHandle child = firstChildOf(handle());
+    const size_t count = countChildElements(&node);
+    XmlHandle child = firstChildOf(node);
     for (size_t index = 0; child; child = nextSiblingOf(child), ++index)
         if (const int32_t failure = runChild(child, index, count, context))
             return failure;
@@ -67,8 +67,8 @@ int32_t CMotionElement::runChild(const XmlHandle& child, size_t index, size_t co
 
 // Apart from the visit, on whose stack the whole walk below stands.
 MotionElementPtr CMotionElement::makeChild(const XmlHandle& child, CContext& context) {
-    const WideText childName = getElementNameOrThrow(child);
-    if (!childName || childName[0] == L'\0') {
+    const PassingText childName(elementNameOf(child));
+    if (!childName || childName.get()[0] == L'\0') {
         fail(describe() + L" can't get child element name.", context);
         return nullptr;
     }
@@ -112,8 +112,8 @@ int32_t CMotionElement::runAction(CContext& context) {
 }
 
 bool CMotionElement::isVital(CContext&) const {
-    AttributeRecord vital;
-    return !getAttribute(L"Vital", vital) || vital.value == yesKeyword;
+    const std::wstring* vital = find(L"Vital");
+    return vital == nullptr || *vital == yesKeyword;
 }
 
 void CMotionElement::setProgressRange(uint32_t from, uint32_t to) {
@@ -140,12 +140,12 @@ int32_t CMotionElement::failExhausted(CContext& context) {
     return -1;
 }
 
-void CMotionElement::requireActionKind(const ElementKind& kind) const {
-    if (wcscmp(name, kind.name) != 0)
+void CMotionElement::requireActionKind() const {
+    if (wcscmp(name, kind->name) != 0)
         throw L"Failed to create element " + describe();
 }
 
-void CMotionElement::requireContainerKind(const ElementKind& kind) const {
-    if (wcscmp(name, kind.name) != 0)
-        throw std::wstring(L"Failed to create element(") + name + L")" + L" in " + kind.name;
+void CMotionElement::requireContainerKind() const {
+    if (wcscmp(name, kind->name) != 0)
+        throw std::wstring(L"Failed to create element(") + name + L")" + L" in " + kind->name;
 }

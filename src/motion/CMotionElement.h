@@ -55,9 +55,9 @@ protected:
     static int32_t failExhausted(CContext& context);
 
     /// For the constructors of actions and of containers: throw their message when the node isn't
-    /// an element of this kind.
-    void requireActionKind(const ElementKind& kind) const;
-    void requireContainerKind(const ElementKind& kind) const;
+    /// an element of the class's kind.
+    void requireActionKind() const;
+    void requireContainerKind() const;
 
     uint32_t progressFrom = 0;
     uint32_t progressTo = 0;

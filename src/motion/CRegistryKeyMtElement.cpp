@@ -11,8 +11,8 @@
 static_assert(sizeof(CRegistryKeyMtElement) == sizeof(CMotionElement));
 
 CRegistryKeyMtElement::CRegistryKeyMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(registryKeyKind);
+    : CMotionElement(node, context, registryKeyKind) {
+    requireActionKind();
 }
 
 bool CRegistryKeyMtElement::isCumulativeAttribute(const wchar_t* attributeName) const {
@@ -21,16 +21,8 @@ bool CRegistryKeyMtElement::isCumulativeAttribute(const wchar_t* attributeName) 
 
 bool CRegistryKeyMtElement::combineWithParent(const std::wstring& parentValue,
                                               std::wstring& value) const {
-    value.insert(0, withSeparator(parentValue));
+    putInFront(value, parentValue);
     return true;
-}
-
-void CRegistryKeyMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, registryKeyKind.declared);
-}
-
-void CRegistryKeyMtElement::getDerivedAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, registryKeyKind.derived);
 }
 
 int32_t CRegistryKeyMtElement::prepare(bool& descend, CContext& context) {
@@ -55,8 +47,4 @@ int32_t CRegistryKeyMtElement::prepare(bool& descend, CContext& context) {
         return 0;
     context.subject().setErrorInfo(keyword->action, path, 0, title.c_str());
     return -1;
-}
-
-bool CRegistryKeyMtElement::isChildAllowed(const wchar_t* childName) const {
-    return registryKeyKind.allowsChild(childName);
 }

@@ -10,10 +10,7 @@ public:
 
     bool isCumulativeAttribute(const wchar_t* attributeName) const override;
     bool combineWithParent(const std::wstring& parentValue, std::wstring& value) const override;
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const override;
     /// Does the key's work, so a failure ends the run: the host isn't asked, and `Vital` plays no
     /// part.
     int32_t prepare(bool& descend, CContext& context) override;
-    bool isChildAllowed(const wchar_t* childName) const override;
 };

@@ -22,16 +22,8 @@ bool setTextValue(HKEY root, const wchar_t* key, const wchar_t* name, uint32_t t
 }  // namespace
 
 CRegistryValueMtElement::CRegistryValueMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(registryValueKind);
-}
-
-void CRegistryValueMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, registryValueKind.declared);
-}
-
-void CRegistryValueMtElement::getDerivedAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, registryValueKind.derived);
+    : CMotionElement(node, context, registryValueKind) {
+    requireActionKind();
 }
 
 int32_t CRegistryValueMtElement::execute(CContext& context) {

@@ -7,7 +7,5 @@ class CRegistryValueMtElement final : public CMotionElement {
 public:
     CRegistryValueMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const override;
     int32_t execute(CContext& context) override;
 };

@@ -7,12 +7,8 @@
 static_assert(sizeof(CRemoveDirectoryMtElement) == sizeof(CMotionElement));
 
 CRemoveDirectoryMtElement::CRemoveDirectoryMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(removeDirectoryKind);
-}
-
-void CRemoveDirectoryMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, removeDirectoryKind.declared);
+    : CMotionElement(node, context, removeDirectoryKind) {
+    requireActionKind();
 }
 
 int32_t CRemoveDirectoryMtElement::execute(CContext& context) {

@@ -7,6 +7,5 @@ class CRemoveDirectoryMtElement final : public CMotionElement {
 public:
     CRemoveDirectoryMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
     int32_t execute(CContext& context) override;
 };

@@ -29,12 +29,8 @@ bool carryOut(ActionCode action, const wchar_t* service, uint32_t limit) {
 }  // namespace
 
 CServiceControlMtElement::CServiceControlMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(serviceControlKind);
-}
-
-void CServiceControlMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, serviceControlKind.declared);
+    : CMotionElement(node, context, serviceControlKind) {
+    requireActionKind();
 }
 
 int32_t CServiceControlMtElement::execute(CContext& context) {

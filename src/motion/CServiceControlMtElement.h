@@ -7,7 +7,6 @@ class CServiceControlMtElement final : public CMotionElement {
 public:
     CServiceControlMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
     /// An unknown action is no failure; only the log tells of it.
     int32_t execute(CContext& context) override;
 };

@@ -7,12 +7,8 @@
 static_assert(sizeof(CShellExcuteMtElement) == sizeof(CMotionElement));
 
 CShellExcuteMtElement::CShellExcuteMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(shellExcuteKind);
-}
-
-void CShellExcuteMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, shellExcuteKind.declared);
+    : CMotionElement(node, context, shellExcuteKind) {
+    requireActionKind();
 }
 
 int32_t CShellExcuteMtElement::execute(CContext& context) {

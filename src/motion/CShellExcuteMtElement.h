@@ -8,6 +8,5 @@ class CShellExcuteMtElement final : public CMotionElement {
 public:
     CShellExcuteMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
     int32_t execute(CContext& context) override;
 };

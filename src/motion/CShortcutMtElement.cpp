@@ -19,16 +19,8 @@ struct CShortcutMtElement::Texts {
 };
 
 CShortcutMtElement::CShortcutMtElement(const XmlHandle& node, CContext& context)
-    : CMotionElement(node, context) {
-    requireActionKind(shortcutKind);
-}
-
-void CShortcutMtElement::getAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, shortcutKind.declared);
-}
-
-void CShortcutMtElement::getDerivedAttributes(std::vector<AttributeDeclaration>& list) const {
-    assignDeclarations(list, shortcutKind.derived);
+    : CMotionElement(node, context, shortcutKind) {
+    requireActionKind();
 }
 
 int32_t CShortcutMtElement::execute(CContext& context) {

@@ -8,8 +8,6 @@ class CShortcutMtElement final : public CMotionElement {
 public:
     CShortcutMtElement(const XmlHandle& node, CContext& context);
 
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override;
-    void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const override;
     int32_t execute(CContext& context) override;
 
 private:

@@ -46,6 +46,12 @@ std::wstring withSeparator(std::wstring path) {
     return path;
 }
 
+void putInFront(std::wstring& path, const std::wstring& directory) {
+    if (!directory.empty() && !isSeparator(directory.back()))
+        path.insert(0, 1, L'\\');
+    path.insert(0, directory);
+}
+
 WideText parentDirectoryOrThrow(const wchar_t* path) {
     if (path == nullptr)
         return nullptr;

@@ -16,6 +16,9 @@ WideText joinPath(const wchar_t* directory, const wchar_t* name);
 /// The path with a separator at its end; an empty one stays empty.
 std::wstring withSeparator(std::wstring path);
 
+/// Puts a directory in front of a path, with a separator at its end; an empty one changes nothing.
+void putInFront(std::wstring& path, const std::wstring& directory);
+
 /// The text before the last separator, which may be the trailing one. A separator in the very
 /// first place doesn't count. Null when there is none, and when memory is exhausted.
 WideText parentDirectory(const wchar_t* path);

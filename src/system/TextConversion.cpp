@@ -1,6 +1,8 @@
 #include "system/TextConversion.h"
 
 #include <cstdio>
+#include <cstring>
+#include <iterator>
 #include <new>
 
 #include "system/Exhaustion.h"
@@ -19,6 +21,33 @@ WideText toWideTextOrThrow(const char* text) {
     if (!textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), length))
         return nullptr;
     return wide;
+}
+
+// No code page makes more characters of a text than it has bytes. Should one, or should the system
+// fail, the longer way finds out.
+bool convertOrThrow(const char* text, std::wstring& wide) {
+    if (text == nullptr)
+        return false;
+    wide.resize(std::strlen(text) + 1);
+    const int length = textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(),
+                                                     static_cast<int>(wide.size()));
+    if (length > 0) {
+        wide.resize(length - 1);
+        return true;
+    }
+    const WideText converted = toWideTextOrThrow(text);
+    if (converted)
+        wide = converted.get();
+    return converted != nullptr;
+}
+
+PassingText::PassingText(const char* text) {
+    if (text && textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, inPlace, std::size(inPlace))) {
+        converted = inPlace;
+    } else {
+        onHeap = toWideTextOrThrow(text);
+        converted = onHeap.get();
+    }
 }
 
 NarrowText toNarrowTextOrThrow(const wchar_t* text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 /// Null-terminated texts on the heap. A null owner stands for "no text".
 using WideText = std::unique_ptr<wchar_t[]>;
@@ -21,6 +22,28 @@ WideText roundTripWideText(const wchar_t* text);
 /// The same, but for exhausted memory, which leaves as std::bad_alloc.
 WideText toWideTextOrThrow(const char* text);
 NarrowText toNarrowTextOrThrow(const wchar_t* text);
+
+/// toWideTextOrThrow into a text of the caller's. False, with `wide` as it may be, where that gives
+/// null.
+bool convertOrThrow(const char* text, std::wstring& wide);
+
+/// toWideTextOrThrow for a text that is only looked at: a short one takes no memory.
+class PassingText {
+public:
+    explicit PassingText(const char* text);
+    PassingText(const PassingText&) = delete;
+    PassingText& operator=(const PassingText&) = delete;
+    ~PassingText() = default;
+
+    /// Null where toWideTextOrThrow gives null.
+    const wchar_t* get() const { return converted; }
+    explicit operator bool() const { return converted != nullptr; }
+
+private:
+    wchar_t inPlace[32];  // the names of all elements are shorter
+    WideText onHeap;
+    const wchar_t* converted = nullptr;
+};
 
 /// Converts from the active code page to UTF-8. The results of the conversions aren't tested: what
 /// can't be converted leaves an empty text. Null for a null text and for exhausted memory.

@@ -30,12 +30,12 @@ protected:
     }
 
     bool read(ProbeElement& element, std::vector<AttributeDeclaration> declared) {
-        element.declared = std::move(declared);
+        element.declare(std::move(declared));
         return element.readDeclaredAttributes(context, message);
     }
 
     bool resolve(ProbeElement& element, std::vector<AttributeDeclaration> derived) {
-        element.derived = std::move(derived);
+        element.derive(std::move(derived));
         return element.resolveDerivedAttributes(context, message);
     }
 
@@ -564,8 +564,10 @@ TEST_F(AttributesTextTest, AnotherNumberOfTextsThanDeclarationsFails) {
     element.hold(L"A", L"1");
     std::wstring a, b, c, d;
 
-    for (const std::vector<std::wstring*>& texts :
-         {std::vector{&a}, std::vector{&a, &b, &c, &d}, std::vector<std::wstring*>{}}) {
+    const std::initializer_list<std::wstring*> one = {&a};
+    const std::initializer_list<std::wstring*> four = {&a, &b, &c, &d};
+    const std::initializer_list<std::wstring*> none;
+    for (const auto texts : {one, four, none}) {
         context.subject().setErrorInfo(ACTION_COPY_FILE, L"earlier", 5);
         EXPECT_FALSE(element.getAttributesText(texts, fetched, context));
         expectOnlyMessage(L"(E,e) getAttributesText params error.");

@@ -396,8 +396,8 @@ protected:
 };
 
 TEST_F(FinishElementTest, ReadsDeclaredAndThenDerivedAttributes) {
-    probe->declared = {{L"A", true}};
-    probe->derived = {{L"A", true}, {L"B", true}};
+    probe->declare({{L"A", true}});
+    probe->derive({{L"A", true}, {L"B", true}});
     probe->defaults = {{L"A", L"default"}, {L"B", L"default"}};
 
     finishElement(&element, context);
@@ -407,8 +407,8 @@ TEST_F(FinishElementTest, ReadsDeclaredAndThenDerivedAttributes) {
 }
 
 TEST_F(FinishElementTest, MissingDeclaredAttributeDestroysTheElement) {
-    probe->declared = {{L"Absent", true}};
-    probe->derived = {{L"B", true}};
+    probe->declare({{L"Absent", true}});
+    probe->derive({{L"B", true}});
 
     EXPECT_EQ(thrownBy([&] { finishElement(&element, context); }),
               L"(E,x) cant get the require explicit Absentattribute.");
@@ -418,8 +418,8 @@ TEST_F(FinishElementTest, MissingDeclaredAttributeDestroysTheElement) {
 }
 
 TEST_F(FinishElementTest, MissingDerivedAttributeDestroysTheElement) {
-    probe->declared = {{L"A", true}};
-    probe->derived = {{L"B", true}};
+    probe->declare({{L"A", true}});
+    probe->derive({{L"B", true}});
 
     EXPECT_EQ(thrownBy([&] { finishElement(&element, context); }),
               L"(E,x) can't get B attribute from  parent element.");

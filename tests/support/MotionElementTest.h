@@ -13,11 +13,8 @@
 /// An element that does as it is told and counts what is asked of it.
 class MotionProbe final : public CMotionElement {
 public:
-    using CMotionElement::CMotionElement;
-
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override {
-        list = {{L"On", false}, {L"Vital", false}, {L"Path", false}};
-    }
+    MotionProbe(const wchar_t* elementName, const wchar_t* elementId, CContext& context)
+        : CMotionElement(elementName, elementId, context, made) {}
 
     int32_t prepare(bool& descend, CContext& context) override {
         begunWith = descend;
@@ -43,7 +40,7 @@ public:
         return result;
     }
 
-    void loseNode() { node.reset(); }
+    void loseNode() { node = {}; }
 
     bool descends = true;
     int32_t prepareResult = 0;
@@ -57,6 +54,11 @@ public:
     size_t heardAtExecute = 0;
 
 private:
+    static constexpr AttributeDeclaration declared[] = {
+        {L"On", false}, {L"Vital", false}, {L"Path", false}};
+    static constexpr ElementKind made = {
+        .name = L"Probe", .className = "MotionProbe", .declared = declared};
+
     static size_t heard(CContext& context) {
         const auto* observer = static_cast<RecordingObserver*>(context.getProduct()->observer);
         return observer ? observer->updates.size() : 0;

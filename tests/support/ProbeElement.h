@@ -10,10 +10,10 @@
 /// An element whose class is made up by the test.
 class ProbeElement final : public CElement {
 public:
-    using CElement::CElement;
+    ProbeElement(const XmlHandle& node, CContext& context) : CElement(node, context, made) {}
+    ProbeElement(const wchar_t* elementName, const wchar_t* elementId, CContext& context)
+        : CElement(elementName, elementId, context, made) {}
 
-    std::vector<AttributeDeclaration> declared;
-    std::vector<AttributeDeclaration> derived;
     std::map<std::wstring, std::wstring> defaults;
     std::wstring cumulative;  ///< the one attribute that is joined with the parent's
     bool expandable = true;
@@ -24,10 +24,6 @@ public:
     bool combineWithParent(const std::wstring& above, std::wstring& value) const override {
         value = above + L"+" + value;
         return false;
-    }
-    void getAttributes(std::vector<AttributeDeclaration>& list) const override { list = declared; }
-    void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const override {
-        list = derived;
     }
     bool getDefaultAttribute(AttributeRecord& record, const wchar_t* name) const override {
         const auto found = defaults.find(name);
@@ -50,5 +46,20 @@ public:
     }
 
     /// Takes the element out of its document.
-    void detach() { node.reset(); }
+    void detach() { node = {}; }
+
+    /// What it reads from its own XML, and what it takes from its parent.
+    void declare(std::vector<AttributeDeclaration> list) {
+        declared = std::move(list);
+        made.declared = declared;
+    }
+    void derive(std::vector<AttributeDeclaration> list) {
+        derived = std::move(list);
+        made.derived = derived;
+    }
+
+private:
+    std::vector<AttributeDeclaration> declared;
+    std::vector<AttributeDeclaration> derived;
+    ElementKind made = noKind;
 };
