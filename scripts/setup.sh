@@ -1,21 +1,29 @@
 #!/usr/bin/env bash
 # Installs what building, the demo and the daily round of tests need, and brings in the sources of
-# TinyXML; with --tests, what only the other tests need, too. Does nothing where all of it is there.
+# TinyXML; with --tests, what only the other tests need, too, and with --bench, what is measured beside
+# the engine. Does nothing where all of it is there.
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 # What each package is for stands in the README.
 packages=(g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build wine wine64
     googletest clang lld llvm dpkg-dev ca-certificates locales util-linux git)
+sources=(tinyxml-2.6.2)
+measured=(benchmark-1.7.1 muparser-2.3.3)
 case ${1:-} in
     '') ;;
+    --bench)
+        packages+=(nsis wixl)
+        sources+=("${measured[@]}")
+        ;;
     --tests)
         packages+=(clang-format clang-tidy liblnk-utils python3-jsonschema python3-yaml libxml2-utils chromium
             golang-go cargo rustc libstd-rust-dev-windows rustfmt rust-clippy mono-mcs mono-xbuild nuget
             mkdocs mkdocs-material pkg-config osslsigncode unzip
             ansible-core ansible ansible-lint)
+        sources+=("${measured[@]}")
         ;;
-    *) echo "usage: scripts/setup.sh [--tests]" >&2; exit 2 ;;
+    *) echo "usage: scripts/setup.sh [--tests|--bench]" >&2; exit 2 ;;
 esac
 
 missing=()
@@ -34,12 +42,15 @@ if [ ${#missing[@]} -gt 0 ]; then
         apt-get install -y --no-install-recommends "${missing[@]}"
 fi
 
-# TinyXML comes as Debian's patched source package. Its archive is the one that this machine's apt
+# These come as Debian's patched source packages. Their archive is the one that this machine's apt
 # already uses: a copy of its configuration asks for sources in place of binaries.
-tinyxml=$deps/tinyxml-2.6.2
-if [ ! -e "$tinyxml/tinyxml.h" ]; then
-    echo "Fetching the source of TinyXML 2.6.2"
-    rm -rf "$deps/apt" "$tinyxml"
+missing=()
+for source in "${sources[@]}"; do
+    [ -e "$deps/$source/debian" ] || missing+=("$source")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+    echo "Fetching the sources: ${missing[*]}"
+    rm -rf "$deps/apt" "${missing[@]/#/$deps/}"
     mkdir -p "$deps/apt/lists/partial" "$deps/apt/parts"
     cp /etc/apt/sources.list "$deps/apt/sources.list" 2>/dev/null || : >"$deps/apt/sources.list"
     cp /etc/apt/sources.list.d/*.{list,sources} "$deps/apt/parts" 2>/dev/null || true
@@ -48,7 +59,7 @@ if [ ! -e "$tinyxml/tinyxml.h" ]; then
     apt_source=(-o "Dir::Etc::sourcelist=$deps/apt/sources.list" -o "Dir::Etc::sourceparts=$deps/apt/parts"
         -o "Dir::State::Lists=$deps/apt/lists" -o APT::Sandbox::User=root)
     apt-get "${apt_source[@]}" -qq update
-    (cd "$deps" && apt-get "${apt_source[@]}" -qq source tinyxml >apt/source.log 2>&1) ||
+    (cd "$deps" && apt-get "${apt_source[@]}" -qq source "${missing[@]%-*}" >apt/source.log 2>&1) ||
         { cat "$deps/apt/source.log" >&2; exit 1; }
     rm -rf "$deps/apt/lists"
 fi

@@ -16,6 +16,7 @@ bool failed = false;
 bool spared = false;
 size_t live = 0;
 size_t liveSize = 0;
+size_t largestSize = 0;
 AllocationCount made = {};
 ReleaseWatch* watch = nullptr;
 
@@ -62,6 +63,14 @@ size_t liveBytes() {
     return liveSize;
 }
 
+PeakWatch::PeakWatch() : start(liveSize) {
+    largestSize = liveSize;
+}
+
+size_t PeakWatch::bytes() const {
+    return largestSize - start;
+}
+
 AllocationCount allocationsSoFar() {
     return made;
 }
@@ -99,6 +108,7 @@ void* operator new(size_t size) {
     std::memset(memory, freshByte, size);
     ++live;
     liveSize += _msize(memory);
+    largestSize = std::max(largestSize, liveSize);
     ++made.allocations;
     made.bytes += size;
     return memory;

@@ -30,6 +30,18 @@ public:
 size_t liveAllocations();
 size_t liveBytes();
 
+/// The most bytes that have been allocated at once in the life of the object, beyond those at its
+/// start.
+class PeakWatch {
+public:
+    PeakWatch();
+
+    size_t bytes() const;
+
+private:
+    const size_t start;
+};
+
 struct AllocationCount {
     size_t allocations;
     size_t bytes;
