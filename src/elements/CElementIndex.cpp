@@ -1,20 +1,8 @@
 #include "elements/CElementIndex.h"
 
-#include <cwchar>
+#include <utility>
 
 #include "elements/Vocabulary.h"
-
-namespace {
-
-/// Name and id in one key. No text of a script holds a NUL, so no two pairs share a key.
-std::wstring keyOf(const wchar_t* elementName, const wchar_t* id) {
-    std::wstring key;
-    key.reserve(wcslen(elementName) + 1 + wcslen(id));
-    key.append(elementName).append(1, L'\0').append(id);
-    return key;
-}
-
-}  // namespace
 
 XmlHandlePtr CElementIndex::find(const wchar_t* elementName, const wchar_t* id,
                                  const XmlHandle* start) {
@@ -28,7 +16,7 @@ XmlHandlePtr CElementIndex::find(const wchar_t* elementName, const wchar_t* id,
 
 // Gives the storage back too: nothing releases it once the host has freed the context.
 void CElementIndex::clear() {
-    *this = {};
+    std::exchange(*this, {});
 }
 
 // In the order of the search, of equals the first stays. A table without some elements would hide
@@ -42,4 +30,10 @@ void CElementIndex::build(XmlHandle start) {
             elements.try_emplace(keyOf(name.get(), id.get()), element);
     });
     complete = true;
+}
+
+// No text of a script holds a NUL, so no two pairs share a key.
+const std::wstring& CElementIndex::keyOf(const wchar_t* elementName, const wchar_t* id) {
+    key.assign(elementName).append(1, L'\0').append(id);
+    return key;
 }

@@ -19,7 +19,10 @@ public:
 
 private:
     void build(XmlHandle start);
+    /// Name and id in one, until the next is asked for.
+    const std::wstring& keyOf(const wchar_t* elementName, const wchar_t* id);
 
     bool complete = false;
     std::unordered_map<std::wstring, XmlHandle> elements;
+    std::wstring key;
 };

@@ -82,9 +82,8 @@ constexpr Maker<ElementPtr> lookedUpMakers[] = {
     {&variableConstKind, &makeFromNode<ElementPtr, CVariableElement>},
 };
 
-/// Null when there is none.
-WideText idOf(const XmlHandle& node) {
-    return toWideTextOrThrow(attributeOf(node, idAttribute));
+PassingText idOf(const XmlHandle& node) {
+    return PassingText(attributeOf(node, idAttribute));
 }
 
 template <class Makers>

@@ -56,7 +56,10 @@ bool expandText(std::wstring& text, CContext& context, std::wstring& message) {
                 return false;
             }
             message.clear();
-            result += value;
+            if (result.empty())
+                result = std::move(value);
+            else
+                result += value;
         } else if (mark == L']') {
             message = L"] can't be the first";
             return false;

@@ -43,6 +43,7 @@ bool CProductElement::findDirectory(std::wstring& path, const wchar_t* directory
     if (own == nullptr)
         return failToGet(directory->describe() + L" element can't get " + pathAttribute +
                          L" attribute.");
+    path.reserve(own->size() + 1);  // for a separator behind it
     path = *own;
     return true;
 }

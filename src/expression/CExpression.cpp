@@ -4,6 +4,7 @@
 #include <iterator>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "engine/CContext.h"
 #include "expression/CIntOperand.h"
@@ -15,6 +16,14 @@
 namespace {
 
 constexpr wchar_t blank[] = L" ";
+
+/// What the stack of a usual expression stands on.
+template <class Item>
+std::vector<Item> withRoom() {
+    std::vector<Item> items;
+    items.reserve(8);
+    return items;
+}
 
 OperandPtr createOperand(const wchar_t* piece, const CContext& context) {
     int32_t number = 0;
@@ -43,7 +52,8 @@ const wchar_t* findWordOperator(const wchar_t* word) {
 
 }  // namespace
 
-CExpression::CExpression() try {
+CExpression::CExpression() try
+    : operations(withRoom<OperationPtr>()), operands(withRoom<OperandPtr>()) {
 } catch (const std::bad_alloc&) {
     throw InsufficientMemory();
 }

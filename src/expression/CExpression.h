@@ -1,6 +1,5 @@
 #pragma once
 
-#include <stack>
 #include <string>
 
 #include "expression/COperand.h"
@@ -38,7 +37,7 @@ private:
     void read(const wchar_t* expression, CContext& context);
     void readWord(const wchar_t* word, CContext& context);
 
-    std::stack<OperationPtr> operations;
+    OperationStack operations;
     OperandStack operands;
     std::wstring previousSymbol = endSymbol;
 };

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <stack>
 #include <string>
+#include <vector>
 
 #include "system/BaseOwner.h"
 
@@ -31,4 +32,4 @@ protected:
 };
 
 using OperandPtr = BaseOwner<COperand>;
-using OperandStack = std::stack<OperandPtr>;
+using OperandStack = std::stack<OperandPtr, std::vector<OperandPtr>>;

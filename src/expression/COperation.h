@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <stack>
+#include <vector>
 
 #include "expression/COperand.h"
 
@@ -30,6 +32,7 @@ protected:
 };
 
 using OperationPtr = BaseOwner<COperation>;
+using OperationStack = std::stack<OperationPtr, std::vector<OperationPtr>>;
 
 class CUnaryOperation : public COperation {
 public:

@@ -13,25 +13,29 @@ OperandPtr result(int32_t value) {
     return makeOwned<OperandPtr, CIntOperand>(value);
 }
 
-struct Maker {
+/// The one object of a class. Operations have no state, so it serves every expression.
+template <class Operation>
+constinit Operation only;
+
+struct Row {
     const wchar_t* symbol;
-    OperationPtr (*make)();
+    COperation* operation;
 };
 
-constexpr Maker makers[] = {
-    {endSymbol, &makeOwned<OperationPtr, CEndOperation>},
-    {L"(", &makeOwned<OperationPtr, CLeftParenthesisOperation>},
-    {L")", &makeOwned<OperationPtr, CRigthParenthesisOperation>},
-    {L"=", &makeOwned<OperationPtr, CAsignmentOperation>},
-    {L"!", &makeOwned<OperationPtr, CNoOperation>},
-    {L"AND", &makeOwned<OperationPtr, CAndOperation>},
-    {L"OR", &makeOwned<OperationPtr, COrOperation>},
-    {L"G", &makeOwned<OperationPtr, CGreaterOperation>},
-    {L"L", &makeOwned<OperationPtr, CLessOperation>},
-    {L"E", &makeOwned<OperationPtr, CEqualOperation>},
-    {L"GE", &makeOwned<OperationPtr, CGEOperation>},
-    {L"LE", &makeOwned<OperationPtr, CLEOperation>},
-    {L"NE", &makeOwned<OperationPtr, CNEOperation>},
+constexpr Row rows[] = {
+    {endSymbol, &only<CEndOperation>},
+    {L"(", &only<CLeftParenthesisOperation>},
+    {L")", &only<CRigthParenthesisOperation>},
+    {L"=", &only<CAsignmentOperation>},
+    {L"!", &only<CNoOperation>},
+    {L"AND", &only<CAndOperation>},
+    {L"OR", &only<COrOperation>},
+    {L"G", &only<CGreaterOperation>},
+    {L"L", &only<CLessOperation>},
+    {L"E", &only<CEqualOperation>},
+    {L"GE", &only<CGEOperation>},
+    {L"LE", &only<CLEOperation>},
+    {L"NE", &only<CNEOperation>},
 };
 
 }  // namespace
@@ -82,12 +86,12 @@ OperandPtr COrOperation::compute(COperand& a, COperand& b) {
 }
 
 OperationPtr createOperation(const wchar_t* symbol) {
-    const auto* maker =
-        std::find_if(std::begin(makers), std::end(makers),
-                     [symbol](const Maker& row) { return wcscmp(row.symbol, symbol) == 0; });
-    if (maker == std::end(makers))
+    const auto* row = std::find_if(std::begin(rows), std::end(rows), [symbol](const Row& row) {
+        return wcscmp(row.symbol, symbol) == 0;
+    });
+    if (row == std::end(rows))
         throw std::wstring(L"It can't new ") + symbol + L" operation";
-    return maker->make();
+    return OperationPtr(row->operation, {[](COperation*) {}});
 }
 
 Decision decide(int32_t top, int32_t current) {

@@ -1,12 +1,15 @@
 #include "logging/CLogLine.h"
 
-#include <cstdio>
+#include <windows.h>
+
 #include <exception>
 #include <iostream>
+#include <new>
 
 #include "logging/CLogSyn.h"
 #include "logging/LogCalls.h"
 #include "system/TextConversion.h"
+#include "system/UniqueHandle.h"
 
 namespace {
 
@@ -28,9 +31,29 @@ private:
     CLogSyn* lock;
 };
 
-void emptyFile(const std::string& path) {
-    if (std::FILE* opened = std::fopen(path.c_str(), "w+"))
-        std::fclose(opened);
+struct FileTraits {
+    using Handle = HANDLE;
+    static Handle invalid() { return INVALID_HANDLE_VALUE; }
+    static void close(Handle file) { CloseHandle(file); }
+};
+using FileHandle = UniqueHandle<FileTraits>;
+
+/// The log's file for appending: the system puts what is written behind what others have written
+/// in the meantime. None when it can't be had.
+FileHandle openForAppending(const char* path) {
+    return FileHandle(CreateFileA(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+void emptyFile(const char* path) {
+    FileHandle(CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                           nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+int64_t endOf(const FileHandle& file) {
+    LARGE_INTEGER end = {};
+    SetFilePointerEx(file.get(), {}, &end, FILE_END);
+    return end.QuadPart;
 }
 
 }  // namespace
@@ -46,13 +69,24 @@ CLogLine::~CLogLine() {
     }
 }
 
-CLogLine& CLogLine::operator<<(const char* narrow) {
-    text << (narrow ? narrow : "null");
+void CLogLine::makeRoom(size_t length) try {
+    text.reserve(length);
+} catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the pieces make their own room
+}
+
+CLogLine& CLogLine::append(std::string_view piece) try {
+    text += piece;
+    return *this;
+} catch (const std::bad_alloc&) {
     return *this;
 }
 
+CLogLine& CLogLine::operator<<(const char* narrow) {
+    return append(narrow ? narrow : "null");
+}
+
 CLogLine& CLogLine::operator<<(const wchar_t* wide) {
-    return *this << toNarrowText(wide).get();
+    return appendNarrow(text, wide) ? *this : append("null");
 }
 
 CLogLine& CLogLine::operator<<(const std::wstring& wide) {
@@ -69,23 +103,24 @@ CLogLine& CLogLine::operator<<(bool value) {
 }
 
 void CLogLine::write() {
-    if (path.empty())
-        std::cout << text.view() << std::endl;
+    if (*path == '\0')
+        std::cout << text << std::endl;
     else
         appendToFile();
 }
 
 void CLogLine::appendToFile() {
-    file.open(path, std::ios::app);
-    if (!file.is_open())
+    FileHandle file = openForAppending(path);
+    if (!file)
         return;
-    file.seekp(0, std::ios::end);
-    if (file.tellp() > maxSize) {
-        file.close();
+    if (endOf(file) > maxSize) {
+        file.reset();
         emptyFile(path);
-        file.open(path, std::ios::app);
+        file = openForAppending(path);
     }
-    file << text.view() << std::endl;
-    file.flush();
-    file.close();
+    text += '\n';
+    for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 2))
+        text.insert(end, 1, '\r');
+    DWORD written = 0;
+    WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
 }

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <charconv>
 #include <cstdint>
-#include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 class CLogSyn;
@@ -17,8 +18,8 @@ public:
     CLogLine& operator=(const CLogLine&) = delete;
     ~CLogLine();
 
-    /// Wide text is converted to the active code page. Text that is null, or can't be converted for
-    /// lack of memory, appends "null".
+    /// Wide text is converted to the active code page. Text that is null, or can't be converted,
+    /// appends "null". Pieces for which there is no memory are left out.
     CLogLine& operator<<(const char* narrow);
     CLogLine& operator<<(const wchar_t* wide);
     CLogLine& operator<<(const std::wstring& wide);
@@ -27,12 +28,14 @@ public:
 
     template <class Integer>
     requires std::is_integral_v<Integer> CLogLine& operator<<(Integer value) {
-        text << +value;  // a number, also of the types that are characters to a stream
-        return *this;
+        char digits[20];  // 2^64 - 1 has as many, and -2^63
+        // A number, also of the types that are characters.
+        const auto end = std::to_chars(digits, std::end(digits), +value).ptr;
+        return append({digits, end});
     }
 
     /// What has been composed, and the level that the line was opened at.
-    std::string composed() const { return text.str(); }
+    const std::string& composed() const { return text; }
     int32_t openedAt() const { return level; }
 
     /// Writes the line to the log's file, or to the standard output where the log has none.
@@ -41,12 +44,13 @@ public:
 private:
     friend class CLogWriter;
 
+    void makeRoom(size_t length);
+    CLogLine& append(std::string_view piece);
     void appendToFile();
 
-    std::ostringstream text;
-    std::string path;
-    int32_t maxSize = 0;  // bytes
-    std::ofstream file;
+    std::string text;
+    const char* path = "";  // the writer's
+    int32_t maxSize = 0;    // bytes
     CLogSyn* lock = nullptr;
     int32_t threshold = 1;
     int32_t level = 0;

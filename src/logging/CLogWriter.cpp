@@ -5,6 +5,13 @@
 
 CLogWriter logWriter;
 
+namespace {
+
+/// What a line is expected to come to, in bytes.
+constexpr size_t usualLength = 200;
+
+}  // namespace
+
 const char* levelName(int32_t level) {
     switch (level) {
         case DEBUG:
@@ -21,12 +28,13 @@ const char* levelName(int32_t level) {
 }
 
 CLogLine& CLogWriter::open(int32_t level, CLogLine& line) {
-    line.path = path;
+    line.path = path.c_str();
     line.maxSize = maxSize;
     line.lock = &lock;
     line.threshold = threshold;
     line.level = level;
 
+    line.makeRoom(usualLength);
     line << "[" << levelName(level) << "]";
     if (const auto now = localTime())
         line << "[" << now->year << "-" << now->month << "-" << now->day << " " << now->hour << ":"

@@ -12,5 +12,5 @@ struct LocalTime {
     int second;
 };
 
-/// The current time, or nothing when the system can't convert it.
+/// The current time, or nothing when the system doesn't tell it.
 std::optional<LocalTime> localTime();

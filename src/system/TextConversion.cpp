@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <cwchar>
 #include <iterator>
 #include <new>
 
@@ -61,6 +62,26 @@ NarrowText toNarrowTextOrThrow(const wchar_t* text) {
     if (!textCalls.WideCharToMultiByte(CP_ACP, 0, text, -1, narrow.get(), length, nullptr, nullptr))
         return nullptr;
     return narrow;
+}
+
+// No code page takes more than three bytes for a character of UTF-16. The longer way is as above.
+bool appendNarrow(std::string& narrow, const wchar_t* text) try {
+    if (text == nullptr)
+        return false;
+    const size_t begin = narrow.size();
+    const size_t room = 3 * std::wcslen(text) + 1;
+    narrow.resize(begin + room);
+    const int length = textCalls.WideCharToMultiByte(CP_ACP, 0, text, -1, narrow.data() + begin,
+                                                     static_cast<int>(room), nullptr, nullptr);
+    narrow.resize(length > 0 ? begin + length - 1 : begin);
+    if (length > 0)
+        return true;
+    const NarrowText converted = toNarrowText(text);
+    if (converted)
+        narrow += converted.get();
+    return converted != nullptr;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 WideText toWideText(const char* text) {

@@ -27,6 +27,10 @@ NarrowText toNarrowTextOrThrow(const wchar_t* text);
 /// null.
 bool convertOrThrow(const char* text, std::wstring& wide);
 
+/// toNarrowText, appended to a text of the caller's. False, with `narrow` as it was, where that
+/// gives null.
+bool appendNarrow(std::string& narrow, const wchar_t* text);
+
 /// toWideTextOrThrow for a text that is only looked at: a short one takes no memory.
 class PassingText {
 public:

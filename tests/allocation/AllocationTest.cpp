@@ -142,15 +142,29 @@ TEST(AllocationTest, ExpressionReleasesWhatAFailureLeftOnItsStacks) {
     EXPECT_EQ(liveAllocations(), before);
 }
 
-TEST(AllocationTest, LogLineIsLostSilently) {
+TEST(AllocationTest, LogLineIsWrittenWithoutMemory) {
     const LogFile log;
     std::optional<CLogLine> line(std::in_place);
-    logWriter.open(ERROR, *line) << "lost";
+    logWriter.open(ERROR, *line) << "kept";
     {
         const FailingAllocation failing;
         line.reset();
     }
-    EXPECT_THAT(log.lines(), testing::IsEmpty());
+    EXPECT_THAT(log.lines(), testing::ElementsAre("[ERROR] kept"));
+}
+
+TEST(AllocationTest, LogLineIsSilentlyWithoutThePiecesForWhichThereIsNoMemory) {
+    const LogFile log;
+    const std::string large(1000, 'x');
+    const std::wstring wide(1000, L'x');
+    std::optional<CLogLine> line(std::in_place);
+    logWriter.open(ERROR, *line) << "kept";
+    {
+        const FailingAllocation failing;
+        *line << large.c_str() << wide << 1;
+    }
+    line.reset();
+    EXPECT_THAT(log.lines(), testing::ElementsAre("[ERROR] keptnull1"));
 }
 
 // Wherever memory ends, a load fails or tells so by std::bad_alloc, and the context can be used on.

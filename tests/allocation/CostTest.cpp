@@ -73,14 +73,13 @@ protected:
 };
 
 TEST_F(VisitCostTest, CautionStaysWithinItsAllocations) {
-    expectAtMost(21,
-                 allocationsOfEach(
-                     "<Caution Title='Please wait a moment' On='install'/>",
-                     "<InstallExecuteSequence><Fragment>$</Fragment></InstallExecuteSequence>"));
+    expectAtMost(6, allocationsOfEach(
+                        "<Caution Title='Please wait a moment' On='install'/>",
+                        "<InstallExecuteSequence><Fragment>$</Fragment></InstallExecuteSequence>"));
 }
 
 TEST_F(VisitCostTest, ConditionStaysWithinItsAllocations) {
-    expectAtMost(31,
+    expectAtMost(12,
                  allocationsOfEach(
                      "<Condition Expression='OS_BIT E 64'/>",
                      "<InstallExecuteSequence><Fragment>$</Fragment></InstallExecuteSequence>"));
@@ -90,7 +89,7 @@ TEST_F(VisitCostTest, FileStaysWithinItsAllocations) {
     const FakeFind find([](auto...) { return INVALID_HANDLE_VALUE; });
     const FakeCreateDirectory create([](auto...) { return TRUE; });
     const FakeCopy copy([](auto...) { return TRUE; });
-    expectAtMost(47,
+    expectAtMost(15,
                  allocationsOfEach(
                      "<File Name='greeter.exe' Source='payload\\greeter.exe'/>",
                      "<Directory Path='C:\\temz-tests'><Component Id='C'>$</Component></Directory>"
@@ -100,7 +99,7 @@ TEST_F(VisitCostTest, FileStaysWithinItsAllocations) {
 
 // The component's path is that of its directory, which begins with that of another.
 TEST_F(VisitCostTest, ReferenceOverTwoChainsOfDirectoriesStaysWithinItsAllocations) {
-    expectAtMost(348,
+    expectAtMost(60,
                  allocationsOfEach(
                      "<ComponentRef Id='C'/>",
                      directories("C:\\a", "<Directory Id='D' Path='a'/>") +
@@ -114,7 +113,7 @@ TEST_F(CostTest, EvaluationStaysWithinItsAllocations) {
                             "<Variable Id='Count' Type='int' Value='3'/>"));
     const size_t before = allocationsSoFar().allocations;
     EXPECT_TRUE(CExpression().evaluate(L"OS_BIT E 64 AND ( ! Flag OR Count GE 3 )", context));
-    expectAtMost(32, allocationsSoFar().allocations - before);
+    expectAtMost(21, allocationsSoFar().allocations - before);
 }
 
 /// A tenth of the elements are fragments that others refer to, and the rest their contents.

@@ -77,15 +77,16 @@ TEST_F(ExpressionGrowthTest, TenTimesTheExpressionAllocatesTenTimesAsMuch) {
         const AllocationCount small = costOf(shape.make(1000));
         const AllocationCount large = costOf(shape.make(10000));
         EXPECT_LE(large.allocations, small.allocations * 11);
-        EXPECT_LE(large.bytes, small.bytes * 11);
+        // A stack that has become too small moves to twice its room.
+        EXPECT_LE(large.bytes, small.bytes * 20);
     }
 }
 
-TEST_F(ExpressionGrowthTest, TermCostsItsPieceItsOperationItsOperandAndTheResult) {
+TEST_F(ExpressionGrowthTest, TermCostsItsPieceItsOperandAndTheResult) {
     constexpr size_t more = 1000;
     const AllocationCount small = costOf(termsJoinedBy(L" AND 1", more));
     const AllocationCount large = costOf(termsJoinedBy(L" AND 1", 2 * more));
-    EXPECT_EQ(large.allocations - small.allocations, 4 * more);
+    EXPECT_EQ(large.allocations - small.allocations, 3 * more);
 }
 
 TEST_F(ExpressionGrowthTest, DepthIsLimitedByMemoryAlone) {

@@ -19,13 +19,11 @@ namespace {
 
 class ReleaseTest : public ScriptTest {
 protected:
-    /// Makes `expression` fail and gives what it leaves on top of its stacks.
-    std::vector<ReleaseWatch::Block> topsAfterAFailure() {
+    /// Makes `expression` fail and gives what it leaves on top of its operands.
+    std::vector<ReleaseWatch::Block> topAfterAFailure() {
         EXPECT_THROW(expression->evaluate(L"1 AND 2 3", context), std::wstring);
-        const auto& operations = memberAt<std::stack<OperationPtr>>(*expression, 0);
-        const auto& operands =
-            memberAt<OperandStack>(*expression, sizeof(std::stack<OperationPtr>));
-        return {{operands.top().get(), "operand"}, {operations.top().get(), "operation"}};
+        const auto& operands = memberAt<OperandStack>(*expression, sizeof(OperandStack));
+        return {{operands.top().get(), "operand"}};
     }
 
     std::optional<CExpression> expression{std::in_place};
@@ -62,20 +60,20 @@ TEST_F(ReleaseTest, UnloadTakesTheProductThenTheVariablesThenTheDocument) {
     EXPECT_EQ(element->getValueText(), L"v");
 }
 
-TEST_F(ReleaseTest, NextEvaluationReleasesTheOperationsBeforeTheOperands) {
-    const ReleaseWatch watch(topsAfterAFailure());
+TEST_F(ReleaseTest, NextEvaluationReleasesTheOperandsOfTheLast) {
+    const ReleaseWatch watch(topAfterAFailure());
 
     expression->evaluate(L"1", context);
 
-    EXPECT_THAT(watch.released(), ElementsAre("operation", "operand"));
+    EXPECT_THAT(watch.released(), ElementsAre("operand"));
 }
 
-TEST_F(ReleaseTest, EndOfAnExpressionReleasesTheOperationsBeforeTheOperands) {
-    const ReleaseWatch watch(topsAfterAFailure());
+TEST_F(ReleaseTest, EndOfAnExpressionReleasesItsOperands) {
+    const ReleaseWatch watch(topAfterAFailure());
 
     expression.reset();
 
-    EXPECT_THAT(watch.released(), ElementsAre("operation", "operand"));
+    EXPECT_THAT(watch.released(), ElementsAre("operand"));
 }
 
 // What is done first for a child is to convert its name.

@@ -28,6 +28,7 @@ struct Fault {
 
     DWORD error = usualError;
     bool lasting = false;  ///< the call goes on failing, whatever its arguments
+    size_t times = 1;      ///< how many uses with the same texts fail in a row
 
     bool operator==(const Fault&) const = default;
 };
@@ -97,7 +98,9 @@ private:
         use.time = ++counts[call + " " + use.arguments];
         uses.push_back(use);
         const bool again = hasFailed && how.lasting && use.call == failing.call;
-        const bool fails = again || use == failing;
+        const bool inARow = use.call == failing.call && use.arguments == failing.arguments &&
+                            use.time >= failing.time && use.time < failing.time + how.times;
+        const bool fails = again || inARow;
         hasFailed |= fails;
         return fails;
     }

@@ -27,8 +27,7 @@ struct FaultRow {
     const char* arguments;  ///< the texts of the use; "" for any
     FaultedUses uses;
     /// What a run is told and leaves other than an undisturbed one: "- " and a line that it lacks,
-    /// "+ " and one that it has in addition. For {arguments} stand those of the use, and for {line}
-    /// and {line without time} the line of the log that has the same number as the use.
+    /// "+ " and one that it has in addition. For {arguments} stand those of the use.
     std::vector<std::string> differences;
     /// Why the call isn't made at all or not made fail here; null when it is.
     const char* reason = nullptr;
@@ -46,5 +45,4 @@ std::vector<const FaultRow*> rowsOf(const Scenario& scenario, int32_t mode, cons
 /// in another place is lacking in one and additional in the other.
 std::vector<std::string> differencesBetween(const ScenarioRun& undisturbed, const ScenarioRun& run);
 /// The differences of a row for one use.
-std::vector<std::string> differencesOf(const FaultRow& row, const CallUse& use,
-                                       const ScenarioRun& undisturbed);
+std::vector<std::string> differencesOf(const FaultRow& row, const CallUse& use);

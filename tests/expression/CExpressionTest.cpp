@@ -64,7 +64,6 @@ protected:
 };
 
 TEST_F(CExpressionTest, HoldsOperationsThenOperandsThenTheSymbolInFront) {
-    using OperationStack = std::stack<OperationPtr>;
     const auto& operations = memberAt<OperationStack>(expression, 0);
     const auto& operands = memberAt<OperandStack>(expression, sizeof(OperationStack));
     const auto& symbol = memberAt<std::wstring>(expression, 2 * sizeof(OperationStack));

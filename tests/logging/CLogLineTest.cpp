@@ -175,6 +175,30 @@ TEST(CLogLineTest, HoldsNoFileWhileItIsComposed) {
     EXPECT_THAT(log.lines(), ElementsAre("[INFO] text"));
 }
 
+TEST(CLogLineTest, HasTheLineEndsOfTheSystemWithinToo) {
+    const LogFile log;
+
+    writeLog(INFO, "\none\n\r\ntwo", L"\n");
+
+    EXPECT_THAT(readFile(logPath), EndsWith("] \r\none\r\n\r\r\ntwo\r\n\r\n"));
+}
+
+TEST(CLogLineTest, StandsBehindWhatOthersWriteAfterItsFileIsOpen) {
+    const LogFile log;
+    writeFile(logPath, "earlier\r\n");
+    const HANDLE other = CreateFileW(logPath, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                     nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE);
+
+    writeLog(INFO, "one");
+    DWORD count = 0;
+    WriteFile(other, "other\r\n", 7, &count, nullptr);
+    writeLog(INFO, "two");
+    CloseHandle(other);
+
+    EXPECT_THAT(log.lines(), ElementsAre("earlier", "[INFO] one", "other", "[INFO] two"));
+}
+
 TEST(CLogLineTest, IsLostWhileTheFileIsHeldExclusively) {
     const LogFile log;
     const HANDLE file = CreateFileW(logPath, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
@@ -190,8 +214,7 @@ TEST(CLogLineTest, IsLostWhileTheFileIsHeldExclusively) {
 TEST(CLogLineTest, GoesToTheStandardOutputWhereThereIsNoPath) {
     const LogFile log;
     StandardOutput output;
-    const FakeCall<clockCalls, &ClockCalls::SystemTimeToTzSpecificLocalTime> noTime(
-        [](auto...) { return FALSE; });
+    const FakeCall<clockCalls, &ClockCalls::GetLocalTime> noTime([](SYSTEMTIME*) {});
     CLogWriter writer;
     memberAt<std::string>(writer, 0) = "";
 

@@ -7,18 +7,11 @@
 
 namespace {
 
-TEST(LocalTimeTest, ConvertsTheSystemTimeToTheZoneOfTheSystem) {
-    const FakeCall<clockCalls, &ClockCalls::GetSystemTime> now(
-        [](SYSTEMTIME* utc) { *utc = {2026, 12, 4, 31, 23, 3, 9, 500}; });
-    const FakeCall<clockCalls, &ClockCalls::SystemTimeToTzSpecificLocalTime> convert(
-        [](auto zone, auto utc, SYSTEMTIME* local) {
-            EXPECT_EQ(zone, nullptr);
-            EXPECT_EQ(utc->wYear, 2026);
-            EXPECT_EQ(utc->wHour, 23);
-            *local = {2027, 1, 5, 2, 7, 4, 10, 500};
-            SetLastError(ERROR_INVALID_PARAMETER);
-            return TRUE;
-        });
+TEST(LocalTimeTest, IsThatOfTheSystem) {
+    const FakeCall<clockCalls, &ClockCalls::GetLocalTime> now([](SYSTEMTIME* local) {
+        *local = {2027, 1, 5, 2, 7, 4, 10, 500};
+        SetLastError(ERROR_INVALID_PARAMETER);
+    });
 
     const std::optional<LocalTime> time = localTime();
 
@@ -31,9 +24,8 @@ TEST(LocalTimeTest, ConvertsTheSystemTimeToTheZoneOfTheSystem) {
     EXPECT_EQ(time->second, 10);
 }
 
-TEST(LocalTimeTest, IsNothingWhenTheSystemCannotConvert) {
-    const FakeCall<clockCalls, &ClockCalls::SystemTimeToTzSpecificLocalTime> convert(
-        [](auto...) { return FALSE; });
+TEST(LocalTimeTest, IsNothingWhenTheSystemDoesNotTellIt) {
+    const FakeCall<clockCalls, &ClockCalls::GetLocalTime> silent([](SYSTEMTIME*) {});
 
     EXPECT_FALSE(localTime());
 }

@@ -102,11 +102,10 @@ protected:
     bool readable = true;
 
 private:
-    const FakeCall<clockCalls, &ClockCalls::SystemTimeToTzSpecificLocalTime> convert{
-        [this](auto, auto, SYSTEMTIME* local) {
+    const FakeCall<clockCalls, &ClockCalls::GetLocalTime> now{[this](SYSTEMTIME* local) {
+        if (readable)
             *local = moment;
-            return readable;
-        }};
+    }};
 };
 
 std::wstring stampedName(const wchar_t* path) {

@@ -262,12 +262,11 @@ TEST_F(ShellLinkCallsTest, SetTheIconItselfWhileTheTimeForAStampCannotBeRead) {
     inFreshProcess([this] {
         const TestFolder folder;
         const std::wstring icon = folder.write(L"app.ico", "icon");
-        BOOL readable = FALSE;
-        const FakeCall<clockCalls, &ClockCalls::SystemTimeToTzSpecificLocalTime> convert(
-            [&](auto zone, auto utc, SYSTEMTIME* local) {
-                convert.real(zone, utc, local);
-                return readable;
-            });
+        bool readable = false;
+        const FakeCall<clockCalls, &ClockCalls::GetLocalTime> now([&](SYSTEMTIME* local) {
+            if (readable)
+                now.real(local);
+        });
         std::vector<std::wstring> copies;
         const FakeCall<fileCalls, &FileCalls::CopyFileW> copy([&](auto from, auto to, BOOL fail) {
             copies = {from, to};
@@ -281,7 +280,7 @@ TEST_F(ShellLinkCallsTest, SetTheIconItselfWhileTheTimeForAStampCannotBeRead) {
         EXPECT_EQ(readFile(icon), "icon");
         EXPECT_THAT(log.lines(), IsEmpty());
 
-        readable = TRUE;
+        readable = true;
         EXPECT_EQ(createShellLink(L"C:\\App.lnk", L"C:\\app.exe", L"", icon.c_str()), 0);
         EXPECT_NE(stamped(icon), icon);
         EXPECT_THAT(shell.calls, Contains(L"SetIconLocation 0 " + stamped(icon)));
