@@ -55,6 +55,26 @@ TEST(AllocationTest, TextHelpersGiveNull) {
     EXPECT_EQ(nextPiece(L"a", delimiters, 4, rest, index), nullptr);
 }
 
+// What is behind a block is looked at when it is released.
+TEST(AllocationTest, TextHelpersStayWithinTheirBlocks) {
+    const uint8_t data[] = {0x01, 0xAB, 0xFF};
+    std::unique_ptr<uint8_t[]> bytes;
+    size_t count = 0;
+    const wchar_t* const delimiters[] = {L"=", L"+", L"-", L"*"};
+    const wchar_t* rest = nullptr;
+    int32_t index = 0;
+
+    EXPECT_STREQ(toWideText("text").get(), L"text");
+    EXPECT_STREQ(toNarrowText(L"text").get(), "text");
+    EXPECT_STREQ(roundTripWideText(L"text").get(), L"text");
+    EXPECT_STREQ(ansiToUtf8("text").get(), "text");
+    EXPECT_STREQ(joinPath(L"text", L"text").get(), L"text\\text");
+    EXPECT_STREQ(parentDirectory(L"text\\text").get(), L"text");
+    EXPECT_STREQ(bytesToHexText(data, sizeof data).get(), "01ABFF");
+    EXPECT_TRUE(hexTextToBytes("01ABFF", bytes, count));
+    EXPECT_STREQ(nextPiece(L"text=", delimiters, 4, rest, index).get(), L"text");
+}
+
 TEST(AllocationTest, HandlesAreNull) {
     const TestFolder folder;
     const XmlDocumentPtr document = openDocument(folder.write(L"a.xml", script).c_str());

@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -29,6 +30,22 @@ bool mustFail() {
     }
     --toFail;
     return failed = true;
+}
+
+/// Stands behind each block. Who writes beyond a block's end ends the program when the block is
+/// released.
+constexpr unsigned char guard[] = {0xFD, 0xFC, 0xFB, 0xFA, 0xFD, 0xFC, 0xFB, 0xFA};
+
+size_t sizeOf(void* memory) {
+    return _msize(memory) - sizeof guard;
+}
+
+void checkGuard(const void* memory, size_t size) {
+    if (std::memcmp(static_cast<const char*>(memory) + size, guard, sizeof guard) == 0)
+        return;
+    std::fprintf(stderr, "A block of %u bytes was written to beyond its end.\n",
+                 static_cast<unsigned>(size));
+    std::abort();
 }
 
 }  // namespace
@@ -102,12 +119,13 @@ void ReleaseWatch::note(const void* memory) {
 }
 
 void* operator new(size_t size) {
-    void* memory = mustFail() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    void* memory = mustFail() ? nullptr : std::malloc(size + sizeof guard);
     if (memory == nullptr)
         throw std::bad_alloc();
     std::memset(memory, freshByte, size);
+    std::memcpy(static_cast<char*>(memory) + size, guard, sizeof guard);
     ++live;
-    liveSize += _msize(memory);
+    liveSize += size;
     largestSize = std::max(largestSize, liveSize);
     ++made.allocations;
     made.bytes += size;
@@ -121,8 +139,10 @@ void* operator new[](size_t size) {
 void operator delete(void* memory) noexcept {
     if (memory == nullptr)
         return;
+    const size_t size = sizeOf(memory);
+    checkGuard(memory, size);
     --live;
-    liveSize -= _msize(memory);
+    liveSize -= size;
     if (watch)
         watch->note(memory);
     std::free(memory);

@@ -89,6 +89,15 @@ TEST(XmlBoundsTest, DepthOfAnyBranchCounts) {
     EXPECT_TRUE(staysWithin("<r><b><c/></b><b><c/></b></r>", 3));
 }
 
+TEST(XmlBoundsTest, MarkupWithoutContentHidesNoElement) {
+    std::string text;
+    for (int level = 0; level < 4; ++level)
+        text += "<><a>";
+
+    EXPECT_TRUE(staysWithin(text, 4));
+    EXPECT_FALSE(staysWithin(text, 3));
+}
+
 TEST(XmlBoundsTest, TextMayEndWithinAValue) {
     for (const char* text : {"<a b=", "<a b=c", "<a b='c", "<a><b c=d"})
         EXPECT_TRUE(staysWithin(text, 2)) << text;
