@@ -115,7 +115,7 @@ std::optional<DWORD> ShadowServices::startTypeOf(const Handle& handle,
     system.QueryServiceConfigW(handle.real, nullptr, 0, &size);
     std::vector<uint64_t> block(size / sizeof(uint64_t) + 1);
     auto* const config = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(block.data());
-    if (size < sizeof *config || !system.QueryServiceConfigW(handle.real, config, size, &size))
+    if (!system.QueryServiceConfigW(handle.real, config, size, &size))
         return services.at(handle.service).startType;
     if (config->lpBinaryPathName)
         program = config->lpBinaryPathName;
@@ -163,11 +163,16 @@ DWORD ShadowServices::refusalOfProgram(const std::wstring& commandLine) const {
     }
 }
 
-DWORD ShadowServices::start(const Handle* handle) {
+/// For a request that needs a handle to a service with a right.
+DWORD ShadowServices::refusalOf(const Handle* handle, DWORD right) {
     if (handle == nullptr || handle->service.empty())
         return ERROR_INVALID_HANDLE;
-    if (!(handle->access & SERVICE_START))
-        return ERROR_ACCESS_DENIED;
+    return handle->access & right ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+DWORD ShadowServices::start(const Handle* handle) {
+    if (const DWORD error = refusalOf(handle, SERVICE_START))
+        return error;
     Service& service = services.at(handle->service);
     SERVICE_STATUS status;
     const DWORD state = stateOf(*handle, status);
@@ -191,10 +196,8 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::StartServiceW>, SC_HANDLE servic
 }
 
 DWORD ShadowServices::stop(const Handle* handle, SERVICE_STATUS& status) {
-    if (handle == nullptr || handle->service.empty())
-        return ERROR_INVALID_HANDLE;
-    if (!(handle->access & SERVICE_STOP))
-        return ERROR_ACCESS_DENIED;
+    if (const DWORD error = refusalOf(handle, SERVICE_STOP))
+        return error;
     Service& service = services.at(handle->service);
     const DWORD state = stateOf(*handle, status);
     if (state == SERVICE_STOPPED)
@@ -220,10 +223,8 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::ControlService>, SC_HANDLE servi
 }
 
 DWORD ShadowServices::remove(const Handle* handle) {
-    if (handle == nullptr || handle->service.empty())
-        return ERROR_INVALID_HANDLE;
-    if (!(handle->access & DELETE))
-        return ERROR_ACCESS_DENIED;
+    if (const DWORD error = refusalOf(handle, DELETE))
+        return error;
     Service& service = services.at(handle->service);
     if (service.isMarked)
         return ERROR_SERVICE_MARKED_FOR_DELETE;
@@ -239,10 +240,8 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::DeleteService>, SC_HANDLE servic
 }
 
 DWORD ShadowServices::change(const Handle* handle, DWORD startType) {
-    if (handle == nullptr || handle->service.empty())
-        return ERROR_INVALID_HANDLE;
-    if (!(handle->access & SERVICE_CHANGE_CONFIG))
-        return ERROR_ACCESS_DENIED;
+    if (const DWORD error = refusalOf(handle, SERVICE_CHANGE_CONFIG))
+        return error;
     Service& service = services.at(handle->service);
     if (service.isMarked)
         return ERROR_SERVICE_MARKED_FOR_DELETE;
