@@ -16,8 +16,7 @@ std::wstring listOfParents(const std::wstring& child) {
 }
 
 std::wstring article(std::wstring_view word) {
-    const bool isVowel =
-        !word.empty() && std::wstring_view(L"AEIOU").find(word.front()) != std::wstring_view::npos;
+    const bool isVowel = std::wstring_view(L"AEIOU").find(word.front()) != std::wstring_view::npos;
     return isVowel ? L"an " : L"a ";
 }
 

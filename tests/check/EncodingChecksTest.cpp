@@ -47,3 +47,23 @@ TEST_F(EncodingChecksTest, ColumnsCountTabsAndUnitsOfUtf16) {
     EXPECT_EQ(findings[0].place, (Place{3, 26, 3}));
     EXPECT_EQ(findings[0].sourceLine, L"\t<Caution Title=\"\U0001F600&amp;\u00FC[X]\"/>");
 }
+
+TEST_F(EncodingChecksTest, TextBeyondAsciiNeedsADeclaredEncoding) {
+    const std::string told = " TZ104 This text isn't ASCII, and the script declares no encoding.\n";
+    EXPECT_EQ(findingsIn(script("", "\xC3\xBC")), "1:66" + told);
+    for (const char* declaration :
+         {"<?xml version=\"1.0\"?>\n", "<?xml version=\"1.0\" encoding=?>\n"})
+        EXPECT_EQ(findingsIn(script(declaration, "\xC3\xBC")), "2:66" + told) << declaration;
+    EXPECT_EQ(findingsIn(script("<?xml version=\"1.0\"?>\n<!-- encoding -->\n", "\xC3\xBC")),
+              "3:66" + told);
+    EXPECT_EQ(findingsIn(script("<?xml version=\"1.0\" encoding=\"utf8\"?>\n", "\xC3\xBC")), "");
+}
+
+TEST_F(EncodingChecksTest, ABareMarkIsTold) {
+    const std::string told = "` is refused by other XML tools.\n";
+    for (const char* title : {"&", "&#;", "&#x;", "& amp;"})
+        EXPECT_EQ(findingsIn(script("", title)), "1:66 TZ106 A bare `&" + told) << title;
+    EXPECT_EQ(findingsIn(script("", "a<b")), "1:67 TZ106 A bare `<" + told);
+    for (const char* title : {"&amp;", "&lt;&gt;&quot;&apos;", "&#65;", "&#x1F;"})
+        EXPECT_EQ(findingsIn(script("", title)), "") << title;
+}
