@@ -88,6 +88,11 @@ TEST_F(EffectsTest, OrderIsJudgedWhereBothHappen) {
           .product =
               R"(<DirectoryRef Id="R"><Component Id="D" On="upgrade"><File Name="z.exe" Source="a"/></Component></DirectoryRef>)"},
          ""},
+        {{.component = R"(<File Name="a" Source="a"/>)",
+          .sequence =
+              R"(<Fragment On="uninstall"><Condition Expression="OS_MAJOR_VERSION E 10"><RemoveDirectory Path="C:\x\y"/><ShellExcute File="C:\x\y\a.exe" ExeCommand="" Return="sync"/></Condition></Fragment>)"},
+         "TZ525 `C:\\x\\y\\a.exe` has been removed by line 1 of the same uninstall. -> move the "
+         "action in front of what removes the file, or limit it by On=\"installupgrade\".\n"},
     };
     expectTold(cases);
 }

@@ -36,16 +36,21 @@ TEST_F(EncodingChecksTest, BytesThatAreNotUtf8AreReadDifferently) {
               "2:66 TZ105 This text isn't UTF-8: each machine reads it in its own code page.\n");
 }
 
+TEST_F(EncodingChecksTest, AByteThatBeginsNoCharacterCountsAsOne) {
+    EXPECT_EQ(findingsIn(script("", "\xF5[X]")).substr(0, 11), "1:66 TZ105 ");
+    EXPECT_NE(findingsIn(script("", "\xF5[X]")).find("\n1:67 TZ4"), std::string::npos);
+}
+
 // Columns count as editors do, which the parser doesn't.
 TEST_F(EncodingChecksTest, ColumnsCountTabsAndUnitsOfUtf16) {
     const std::string text = std::string(declared) +
                              "<Root><Product><InstallExecuteSequence><Fragment>\n"
-                             "\t<Caution Title=\"\xF0\x9F\x98\x80&amp;\xC3\xBC[X]\"/>\n"
+                             "\t<Caution Title=\"\xF0\x9F\x98\x80&amp;\xC3\xBC\xE2\x82\xAC[X]\"/>\n"
                              "</Fragment></InstallExecuteSequence></Product></Root>";
     const std::vector<Finding> findings = check(text);
     ASSERT_EQ(findings.size(), 1U);
-    EXPECT_EQ(findings[0].place, (Place{3, 26, 3}));
-    EXPECT_EQ(findings[0].sourceLine, L"\t<Caution Title=\"\U0001F600&amp;\u00FC[X]\"/>");
+    EXPECT_EQ(findings[0].place, (Place{3, 27, 3}));
+    EXPECT_EQ(findings[0].sourceLine, L"\t<Caution Title=\"\U0001F600&amp;\u00FC\u20AC[X]\"/>");
 }
 
 TEST_F(EncodingChecksTest, TextBeyondAsciiNeedsADeclaredEncoding) {

@@ -79,6 +79,14 @@ TEST_F(ExpressionChecksTest, AConditionThatIsTheSameEverywhereIsTold) {
           .sequence =
               R"(<Fragment On="install"><Fragment On="upgrade"><Condition Expression="1 E 1"><Caution Title="x"/></Condition></Fragment></Fragment>)"},
          ""},
+        {{.sequence =
+              R"(<Fragment><Condition Expression="OS_MAJOR_VERSION OR 0"><Caution Title="x"/></Condition></Fragment>)"},
+         ""},
+        {{.sequence =
+              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="B = 1"/><Condition Expression="B OR 1"><Caution Title="x"/></Condition></Fragment>)",
+          .variables = R"(<Variable Id="B" Type="int" Value="bad"/>)"},
+         "TZ415 The Value of `B`, `bad`, is no integer. -> give it a decimal number without "
+         "blanks.\n"},
     };
     expectTold(cases);
 }

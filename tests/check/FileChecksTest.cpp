@@ -21,6 +21,8 @@ TEST_F(FileChecksTest, NamesOfFilesAreReadAsWindowsReadsThem) {
         {{.component = R"(<File Name="[ProgramFilesFolder]a?.txt" Source="a"/>)"},
          "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
          "product's own directory alone.\n"},
+        {{.component = R"(<File Name="a?" Source="a" Vital="#V"/>)", .changing = true},
+         "TZ514 `a?` has a character that Windows refuses. -> take < > | \" * ? out of it.\n"},
     };
     expectTold(cases);
 }
@@ -65,6 +67,9 @@ TEST_F(FileChecksTest, AFileWhoseProgramIsEndedHasAShorterName) {
          "TZ511 The path has at least 265 characters; Windows makes files of up to 259. -> shorten "
          "it.\n"},
         {{.component = R"(<File Name="#V" Source="a" KillProcess="yes"/>)", .changing = true}, ""},
+        {{.component = R"(<File Name="[ProgramFilesFolder]a" Source="a" KillProcess="yes"/>)"},
+         "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
+         "product's own directory alone.\n"},
     };
     expectTold(cases);
 }

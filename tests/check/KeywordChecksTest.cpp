@@ -59,6 +59,8 @@ TEST_F(KeywordChecksTest, AWordThatIsNoneIsTold) {
               R"(<Fragment On="uninstall"><ServiceControl Name="s" Action="#V" Wait="no"/></Fragment>)",
           .changing = true},
          ""},
+        {{.component = R"(<File Name="a" Source="a" Vital="yess"/>)"},
+         "TZ322 `yess` is no word of `Vital` and counts as `no`. -> did you mean `yes`?\n"},
     };
     expectTold(cases);
 }
@@ -108,6 +110,10 @@ TEST_F(KeywordChecksTest, AValueOfAVariableIsReadAsItStands) {
          "used.\n"},
         {{.component = R"(<File Name="a" Source="a"/>)",
           .variables = R"(<Variable Id="X" Type="string" Value="#NONE"/>)",
+          .changing = true},
+         ""},
+        {{.component = R"(<File Name="a" Source="a"/>)",
+          .variables = R"(<Variable Id="X" Type="int" Value="1234567890"/>)",
           .changing = true},
          ""},
     };

@@ -172,6 +172,9 @@ TEST_F(RegistryChecksTest, KeysAreReadByWhatTheyDo) {
           .on = R"( On="uninstall")"},
          "TZ326 `HKEY_NONE` is no word of `Root`. -> use `HKEY_CLASSES_ROOT`, `HKEY_CURRENT_USER`, "
          "`HKEY_LOCAL_MACHINE`, `HKEY_USERS`, `HKEY_CURRENT_CONFIG`.\n"},
+        {{.component = R"(<RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/>)",
+          .on = R"( On="upgrade")"},
+         ""},
     };
     expectTold(cases);
 }

@@ -26,6 +26,7 @@ TEST_F(StructureChecksTest, AnElementIsJudgedByTheSurestWayToIt) {
          "TZ301 `File` has no `Source`. -> add the attribute.\n"},
         {{.sequence = R"(<Fragment Id="F"><Caution Title="x"/></Fragment><FragmentRef Id="F"/>)"},
          ""},
+        {{.component = R"(<File Name="a" Source="a"/>)", .on = R"( On="")"}, ""},
     };
     expectTold(cases);
 }

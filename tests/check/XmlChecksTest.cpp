@@ -21,6 +21,11 @@ TEST_F(XmlChecksTest, TellsWhereTheParserGaveUp) {
               "tag.\"\n");
 }
 
+TEST_F(XmlChecksTest, TakesALineForEndedByWhicheverMarkEndsIt) {
+    for (const char* end : {"\r", "\n", "\r\n"})
+        EXPECT_TRUE(findingsIn("<a>" + std::string(end) + "</b>" + end).starts_with("2:1 TZ101 "));
+}
+
 TEST_F(XmlChecksTest, TellsOfAnEmptyFile) {
     EXPECT_EQ(findingsIn(""),
               "1:1 TZ101 The script isn't well-formed XML: the parser says \"Error document "

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "SizeText.h"
 #include "support/TestFolder.h"
 
 namespace {
@@ -10,6 +11,11 @@ TEST(MachineFile, TimeThatIsNoneIsLeftOutOfTheText) {
     constexpr FILETIME none{UINT32_MAX, UINT32_MAX};
     EXPECT_EQ(fileText(std::nullopt, 1, none), L"1 byte");
     EXPECT_EQ(fileText(uint64_t{1} << 48 | 2, 3, none), L"1.0.0.2, 3 bytes");
+}
+
+TEST(MachineFile, SizeIsToldInTheLargestUnitThereIs) {
+    EXPECT_EQ(sizeText(uint64_t{3} << 30), L"3.0 GB");
+    EXPECT_EQ(sizeText(uint64_t{1} << 60), L"1048576 TB");
 }
 
 TEST(MachineFile, OnlyWhatCanBeReadHasTheSameContent) {
