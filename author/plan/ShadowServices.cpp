@@ -37,8 +37,9 @@ const wchar_t* nameIn(const NumberName (&names)[size], DWORD number) {
     return L"";
 }
 
+/// Whether a service that hasn't stopped is between two states.
 bool isPending(DWORD state) {
-    return state != SERVICE_STOPPED && state != SERVICE_RUNNING && state != SERVICE_PAUSED;
+    return state != SERVICE_RUNNING && state != SERVICE_PAUSED;
 }
 
 std::wstring withVariables(const std::wstring& text) {
@@ -270,5 +271,5 @@ SC_LOCK ShadowServices::answer(Call<&ServiceCalls::LockServiceDatabase>, SC_HAND
 }
 
 BOOL ShadowServices::answer(Call<&ServiceCalls::UnlockServiceDatabase>, SC_LOCK lock) {
-    return locks.close(lock) || answerOf(ERROR_INVALID_SERVICE_LOCK);
+    return answerOf(locks.close(lock) ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_INVALID_SERVICE_LOCK});
 }

@@ -43,6 +43,12 @@ TEST_F(EffectsTest, WhatACommandNamesCountsAsDealtWith) {
               R"(<Directory Id="Y" Path="C:\y"><Component Id="D"><File Name="a" Source="a"/></Component></Directory><Directory Id="BROKEN"/>)"},
          "TZ407 `Directory` `BROKEN` has no `Path`, and no directory around it has a path. -> give "
          "the Directory a Path, or put it into one that has a path.\n"},
+        {{.sequence =
+              R"(<Feature><ComponentRef Id="D"/></Feature><Fragment On="uninstall"><ShellExcute File="C:\x\a.exe" ExeCommand="[Y]" Return="sync"/></Fragment>)",
+          .product =
+              R"(<Directory Id="Y" Path="#V"><Component Id="D"><File Name="a" Source="a"/></Component></Directory>)",
+          .changing = true},
+         ""},
     };
     expectTold(cases);
 }

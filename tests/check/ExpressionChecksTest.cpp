@@ -167,6 +167,24 @@ TEST_F(ExpressionChecksTest, ABrokenExpressionIsToldByWhatBreaksIt) {
               R"(<Fragment><Condition Expression="N E ANDD"><Caution Title="x"/></Condition></Fragment>)",
           .changing = true},
          "TZ412 `ANDD` is no variable of this script. -> did you mean `AND`?\n"},
+        {{.sequence =
+              R"(<Fragment><Condition Expression="N E = 1"><Caution Title="x"/></Condition></Fragment>)",
+          .changing = true},
+         "TZ411 `=` can't stand behind `E`. -> words such as AND stand in capitals and between "
+         "blanks.\n"},
+        {{.sequence =
+              R"(<Fragment><Condition Expression="1 ## 2"><Caution Title="x"/></Condition></Fragment>)",
+          .changing = true},
+         "TZ411 `#` stands where a number or a variable must stand. -> put blanks around `#`.\n"},
+        {{.sequence =
+              R"(<Fragment><Condition Expression="#W"><Caution Title="x"/></Condition></Fragment>)",
+          .changing = true},
+         "TZ412 `w` is no variable of this script. -> did you mean `W`?\n"},
+        {{.sequence =
+              R"(<Fragment><Condition Expression="[R] = #W"><Caution Title="x"/></Condition></Fragment>)",
+          .changing = true},
+         "TZ412 `C:\\x\\` is no variable of this script. -> correct the name, or define the "
+         "variable.\n"},
     };
     expectTold(cases);
 }

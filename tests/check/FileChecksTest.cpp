@@ -23,6 +23,13 @@ TEST_F(FileChecksTest, NamesOfFilesAreReadAsWindowsReadsThem) {
          "product's own directory alone.\n"},
         {{.component = R"(<File Name="a?" Source="a" Vital="#V"/>)", .changing = true},
          "TZ514 `a?` has a character that Windows refuses. -> take < > | \" * ? out of it.\n"},
+        {{.component = R"(<File Name="a?" Source="a"/>)", .on = R"( On="uninstall")"},
+         "TZ606 `C:\\x\\a?` is removed, but never installed. -> nothing, if the program makes it "
+         "by itself.\n"},
+        {{.component = R"(<Shortcut Name="l" Description="" Target="C:\x\a"/>)",
+          .on = R"( On="uninstall")"},
+         "TZ606 `C:\\x\\l.lnk` is removed, but never installed. -> nothing, if the program makes "
+         "it by itself.\n"},
     };
     expectTold(cases);
 }
@@ -174,6 +181,10 @@ TEST_F(FileChecksTest, ASourceOfAnotherMachineIsTold) {
         {{.component = R"(<File Name="a" Source="[R]b"/>)", .changing = true},
          "TZ518 `C:\\x\\b` is put behind the directory of the host program all the same. -> name "
          "the file relative to the directory of the host program.\n"},
+        {{.component = R"(<File Name="a" Source="[Y]b"/>)",
+          .product = R"(<Directory Id="Y" Path="#V"/>)",
+          .changing = true},
+         ""},
     };
     expectTold(cases);
 }

@@ -69,6 +69,33 @@ TEST_F(FolderChecksTest, AMissingSourceIsHeldForTheNearestFileOfThePayload) {
     }
 }
 
+TEST_F(FolderChecksTest, AMissingSourceIsNamedWithThePayloadWhereItIs) {
+    folder.write(L"files\\abcd", "");
+    const std::vector<Finding> findings =
+        check(product(R"(<File Name="b" Source="files\abce"/>)"), {{}, folder.path(L"files"), {}});
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].help, L"did you mean `files\\abcd`?");
+}
+
+TEST_F(FolderChecksTest, ASourceThatARunCanChangeIsNotLookedFor) {
+    std::string script = product(R"(<File Name="b" Source="#V"/>)",
+                                 R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="V = W"/>
+</Fragment>)");
+    script.insert(script.find("<Product>"), R"(<Variable Id="V" Type="string" Value="files\b"/>
+<VariableConst Id="W" Type="string" Value="files\c"/>)");
+    EXPECT_EQ(findingsIn(script, {{}, folder.makeDirectory(L"files"), {}}), "");
+}
+
+TEST_F(FolderChecksTest, AnUpgradeThatRemovesTheKeyAboveLeavesNone) {
+    const std::wstring previous =
+        folder.write(L"old.xml", product(std::string(twoFiles) + std::string(key)));
+    EXPECT_EQ(findingsIn(product(std::string(twoFiles) +
+                                 R"(<RegistryKey On="upgrade" Action="remove"
+Root="HKEY_CURRENT_USER" Key="Software\K"/>)"),
+                         {{}, {}, previous}),
+              "");
+}
+
 TEST_F(FolderChecksTest, TheScriptsThemselvesAreNoPayload) {
     folder.write(L"files\\a", "");
     folder.write(L"files\\b", "");

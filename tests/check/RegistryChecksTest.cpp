@@ -102,6 +102,14 @@ TEST_F(RegistryChecksTest, ANumberOfTheRegistryIsWrittenInDigits) {
               R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
           .on = R"( On="installupgrade")"},
          "TZ327 `REG_DOWRD` is no word of `Type`. -> did you mean `REG_DWORD`?\n"},
+        {{.component =
+              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="01z"/></RegistryKey>)",
+          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
+          .product =
+              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
+          .on = R"( On="installupgrade")"},
+         "TZ502 `01z` is no decimal number. -> write digits alone, with a minus sign in front if "
+         "need be.\n"},
     };
     expectTold(cases);
 }
@@ -175,6 +183,13 @@ TEST_F(RegistryChecksTest, KeysAreReadByWhatTheyDo) {
         {{.component = R"(<RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/>)",
           .on = R"( On="upgrade")"},
          ""},
+        {{.component =
+              R"(<RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="A\B"/><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="A"/>)",
+          .on = R"( On="uninstall")"},
+         "TZ607 `HKEY_CURRENT_USER\\A\\B` is removed, but never made. -> nothing, if the program "
+         "makes it by itself.\n"
+         "TZ607 `HKEY_CURRENT_USER\\A` is removed, but never made. -> nothing, if the program "
+         "makes it by itself.\n"},
     };
     expectTold(cases);
 }

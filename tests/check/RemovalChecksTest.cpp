@@ -51,6 +51,16 @@ TEST_F(RemovalChecksTest, AWholeDriveAndAFolderOfTheSystemAreNotTheProducts) {
           .sequence = R"(<Fragment On="uninstall"><RemoveDirectory Path="[R]a\b\e"/></Fragment>)"},
          "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
          "product's own directory alone.\n"},
+        {{.component = R"(<File Name="a\b\c\d" Source="a"/>)",
+          .sequence = R"(<Fragment On="uninstall"><RemoveDirectory Path="[R]a\b"/></Fragment>)"},
+         "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
+         "product's own directory alone.\n"},
+        {{.component = R"(<File Name="a" Source="a"/>)",
+          .sequence =
+              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="CHANGED = W"/><RemoveDirectory Path="#CHANGED"/></Fragment>)",
+          .variables = R"(<Variable Id="CHANGED" Type="string" Value=""/>)",
+          .changing = true},
+         ""},
     };
     expectTold(cases);
 }

@@ -91,6 +91,15 @@ TEST_F(StructureChecksTest, ADirectoryIsMadeFromThoseAroundIt) {
          "On=\"uninstall\" at the end of the sequence.\n"
          "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the product's "
          "alone.\n"},
+        {{.sequence = R"(<Feature><ComponentRef Id="E"/></Feature>)",
+          .product =
+              R"(<Directory Path="C:\y"><Directory Path="[ProgramFilesFolder]a"><Component Id="E"><File Name="a" Source="a"/></Component></Directory></Directory>)"},
+         "TZ609 `c:\\y\\[programfilesfolder]` stays after uninstall, empty or not. -> remove it by "
+         "a RemoveDirectory On=\"uninstall\" at the end of the sequence.\n"
+         "TZ514 `[ProgramFilesFolder]a` is put behind the path of the directory around it all the "
+         "same. -> move the Directory directly into the Product.\n"
+         "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the product's "
+         "alone.\n"},
     };
     expectTold(cases);
 }
@@ -116,6 +125,10 @@ TEST_F(StructureChecksTest, WhatNothingReachesIsTold) {
           .product = R"(<Directory Id="Q" Path="C:\q"><Directory Id="IN" Path="in"/></Directory>)"},
          "TZ704 `C:\\q\\in` is beside what the product installs. -> make sure that it is the "
          "product's alone.\n"},
+        {{.sequence = R"(<Feature><ComponentRef Id="E"/></Feature>)",
+          .product =
+              R"(<Directory Id="Z" Path="C:\q"/><Directory Path="C:\q"><Component Id="E"><File Name="a" Source="a"/></Component></Directory>)"},
+         "TZ207 Nothing uses `Directory` `Z`. -> remove it, or refer to it as [Id].\n"},
     };
     expectTold(cases);
 }

@@ -139,6 +139,10 @@ TEST_F(DamagedLibraryTest, FunctionsThatAreNotInTheFileAreNotThere) {
         [](std::string&, auto& headers) { exportsOf(headers).VirtualAddress = 0; },
         [](std::string&, auto& headers) { headers.FileHeader.NumberOfSections = 0; },
         [](std::string&, auto& headers) { headers.FileHeader.SizeOfOptionalHeader = UINT16_MAX; },
+        [](std::string&, auto& headers) {
+            headers.FileHeader.NumberOfSections = UINT16_MAX;
+            exportsOf(headers).VirtualAddress = INT32_MAX;
+        },
     };
     for (size_t i = 0; i < std::size(damages); ++i) {
         const HMODULE library = libraryCalls.LoadLibraryW(damaged(damages[i]).c_str());
