@@ -87,11 +87,15 @@ TEST_F(FolderChecksTest, ASourceThatARunCanChangeIsNotLookedFor) {
 }
 
 TEST_F(FolderChecksTest, AnUpgradeThatRemovesTheKeyAboveLeavesNone) {
-    const std::wstring previous =
-        folder.write(L"old.xml", product(std::string(twoFiles) + std::string(key)));
-    EXPECT_EQ(findingsIn(product(std::string(twoFiles) +
-                                 R"(<RegistryKey On="upgrade" Action="remove"
-Root="HKEY_CURRENT_USER" Key="Software\K"/>)"),
+    const auto creating = [](const std::string& name) {
+        return R"(<RegistryKey On="installupgrade" Action="create" Root="HKEY_CURRENT_USER" Key=")" +
+               name + R"("/>)";
+    };
+    const std::string removing =
+        R"(<RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="Software\K"/>)";
+    const std::wstring previous = folder.write(
+        L"old.xml", product(std::string(twoFiles) + creating(R"(Software\K\Sub)") + removing));
+    EXPECT_EQ(findingsIn(product(std::string(twoFiles) + removing + creating(R"(Software\K)")),
                          {{}, {}, previous}),
               "");
 }

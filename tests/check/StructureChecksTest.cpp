@@ -62,6 +62,13 @@ TEST_F(StructureChecksTest, ADirectoryIsMadeFromThoseAroundIt) {
          "alone.\n"},
         {{.sequence = R"(<Feature><ComponentRef Id="E"/></Feature>)",
           .product =
+              R"(<Directory Path="C:\y"><Directory Path="b"><Component Id="E"><File Name="a" Source="a"/></Component></Directory></Directory>)"},
+         "TZ609 `C:\\y\\b` stays after uninstall, empty or not. -> remove it by a RemoveDirectory "
+         "On=\"uninstall\" at the end of the sequence.\n"
+         "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the product's "
+         "alone.\n"},
+        {{.sequence = R"(<Feature><ComponentRef Id="E"/></Feature>)",
+          .product =
               R"(<Directory Path="C:\q"><Component Id="E"><File Name="a" Source="a"/></Component></Directory>)"},
          "TZ609 `C:\\q` stays after uninstall, empty or not. -> remove it by a RemoveDirectory "
          "On=\"uninstall\" at the end of the sequence.\n"
@@ -127,7 +134,7 @@ TEST_F(StructureChecksTest, WhatNothingReachesIsTold) {
          "product's alone.\n"},
         {{.sequence = R"(<Feature><ComponentRef Id="E"/></Feature>)",
           .product =
-              R"(<Directory Id="Z" Path="C:\q"/><Directory Path="C:\q"><Component Id="E"><File Name="a" Source="a"/></Component></Directory>)"},
+              R"(<Directory Path="C:\p"><Directory Id="Z" Path="in"/></Directory><Directory Path="C:\q"><Component Id="E"><File Name="a" Source="a"/></Component></Directory>)"},
          "TZ207 Nothing uses `Directory` `Z`. -> remove it, or refer to it as [Id].\n"},
     };
     expectTold(cases);
