@@ -38,6 +38,22 @@ inline std::string scriptOf(const Parts& parts) {
            "</InstallExecuteSequence></Product></Root>";
 }
 
+/// A file of the component, with further attributes.
+inline std::string file(const std::string& name, const std::string& more = {}) {
+    return "<File Name=\"" + name + "\" Source=\"a\"" + more + "/>";
+}
+
+/// A fragment of the sequence that says something under a condition.
+inline std::string condition(const std::string& expression) {
+    return "<Fragment><Condition Expression=\"" + expression +
+           "\"><Caution Title=\"x\"/></Condition></Fragment>";
+}
+
+/// One that removes a directory at uninstall.
+inline std::string removal(const std::string& directory) {
+    return "<Fragment On=\"uninstall\"><RemoveDirectory Path=\"" + directory + "\"/></Fragment>";
+}
+
 /// A test that checks scripts of such parts.
 class CPartsTest : public CCheckTest {
 protected:

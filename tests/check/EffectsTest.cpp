@@ -55,7 +55,7 @@ TEST_F(EffectsTest, WhatACommandNamesCountsAsDealtWith) {
 
 TEST_F(EffectsTest, OrderIsJudgedWhereBothHappen) {
     const Case cases[] = {
-        {{.component = R"(<File Name="a.exe" Source="a"/>)",
+        {{.component = file("a.exe"),
           .sequence = R"(<Fragment On="upgrade"><RemoveDirectory Path="[R]"/></Fragment>)"},
          "TZ710 `C:\\x` holds what line 1 has just installed. -> limit it by On=\"uninstall\", or "
          "move it in front of what is installed.\n"},
@@ -69,16 +69,16 @@ TEST_F(EffectsTest, OrderIsJudgedWhereBothHappen) {
           .sequence = R"(<Fragment On="upgrade"><RemoveDirectory Path="[R]"/></Fragment>)"},
          "TZ710 `C:\\x` holds what line 1 has just installed. -> limit it by On=\"uninstall\", or "
          "move it in front of what is installed.\n"},
-        {{.component = R"(<File Name="a.exe" Source="a"/>)",
+        {{.component = file("a.exe"),
           .sequence =
               R"(<Fragment On="upgrade"><Condition Expression="OS_MAJOR_VERSION E 10"><RemoveDirectory Path="[R]"/></Condition></Fragment>)"},
          "TZ710 `C:\\x` holds what line 1 has just installed. -> limit it by On=\"uninstall\", or "
          "move it in front of what is installed.\n"},
-        {{.component = R"(<File Name="a.exe" Source="a"/>)",
+        {{.component = file("a.exe"),
           .sequence = R"(<Fragment On="upgrade"><RemoveDirectory Path="[R]"/></Fragment>)",
           .on = R"( On="install")"},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .sequence =
               R"(<Fragment On="uninstall"><Condition Expression="OS_MAJOR_VERSION E 10"><RemoveDirectory Path="C:\x\y"/></Condition><ShellExcute File="C:\x\y\a.exe" ExeCommand="" Return="sync"/><RemoveDirectory Path="C:\x\z"/><ShellExcute File="C:\x\z\a.exe" ExeCommand="" Return="sync"/></Fragment>)"},
          "TZ525 `C:\\x\\z\\a.exe` has been removed by line 1 of the same uninstall. -> move the "
@@ -94,7 +94,7 @@ TEST_F(EffectsTest, OrderIsJudgedWhereBothHappen) {
           .product =
               R"(<DirectoryRef Id="R"><Component Id="D" On="upgrade"><File Name="z.exe" Source="a"/></Component></DirectoryRef>)"},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .sequence =
               R"(<Fragment On="uninstall"><Condition Expression="OS_MAJOR_VERSION E 10"><RemoveDirectory Path="C:\x\y"/><ShellExcute File="C:\x\y\a.exe" ExeCommand="" Return="sync"/></Condition></Fragment>)"},
          "TZ525 `C:\\x\\y\\a.exe` has been removed by line 1 of the same uninstall. -> move the "

@@ -4,26 +4,26 @@ using FileChecksTest = CPartsTest;
 
 TEST_F(FileChecksTest, NamesOfFilesAreReadAsWindowsReadsThem) {
     const Case cases[] = {
-        {{.component = R"(<File Name="abc1.txt" Source="a"/>)"}, ""},
-        {{.component = R"(<File Name="com1.txt" Source="a"/>)"},
+        {{.component = file("abc1.txt")}, ""},
+        {{.component = file("com1.txt")},
          "TZ515 `com1.txt` is the name of a device. -> choose another name.\n"},
-        {{.component = R"(<File Name="com0.txt" Source="a"/>)"}, ""},
-        {{.component = R"(<File Name=".\..\a\\b" Source="a"/>)"},
+        {{.component = file("com0.txt")}, ""},
+        {{.component = file(R"(.\..\a\\b)")},
          "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
          "product's own directory alone.\n"},
-        {{.component = R"(<File Name="manual " Source="a"/>)"},
+        {{.component = file("manual ")},
          "TZ515 `manual ` ends in a blank or a dot, which Windows drops. -> choose another "
          "name.\n"},
-        {{.component = R"(<File Name="in\manual." Source="a"/>)"},
+        {{.component = file(R"(in\manual.)")},
          "TZ515 `manual.` ends in a blank or a dot, which Windows drops. -> choose another name.\n"
          "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
          "product's own directory alone.\n"},
-        {{.component = R"(<File Name="[ProgramFilesFolder]a?.txt" Source="a"/>)"},
+        {{.component = file("[ProgramFilesFolder]a?.txt")},
          "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
          "product's own directory alone.\n"},
-        {{.component = R"(<File Name="a?" Source="a" Vital="#V"/>)", .changing = true},
+        {{.component = file("a?", R"( Vital="#V")"), .changing = true},
          "TZ514 `a?` has a character that Windows refuses. -> take < > | \" * ? out of it.\n"},
-        {{.component = R"(<File Name="a?" Source="a"/>)", .on = R"( On="uninstall")"},
+        {{.component = file("a?"), .on = R"( On="uninstall")"},
          "TZ606 `C:\\x\\a?` is removed, but never installed. -> nothing, if the program makes it "
          "by itself.\n"},
         {{.component = R"(<Shortcut Name="l" Description="" Target="C:\x\a"/>)",
@@ -73,8 +73,8 @@ TEST_F(FileChecksTest, AFileWhoseProgramIsEndedHasAShorterName) {
           .changing = true},
          "TZ511 The path has at least 265 characters; Windows makes files of up to 259. -> shorten "
          "it.\n"},
-        {{.component = R"(<File Name="#V" Source="a" KillProcess="yes"/>)", .changing = true}, ""},
-        {{.component = R"(<File Name="[ProgramFilesFolder]a" Source="a" KillProcess="yes"/>)"},
+        {{.component = file("#V", R"( KillProcess="yes")"), .changing = true}, ""},
+        {{.component = file("[ProgramFilesFolder]a", R"( KillProcess="yes")")},
          "TZ703 `C:\\x` is above what the product installs, and may hold others. -> remove the "
          "product's own directory alone.\n"},
     };
@@ -115,18 +115,13 @@ TEST_F(FileChecksTest, TheDirectoryThatActionsAreToldOfHasAPath) {
 
 TEST_F(FileChecksTest, OnlyWhatCanBeAnEnvironmentVariableIsTold) {
     const Case cases[] = {
-        {{.sequence = R"(<Fragment On="uninstall"><RemoveDirectory Path="C:\%1%"/></Fragment>)"},
-         ""},
-        {{.sequence = R"(<Fragment On="uninstall"><RemoveDirectory Path="C:\%%"/></Fragment>)"},
-         ""},
-        {{.sequence = R"(<Fragment On="uninstall"><RemoveDirectory Path="C:\%a b%"/></Fragment>)"},
-         ""},
-        {{.sequence =
-              R"(<Fragment On="uninstall"><RemoveDirectory Path="C:\%A_B(x86)%"/></Fragment>)"},
+        {{.sequence = removal(R"(C:\%1%)")}, ""},
+        {{.sequence = removal(R"(C:\%%)")}, ""},
+        {{.sequence = removal(R"(C:\%a b%)")}, ""},
+        {{.sequence = removal(R"(C:\%A_B(x86)%)")},
          "TZ421 `%A_B(x86)%` isn't replaced. -> use a folder word such as [ProgramFilesFolder], or "
          "the Id of a Directory.\n"},
-        {{.sequence =
-              R"(<Fragment On="uninstall"><RemoveDirectory Path="C:\%windir%"/></Fragment>)"},
+        {{.sequence = removal(R"(C:\%windir%)")},
          "TZ421 `%windir%` isn't replaced. -> did you mean `[WindowsFolder]`?\n"},
     };
     expectTold(cases);
@@ -149,13 +144,13 @@ TEST_F(FileChecksTest, TwoFilesInOnePlaceAreToldWhereBothArePutThere) {
         {{.component =
               R"(<Condition Expression="OS_MAJOR_VERSION E 0"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 1"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 2"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 3"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 4"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 5"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 6"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 7"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 8"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 9"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 10"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 11"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 12"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 13"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 14"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 15"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 16"><File Name="a" Source="a"/></Condition><Condition Expression="OS_MAJOR_VERSION E 17"><File Name="a" Source="a"/></Condition>)"},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .sequence = R"(<Feature><ComponentRef Id="D"/></Feature>)",
           .product =
               R"(<DirectoryRef Id="R"><Component Id="D" On="upgrade"><File Name="a" Source="a"/></Component></DirectoryRef>)",
           .on = R"( On="install")"},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .sequence = R"(<Feature><ComponentRef Id="D"/></Feature>)",
           .product =
               R"(<DirectoryRef Id="R"><Component Id="D" On="upgrade"><File Name="a" Source="a"/></Component></DirectoryRef>)",

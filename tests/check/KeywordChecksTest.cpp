@@ -4,18 +4,18 @@ using KeywordChecksTest = CPartsTest;
 
 TEST_F(KeywordChecksTest, AWordThatIsNoneIsTold) {
     const Case cases[] = {
-        {{.component = R"(<File Name="a" Source="a" Vital="#V"/>)", .changing = true}, ""},
-        {{.component = R"(<File Name="a" Source="a" Vital="asyes"/>)", .changing = true},
+        {{.component = file("a", R"( Vital="#V")"), .changing = true}, ""},
+        {{.component = file("a", R"( Vital="asyes")"), .changing = true},
          "TZ323 `asyes` is no word of `Vital` and counts as `no`. -> the word with a meaning is "
          "`yes`.\n"},
-        {{.component = R"(<File Name="a" Source="a" Vital=""/>)", .changing = true},
+        {{.component = file("a", R"( Vital="")"), .changing = true},
          "TZ323 An empty text is no word of `Vital` and counts as `no`. -> the word with a meaning "
          "is `yes`.\n"},
-        {{.component = R"(<File Name="a" Source="a" Vital="YES"/>)", .changing = true},
+        {{.component = file("a", R"( Vital="YES")"), .changing = true},
          "TZ322 `YES` is no word of `Vital` and counts as `no`. -> did you mean `yes`?\n"},
-        {{.component = R"(<File Name="a" Source="a" Vital="on"/>)", .changing = true},
+        {{.component = file("a", R"( Vital="on")"), .changing = true},
          "TZ322 `on` is no word of `Vital` and counts as `no`. -> did you mean `yes`?\n"},
-        {{.component = R"(<File Name="a" Source="a" SupportDelayInstall="true"/>)"},
+        {{.component = file("a", R"( SupportDelayInstall="true")")},
          "TZ322 `true` is no word of `SupportDelayInstall` and counts as `no`. -> did you mean "
          "`yes`?\n"},
         {{.sequence =
@@ -59,7 +59,7 @@ TEST_F(KeywordChecksTest, AWordThatIsNoneIsTold) {
               R"(<Fragment On="uninstall"><ServiceControl Name="s" Action="#V" Wait="no"/></Fragment>)",
           .changing = true},
          ""},
-        {{.component = R"(<File Name="a" Source="a" Vital="yess"/>)"},
+        {{.component = file("a", R"( Vital="yess")")},
          "TZ322 `yess` is no word of `Vital` and counts as `no`. -> did you mean `yes`?\n"},
     };
     expectTold(cases);
@@ -67,52 +67,52 @@ TEST_F(KeywordChecksTest, AWordThatIsNoneIsTold) {
 
 TEST_F(KeywordChecksTest, AValueOfAVariableIsReadAsItStands) {
     const Case cases[] = {
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="int" Value="99999999999"/>)",
           .changing = true},
          "TZ416 `99999999999` counts as 2147483647. -> keep to the range of -2147483648 to "
          "2147483647.\n"},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="int" Value="-99999999999"/>)",
           .changing = true},
          "TZ416 `-99999999999` counts as -2147483648. -> keep to the range of -2147483648 to "
          "2147483647.\n"},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="int" Value="2147483647"/>)",
           .changing = true},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="int" Value="-2147483648"/>)",
           .changing = true},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="string" Value="99999999999"/>)",
           .changing = true},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="string" Value="[ProgramFilesFolder]"/>)",
           .changing = true},
          "TZ420 `[ProgramFilesFolder]` isn't replaced in the Value of a variable. -> write it "
          "where the value is used.\n"},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="string" Value="[R]"/>)",
           .changing = true},
          "TZ420 `[R]` isn't replaced in the Value of a variable. -> write it where the value is "
          "used.\n"},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="string" Value="[NONE]"/>)",
           .changing = true},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="string" Value="#V"/>)",
           .changing = true},
          "TZ420 `#V` isn't replaced in the Value of a variable. -> write it where the value is "
          "used.\n"},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="string" Value="#NONE"/>)",
           .changing = true},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)",
+        {{.component = file("a"),
           .variables = R"(<Variable Id="X" Type="int" Value="1234567890"/>)",
           .changing = true},
          ""},

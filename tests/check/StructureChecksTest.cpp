@@ -26,7 +26,7 @@ TEST_F(StructureChecksTest, AnElementIsJudgedByTheSurestWayToIt) {
          "TZ301 `File` has no `Source`. -> add the attribute.\n"},
         {{.sequence = R"(<Fragment Id="F"><Caution Title="x"/></Fragment><FragmentRef Id="F"/>)"},
          ""},
-        {{.component = R"(<File Name="a" Source="a"/>)", .on = R"( On="")"}, ""},
+        {{.component = file("a"), .on = R"( On="")"}, ""},
     };
     expectTold(cases);
 }
@@ -127,8 +127,8 @@ TEST_F(StructureChecksTest, WhatNothingReachesIsTold) {
          "sequence.\n"},
         {{.product = R"(<Directory Path="C:\q"><Directory Id="IN" Path="in"/></Directory>)"},
          "TZ207 Nothing uses `Directory` `IN`. -> remove it, or refer to it as [Id].\n"},
-        {{.component = R"(<File Name="a" Source="a"/>)",
-          .sequence = R"(<Fragment On="uninstall"><RemoveDirectory Path="[IN]"/></Fragment>)",
+        {{.component = file("a"),
+          .sequence = removal("[IN]"),
           .product = R"(<Directory Id="Q" Path="C:\q"><Directory Id="IN" Path="in"/></Directory>)"},
          "TZ704 `C:\\q\\in` is beside what the product installs. -> make sure that it is the "
          "product's alone.\n"},
@@ -142,7 +142,7 @@ TEST_F(StructureChecksTest, WhatNothingReachesIsTold) {
 
 TEST_F(StructureChecksTest, NamespacesOfXmlAreNobodysAttributes) {
     const Case cases[] = {
-        {{.component = R"(<File Name="a" Source="a" xmlns="x" x:y="z" odd="1"/>)"},
+        {{.component = file("a", R"( xmlns="x" x:y="z" odd="1")")},
          "TZ311 `odd` is never read on a `File`. -> correct its name, remove it, or put it where "
          "it is read.\n"},
     };
