@@ -103,7 +103,7 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::QueryServiceStatus>, SC_HANDLE s
                             SERVICE_STATUS* status) {
     const BOOL answered = system.QueryServiceStatus(realOf(service), status);
     const Handle* const own = handles.find(service);
-    if (answered && own && services.contains(own->service))
+    if (answered && own)
         if (const std::optional<DWORD>& state = services.at(own->service).state)
             status->dwCurrentState = *state;
     return answered;
@@ -127,7 +127,7 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::QueryServiceConfigW>, SC_HANDLE 
                             QUERY_SERVICE_CONFIGW* config, DWORD size, DWORD* needed) {
     const BOOL answered = system.QueryServiceConfigW(realOf(service), config, size, needed);
     const Handle* const own = handles.find(service);
-    if (answered && config && own && services.contains(own->service))
+    if (answered && own)
         config->dwStartType = services.at(own->service).startType.value_or(config->dwStartType);
     return answered;
 }

@@ -284,6 +284,9 @@ TEST_F(ShadowRegistryTest, EnumerationTellsWhatIsAndWhatIsPlannedInOrder) {
          length = 3)
         names.emplace_back(name, length);
     EXPECT_THAT(names, ElementsAre(L"a", L"b", L"C", L"e"));
+    EXPECT_EQ(registryCalls.RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
     EXPECT_EQ(count, 4u);
     EXPECT_TRUE(removeTree(L"In\\a"));
     DWORD nameLength = 3;
