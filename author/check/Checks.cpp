@@ -35,3 +35,9 @@ void Action::tellLength(Fault fault, Fault likely, Span place, const KnownText& 
         checked.report.tellOf(likely, place,
                               L"The text may have " + std::to_wstring(text.longest) + room);
 }
+
+ActionCode actionOf(const MadeElement& element, std::span<const ActionKeyword> keywords) {
+    const KnownText& text = *element.find(L"Action");
+    const ActionKeyword* keyword = text.exact ? findKeyword(keywords, text.text) : nullptr;
+    return keyword ? keyword->action : ActionCode{};
+}

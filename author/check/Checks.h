@@ -35,6 +35,10 @@ struct Action {
                     Modes modes = allModes) const;
 };
 
+/// What the `Action` of an element that could be made stands for; nothing for a text that can
+/// change and for one that is none of the words.
+ActionCode actionOf(const MadeElement& element, std::span<const ActionKeyword> keywords);
+
 /// Calls `check` for each action of these that was made and takes part in some mode.
 template <class Check>
 void forEachActionOf(const std::deque<Visit>& visits, const Checked& checked, Check check) {

@@ -128,11 +128,11 @@ private:
     void checkDirectory(const Action& action) {
         const KnownText& text = *action.text(pathAttribute);
         const std::wstring name = normalized(text.text);
-        if (!text.exact || name.empty())
+        if (!text.exact || text.text.empty())
             return;
-        if (isDriveRoot(name) || name == L"\\")
+        if (isDriveRoot(name) || name.empty())
             return tell(action, Fault::driveRemoved, pathAttribute,
-                        inMarks(name) + L" is a whole drive.");
+                        inMarks(name.empty() ? text.text : name) + L" is a whole drive.");
         const std::wstring path = withFolderWords(lowered(name));
         if (isSystemDirectory(path))
             return tell(action, Fault::folderWordRemoved, pathAttribute,

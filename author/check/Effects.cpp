@@ -1,16 +1,5 @@
 #include "author/check/Effects.h"
 
-namespace {
-
-ActionCode actionOf(const Action& action, std::span<const ActionKeyword> keywords) {
-    const KnownText* text = action.text(L"Action");
-    const ActionKeyword* keyword =
-        text && text->exact ? findKeyword(keywords, text->text) : nullptr;
-    return keyword ? keyword->action : ActionCode{};
-}
-
-}  // namespace
-
 Effects::Effects(const Checked& checked) {
     forEachAction(checked, [&](const Action& action) {
         if (action.is(fileKind))
@@ -57,7 +46,7 @@ void Effects::addFile(const Action& action, Things& things) {
 
 void Effects::addKey(const Action& action) {
     const KnownText path = keyPathOf(action);
-    const ActionCode code = actionOf(action, registryKeyActionKeywords());
+    const ActionCode code = actionOf(*action.visit.made, registryKeyActionKeywords());
     if (!path.exact || code == ActionCode{} ||
         !findKeyword(registryRootKeywords(), action.text(L"Root")->text))
         return;
@@ -83,7 +72,7 @@ void Effects::addService(const Action& action) {
     Service& service =
         servicesByName.try_emplace(lowered(name.text), Service{&action.visit, name.text})
             .first->second;
-    switch (actionOf(action, serviceActionKeywords())) {
+    switch (actionOf(*action.visit.made, serviceActionKeywords())) {
         case ACTION_START_SERVICE:
             if (service.started == 0)
                 service.visit = &action.visit;

@@ -81,7 +81,7 @@ ElementMaker::ElementMaker(const ScriptModel& model, const ScriptVariables& vari
       states(model.elements().size(), State::unknown) {}
 
 bool ElementMaker::asksParent(const ElementKind& kind) {
-    return !kind.derived.empty() || &kind == &registryKeyKind || &kind == &conditionKind;
+    return !kind.derived.empty() || &kind == &conditionKind;
 }
 
 ElementNumber ElementMaker::definitionOf(ElementNumber number) const {

@@ -12,7 +12,7 @@ namespace {
 Span declaredEncoding(const std::string& text) {
     const size_t start = text.find("<?xml");
     const size_t end = text.find("?>", start);
-    if (start == std::string::npos || end == std::string::npos)
+    if (end == std::string::npos)
         return {};
     size_t at = text.find("encoding", start);
     if (at == std::string::npos || at > end)

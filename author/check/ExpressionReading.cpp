@@ -390,12 +390,6 @@ std::vector<ExpressionToken> tokensOf(const std::wstring& expression) {
     return tokens;
 }
 
-bool ExpressionResult::fails() const {
-    return std::any_of(faults.begin(), faults.end(), [](const ExpressionFault& fault) {
-        return fault.surely && kindOf(fault.fault).severity == Severity::error;
-    });
-}
-
 ExpressionResult readExpression(const std::wstring& expression, const ScriptVariables& variables,
                                 NearMiss& nearMiss) {
     return ExpressionReader(variables, nearMiss).read(expression);

@@ -35,7 +35,6 @@ struct ExpressionResult {
     std::vector<ExpressionFault> faults;
     std::optional<bool> value;  ///< when it is the same on every machine
     bool assigns = false;
-    bool fails() const;  ///< each evaluation fails
 };
 
 /// Works an expression out by the engine's own symbols, priorities and operations, as far as the

@@ -95,8 +95,6 @@ void checkVersion(const Action& action) {
             return action.checked.report.tellOf(Fault::versionUnknown,
                                                 action.placeOf(L"MinVersion"),
                                                 inMarks(version->text) + L" is no version.");
-        if (dot == std::wstring::npos)
-            return;
     }
 }
 

@@ -7,15 +7,8 @@
 
 namespace {
 
-bool isExactly(const KnownText* text, std::wstring_view word) {
-    return text && text->exact && text->text == word;
-}
-
-const wchar_t* wordOf(ActionCode action) {
-    for (const ActionKeyword& keyword : registryKeyActionKeywords())
-        if (keyword.action == action)
-            return keyword.word;
-    return L"";
+bool isRemoved(const MadeElement& key) {
+    return actionOf(key, registryKeyActionKeywords()) == ACTION_REMOVE_REGISTRY_KEY;
 }
 
 /// The number of REG_DWORD in the table of types.
@@ -42,9 +35,9 @@ std::wstring decimalHelp(const std::wstring& text) {
 
 void checkValue(const Action& action) {
     const MadeElement* key = action.visit.made->around;
-    while (key && key->kind == &conditionKind)
+    while (key->kind == &conditionKind)
         key = key->around;
-    if (key && isExactly(key->find(L"Action"), wordOf(ACTION_REMOVE_REGISTRY_KEY)))
+    if (isRemoved(*key))
         action.tellFailure(Fault::valueInRemovedKey, action.node.place,
                            L"The key of this `RegistryValue` has just been removed.",
                            L"remove the element: the value goes with its key.");
@@ -74,8 +67,7 @@ void checkKey(const Action& action) {
                                          action.checked.model.spanIn(*key, 0, wcslen(root.word)),
                                          inMarks(root.word) + L" is taken for a key below " +
                                              inMarks(action.text(L"Root")->text) + L".");
-    if (isExactly(action.text(L"Action"), wordOf(ACTION_REMOVE_REGISTRY_KEY)) &&
-        action.text(L"Key")->isSurelyEmpty())
+    if (isRemoved(*action.visit.made) && action.text(L"Key")->isSurelyEmpty())
         action.checked.report.tellOf(
             Fault::emptyKeyRemoved, action.placeOf(L"Key"),
             L"An empty `Key` means all that " + inMarks(action.text(L"Root")->text) + L" holds.",

@@ -92,8 +92,6 @@ uint32_t ScriptText::lineNumberOf(Span span) const {
 }
 
 std::wstring ScriptText::line(uint32_t number) const {
-    if (number == 0 || number > lineStarts.size())
-        return {};
     const std::string_view bytes = lineBytes(number - 1);
     return bytes.size() > longestLine ? L"" : wide(bytes);
 }

@@ -16,8 +16,7 @@ std::wstring listOfParents(const std::wstring& child) {
 }
 
 std::wstring article(std::wstring_view word) {
-    const bool isVowel =
-        !word.empty() && std::wstring_view(L"AEIOU").find(word.front()) != std::wstring_view::npos;
+    const bool isVowel = std::wstring_view(L"AEIOU").find(word.front()) != std::wstring_view::npos;
     return isVowel ? L"an " : L"a ";
 }
 
@@ -164,7 +163,7 @@ void ScriptWalk::visitChild(const Frame& frame, ElementNumber child) {
 
 void ScriptWalk::enter(Visit& visit, Modes possible, Modes sure, const Guard* guard,
                        size_t references) {
-    if (visit.made->kind == &conditionKind && !decide(visit, possible, sure, guard))
+    if (visit.made->kind == &conditionKind && !decide(visit, sure, guard))
         return;
     const ElementNumber firstChild = model[visit.number].firstChild;
     if (firstChild == noElement)
@@ -289,11 +288,11 @@ Modes ScriptWalk::modesOf(const Visit& visit, Modes possible, Modes& sure) {
 }
 
 /// False when the children are never reached.
-bool ScriptWalk::decide(const Visit& visit, Modes possible, Modes& sure, const Guard*& guard) {
+bool ScriptWalk::decide(const Visit& visit, Modes& sure, const Guard*& guard) {
     const ExpressionResult result =
         checkExpression(*visit.made, model, variables, nearMiss, sure != 0, report);
     const bool hasChildren = model[visit.number].firstChild != noElement;
-    if (result.value && hasChildren && possible != 0 && (!result.assigns || !*result.value))
+    if (result.value && hasChildren && (!result.assigns || !*result.value))
         report.tellOf(Fault::sameEverywhere, model[visit.number].find(L"Expression")->valuePlace,
                       *result.value ? L"The condition is true on every machine."
                                     : L"The condition is false on every machine, so what stands in "

@@ -77,7 +77,7 @@ private:
     ElementNumber follow(const ElementNode& reference, bool surely);
     Visit& visitOf(ElementNumber definition, const MadeElement& parent, bool byReference);
     Modes modesOf(const Visit& visit, Modes possible, Modes& sure);
-    bool decide(const Visit& visit, Modes possible, Modes& sure, const Guard*& guard);
+    bool decide(const Visit& visit, Modes& sure, const Guard*& guard);
 
     const ScriptModel& model;
     const ScriptVariables& variables;

@@ -47,7 +47,7 @@ std::wstring nameOf(const std::wstring& path) {
 }
 
 bool endsInSeparator(std::wstring_view path) {
-    return !path.empty() && isSeparator(path.back());
+    return path.ends_with(L'\\') || path.ends_with(L'/');
 }
 
 bool isPattern(std::wstring_view name) {

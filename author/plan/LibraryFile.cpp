@@ -28,9 +28,7 @@ public:
         if (!file || !GetFileSizeEx(file.get(), &length) || length.QuadPart == 0)
             return;
         mapping.reset(CreateFileMappingW(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-        if (mapping)
-            view.reset(
-                static_cast<const char*>(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0)));
+        view.reset(static_cast<const char*>(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0)));
         size = view ? static_cast<size_t>(length.QuadPart) : 0;
     }
 

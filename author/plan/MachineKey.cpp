@@ -63,8 +63,6 @@ std::wstring systemName(HKEY key) {
     }
     static const QueryKey query = queryKey();
     ULONG size = 0;
-    if (query == nullptr)
-        return {};
     query(key, keyNameInformation, nullptr, 0, &size);
     std::vector<ULONG> buffer(size / sizeof(ULONG) + 1);
     if (query(key, keyNameInformation, buffer.data(), size, &size) < 0)

@@ -169,8 +169,7 @@ DWORD ShadowFiles::search(const wchar_t* pattern, std::vector<WIN32_FIND_DATAW>&
             found.push_back(dataOf(newDirectory(dots)));
     }
     const auto ahead = [](const WIN32_FIND_DATAW& one, const WIN32_FIND_DATAW& other) {
-        return !isDotEntry(other.cFileName) &&
-               (isDotEntry(one.cFileName) || LessIgnoringCase()(one.cFileName, other.cFileName));
+        return !isDotEntry(other.cFileName) && LessIgnoringCase()(one.cFileName, other.cFileName);
     };
     visitPlannedIn(directory, [&](const std::wstring&, const SeenFile& file) {
         if (!file.isThere() || !matchesPattern(name, file.name))
@@ -239,8 +238,7 @@ DWORD ShadowFiles::answer(Call<&VersionCalls::GetFileVersionInfoSizeW>, const wc
 BOOL ShadowFiles::answer(Call<&VersionCalls::GetFileVersionInfoW>, const wchar_t* path,
                          DWORD unused, DWORD size, void* block) {
     const std::optional<SeenFile> file = planned(fullPath(path));
-    return versions.GetFileVersionInfoW(file && file->isThere() ? file->content.c_str() : path,
-                                        unused, size, block);
+    return versions.GetFileVersionInfoW(file ? file->content.c_str() : path, unused, size, block);
 }
 
 std::optional<uint64_t> ShadowFiles::versionOf(const std::wstring& path) const {
@@ -305,8 +303,7 @@ DWORD ShadowFiles::refusalToWrite(const wchar_t* target, DWORD newAttributes) co
             tryToOpen(before.content, GENERIC_WRITE) == ERROR_ACCESS_DENIED)
             return ERROR_ACCESS_DENIED;
     }
-    return before.isThere() && (before.attributes & kept & ~newAttributes) ? ERROR_ACCESS_DENIED
-                                                                           : ERROR_SUCCESS;
+    return before.attributes & kept & ~newAttributes ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
 DWORD ShadowFiles::refusalOfRoom(const std::wstring& path, uint64_t bytes,
@@ -336,15 +333,15 @@ Change ShadowFiles::describe(ChangeKind kind, const std::wstring& path, const Se
     Change change{};
     change.kind = kind;
     change.object = path;
-    change.source = after.isThere() ? after.content : L"";
-    change.bytes = after.isThere() ? after.size : 0;
-    change.bytesBefore = before.isThere() ? before.size : 0;
+    change.source = after.content;
+    change.bytes = after.size;
+    change.bytesBefore = before.size;
     if (!listener.wantsContents())
         return change;
     change.before = textOf(before);
     change.after = textOf(after);
     change.sameContent = before.isThere() && after.isThere() && before.size == after.size &&
-                         !before.content.empty() && !after.content.empty() &&
+                         !before.content.empty() &&
                          (equalIgnoringCase(before.content, after.content) ||
                           haveSameContent(before.content, after.content));
     return change;
@@ -352,11 +349,8 @@ Change ShadowFiles::describe(ChangeKind kind, const std::wstring& path, const Se
 
 void ShadowFiles::put(const std::wstring& path, const SeenFile& file) {
     const SeenFile before = look(path);
-    const auto sizeOnDisk = [](const SeenFile& seen) {
-        return static_cast<int64_t>(seen.isThere() ? seen.size : 0);
-    };
     bytesTaken[driveOf(directoryOnMachine(parentOf(path)))] +=
-        sizeOnDisk(file) - sizeOnDisk(before);
+        static_cast<int64_t>(file.size) - static_cast<int64_t>(before.size);
     files[path] = file;
 }
 
@@ -386,7 +380,7 @@ DWORD ShadowFiles::copy(const wchar_t* source, const wchar_t* target, bool keep)
     file.attributes |= FILE_ATTRIBUTE_ARCHIVE;
     if (const DWORD error = refusalToWrite(target, file.attributes))
         return error;
-    if (const DWORD error = refusalOfRoom(to, file.size, before.isThere() ? before.size : 0))
+    if (const DWORD error = refusalOfRoom(to, file.size, before.size))
         return error;
     // Where the system lets a read-only file be written over, it stays read-only.
     if (before.isThere())
@@ -441,7 +435,7 @@ DWORD ShadowFiles::setAttributes(const wchar_t* name, DWORD attributes) {
     if (!file.isThere())
         return file.error;
     const SeenFile before = file;
-    file.attributes = attributes;
+    file.attributes = attributes | (file.attributes & FILE_ATTRIBUTE_DIRECTORY);
     const Change change = describe(ChangeKind::attributesChanged, path, before, file);
     put(path, file);
     listener.planned(change);

@@ -14,7 +14,7 @@
 #include "system/FileCalls.h"
 #include "system/VersionCalls.h"
 
-/// What a run finds under a path.
+/// What a run finds under a path; where nothing is, all but the error is empty.
 struct SeenFile {
     bool isThere() const { return error == ERROR_SUCCESS; }
     bool isDirectory() const { return isThere() && (attributes & FILE_ATTRIBUTE_DIRECTORY); }

@@ -109,7 +109,7 @@ FARPROC ShadowLibraries::answer(Call<&LibraryCalls::GetProcAddress>, HMODULE han
 }
 
 BOOL ShadowLibraries::answer(Call<&LibraryCalls::FreeLibrary>, HMODULE library) {
-    return libraries.close(library) || answerOf(ERROR_INVALID_HANDLE);
+    return answerOf(libraries.close(library) ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_INVALID_HANDLE});
 }
 
 uint32_t ShadowLibraries::answer(Call<&ActionCalls::CallEntry>, CustomActionEntry entry,

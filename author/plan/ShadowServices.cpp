@@ -37,8 +37,9 @@ const wchar_t* nameIn(const NumberName (&names)[size], DWORD number) {
     return L"";
 }
 
+/// Whether a service that hasn't stopped is between two states.
 bool isPending(DWORD state) {
-    return state != SERVICE_STOPPED && state != SERVICE_RUNNING && state != SERVICE_PAUSED;
+    return state != SERVICE_RUNNING && state != SERVICE_PAUSED;
 }
 
 std::wstring withVariables(const std::wstring& text) {
@@ -102,7 +103,7 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::QueryServiceStatus>, SC_HANDLE s
                             SERVICE_STATUS* status) {
     const BOOL answered = system.QueryServiceStatus(realOf(service), status);
     const Handle* const own = handles.find(service);
-    if (answered && own && services.contains(own->service))
+    if (answered && own)
         if (const std::optional<DWORD>& state = services.at(own->service).state)
             status->dwCurrentState = *state;
     return answered;
@@ -115,7 +116,7 @@ std::optional<DWORD> ShadowServices::startTypeOf(const Handle& handle,
     system.QueryServiceConfigW(handle.real, nullptr, 0, &size);
     std::vector<uint64_t> block(size / sizeof(uint64_t) + 1);
     auto* const config = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(block.data());
-    if (size < sizeof *config || !system.QueryServiceConfigW(handle.real, config, size, &size))
+    if (!system.QueryServiceConfigW(handle.real, config, size, &size))
         return services.at(handle.service).startType;
     if (config->lpBinaryPathName)
         program = config->lpBinaryPathName;
@@ -126,7 +127,7 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::QueryServiceConfigW>, SC_HANDLE 
                             QUERY_SERVICE_CONFIGW* config, DWORD size, DWORD* needed) {
     const BOOL answered = system.QueryServiceConfigW(realOf(service), config, size, needed);
     const Handle* const own = handles.find(service);
-    if (answered && config && own && services.contains(own->service))
+    if (answered && own)
         config->dwStartType = services.at(own->service).startType.value_or(config->dwStartType);
     return answered;
 }
@@ -163,11 +164,16 @@ DWORD ShadowServices::refusalOfProgram(const std::wstring& commandLine) const {
     }
 }
 
-DWORD ShadowServices::start(const Handle* handle) {
+/// For a request that needs a handle to a service with a right.
+DWORD ShadowServices::refusalOf(const Handle* handle, DWORD right) {
     if (handle == nullptr || handle->service.empty())
         return ERROR_INVALID_HANDLE;
-    if (!(handle->access & SERVICE_START))
-        return ERROR_ACCESS_DENIED;
+    return handle->access & right ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+DWORD ShadowServices::start(const Handle* handle) {
+    if (const DWORD error = refusalOf(handle, SERVICE_START))
+        return error;
     Service& service = services.at(handle->service);
     SERVICE_STATUS status;
     const DWORD state = stateOf(*handle, status);
@@ -191,10 +197,8 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::StartServiceW>, SC_HANDLE servic
 }
 
 DWORD ShadowServices::stop(const Handle* handle, SERVICE_STATUS& status) {
-    if (handle == nullptr || handle->service.empty())
-        return ERROR_INVALID_HANDLE;
-    if (!(handle->access & SERVICE_STOP))
-        return ERROR_ACCESS_DENIED;
+    if (const DWORD error = refusalOf(handle, SERVICE_STOP))
+        return error;
     Service& service = services.at(handle->service);
     const DWORD state = stateOf(*handle, status);
     if (state == SERVICE_STOPPED)
@@ -220,10 +224,8 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::ControlService>, SC_HANDLE servi
 }
 
 DWORD ShadowServices::remove(const Handle* handle) {
-    if (handle == nullptr || handle->service.empty())
-        return ERROR_INVALID_HANDLE;
-    if (!(handle->access & DELETE))
-        return ERROR_ACCESS_DENIED;
+    if (const DWORD error = refusalOf(handle, DELETE))
+        return error;
     Service& service = services.at(handle->service);
     if (service.isMarked)
         return ERROR_SERVICE_MARKED_FOR_DELETE;
@@ -239,10 +241,8 @@ BOOL ShadowServices::answer(Call<&ServiceCalls::DeleteService>, SC_HANDLE servic
 }
 
 DWORD ShadowServices::change(const Handle* handle, DWORD startType) {
-    if (handle == nullptr || handle->service.empty())
-        return ERROR_INVALID_HANDLE;
-    if (!(handle->access & SERVICE_CHANGE_CONFIG))
-        return ERROR_ACCESS_DENIED;
+    if (const DWORD error = refusalOf(handle, SERVICE_CHANGE_CONFIG))
+        return error;
     Service& service = services.at(handle->service);
     if (service.isMarked)
         return ERROR_SERVICE_MARKED_FOR_DELETE;
@@ -271,5 +271,5 @@ SC_LOCK ShadowServices::answer(Call<&ServiceCalls::LockServiceDatabase>, SC_HAND
 }
 
 BOOL ShadowServices::answer(Call<&ServiceCalls::UnlockServiceDatabase>, SC_LOCK lock) {
-    return locks.close(lock) || answerOf(ERROR_INVALID_SERVICE_LOCK);
+    return answerOf(locks.close(lock) ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_INVALID_SERVICE_LOCK});
 }

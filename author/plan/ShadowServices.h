@@ -61,6 +61,7 @@ private:
     DWORD stateOf(const Handle& handle, SERVICE_STATUS& status) const;
     std::optional<DWORD> startTypeOf(const Handle& handle, std::wstring& program) const;
     DWORD refusalOfProgram(const std::wstring& commandLine) const;
+    static DWORD refusalOf(const Handle* handle, DWORD right);
     DWORD start(const Handle* handle);
     DWORD stop(const Handle* handle, SERVICE_STATUS& status);
     DWORD remove(const Handle* handle);

@@ -35,8 +35,6 @@ bool isTransparent(const ElementKind& kind) {
 
 /// Whether an element can be made in these surroundings, with all attributes that it may have.
 bool canStand(const ElementKind& kind, const Surroundings& around) {
-    if (hasDefaults(kind))
-        return true;
     const Surroundings needed = needs(kind);
     return std::all_of(needed.begin(), needed.end(), [&](const std::wstring& name) {
         return around.contains(name) || declares(kind, name);

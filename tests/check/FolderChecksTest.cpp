@@ -54,6 +54,59 @@ TEST_F(FolderChecksTest, AFileThatNobodyInstallsIsToldOfTheWholeScript) {
               "0:0 TZ522 No File installs `files\\sub\\c` of the payload.\n");
 }
 
+TEST_F(FolderChecksTest, AMissingSourceIsHeldForTheNearestFileOfThePayload) {
+    folder.write(L"files\\a", "");
+    for (const auto& [source, help] : {std::pair(R"(files\quite-another)", L"correct the "),
+                                       std::pair(R"(files\aa)", L"did you mean `files\\a`?"),
+                                       std::pair(R"(aside\a)", L"did you mean `files\\a`?")}) {
+        const std::vector<Finding> findings =
+            check(product(R"(<File Name="b" Source=")" + std::string(source) +
+                          R"("/><File Name="a" Source="files\a"/>)"),
+                  {{}, folder.path(), {}});
+        ASSERT_EQ(findings.size(), 1U) << source;
+        EXPECT_STREQ(findings[0].kind->code, L"TZ521");
+        EXPECT_TRUE(findings[0].help.starts_with(help)) << narrow(findings[0].help);
+    }
+}
+
+TEST_F(FolderChecksTest, AMissingSourceIsNamedWithThePayloadWhereItIs) {
+    folder.write(L"files\\abcd", "");
+    const std::vector<Finding> findings =
+        check(product(R"(<File Name="b" Source="files\abce"/>)"), {{}, folder.path(L"files"), {}});
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].help, L"did you mean `files\\abcd`?");
+}
+
+TEST_F(FolderChecksTest, ASourceThatARunCanChangeIsNotLookedFor) {
+    std::string script = product(R"(<File Name="b" Source="#V"/>)",
+                                 R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="V = W"/>
+</Fragment>)");
+    script.insert(script.find("<Product>"), R"(<Variable Id="V" Type="string" Value="files\b"/>
+<VariableConst Id="W" Type="string" Value="files\c"/>)");
+    EXPECT_EQ(findingsIn(script, {{}, folder.makeDirectory(L"files"), {}}), "");
+}
+
+TEST_F(FolderChecksTest, AnUpgradeThatRemovesTheKeyAboveLeavesNone) {
+    const auto creating = [](const std::string& name) {
+        return R"(<RegistryKey On="installupgrade" Action="create" Root="HKEY_CURRENT_USER" Key=")" +
+               name + R"("/>)";
+    };
+    const std::string removing =
+        R"(<RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="Software\K"/>)";
+    const std::wstring previous = folder.write(
+        L"old.xml", product(std::string(twoFiles) + creating(R"(Software\K\Sub)") + removing));
+    EXPECT_EQ(findingsIn(product(std::string(twoFiles) + removing + creating(R"(Software\K)")),
+                         {{}, {}, previous}),
+              "");
+}
+
+TEST_F(FolderChecksTest, TheScriptsThemselvesAreNoPayload) {
+    folder.write(L"files\\a", "");
+    folder.write(L"files\\b", "");
+    const std::wstring previous = folder.write(L"old.xml", product(twoFiles));
+    EXPECT_EQ(findingsIn(product(twoFiles), {{}, folder.path(), previous}), "");
+}
+
 TEST_F(FolderChecksTest, AReadOnlySourceCannotBeReplacedByAnUpgrade) {
     folder.write(L"files\\a", "");
     SetFileAttributesW(folder.write(L"files\\b", "").c_str(), FILE_ATTRIBUTE_READONLY);
@@ -92,8 +145,11 @@ TEST_F(FolderChecksTest, AnUpgradeThatEmptiesTheDirectoryLeavesNoFile) {
 TEST_F(FolderChecksTest, APreviousScriptThatCannotBeReadIsNoFinding) {
     CheckRequest request;
     request.script = folder.write(L"new.xml", product(twoFiles));
-    request.previous = folder.path(L"missing.xml");
-    EXPECT_EQ(checkScript(request, [](const Finding&) {}), CheckEnd::notReadable);
+    for (const std::wstring& previous :
+         {folder.path(L"missing.xml"), folder.write(L"broken.xml", "<Root>")}) {
+        request.previous = previous;
+        EXPECT_EQ(checkScript(request, [](const Finding&) {}), CheckEnd::notReadable);
+    }
 }
 
 TEST_F(FolderChecksTest, APayloadThatCannotBeReadIsNoEmptyOne) {

@@ -18,6 +18,7 @@ TEST(SystemDirectories, StandAsTheirFolderWords) {
         {L"c:\\windows2\\x", L"c:\\windows2\\x"},
         {L"D:\\x", L"D:\\x"},
         {L"data", L"data"},
+        {L"1:\\windows", L"1:\\windows"},
     };
     for (const auto& [path, words] : paths)
         EXPECT_EQ(withFolderWords(path), words) << narrow(path);

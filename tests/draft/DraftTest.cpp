@@ -116,7 +116,8 @@ TEST(DraftProduct, TellsOfAPathThatWindowsDoesNotMake) {
 }
 
 TEST(ProductName, IsNoneOfADirectoryThatWindowsHasInTheSamePlace) {
-    for (const wchar_t* name : {L"Common Files", L"windows nt", L"WindowsApps", L"Accessories"})
+    for (const wchar_t* name :
+         {L"Common Files", L"windows nt", L"WindowsApps", L"Accessories", L"Startup"})
         EXPECT_EQ(faultOfProductName(name),
                   L"that is a directory of Windows, which an uninstall would remove.");
     for (const wchar_t* name : {L"Common", L"Windows NT Tools", L"Lantern"})

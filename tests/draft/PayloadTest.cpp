@@ -98,9 +98,16 @@ TEST_F(PayloadTest, RefusesNamesThatWindowsDoesNotKeep) {
     DeleteFileW(exact.c_str());
 }
 
+TEST_F(PayloadTest, RefusesFoldersOfNamesThatWindowsDoesNotKeep) {
+    const Folder dotted{L"p", {}, {{L"in.", {{L"a.txt", false}}, {}, {}}}, {}};
+    EXPECT_FALSE(payloadOf(dotted, notes, problem));
+    EXPECT_EQ(problem,
+              L"p\\in. can't be installed: Windows drops dots and blanks at the end of a name.");
+}
+
 TEST(NameTest, IsOneThatWindowsKeeps) {
     for (const wchar_t* name : {L"a", L"a b", L" a", L".a", L"a#[&]'%!@", L"com0", L"com10",
-                                L"console", L"lpt", L"nullify.txt", L"\u4E2D\xD83D\xDE00"})
+                                L"com;", L"console", L"lpt", L"nullify.txt", L"\u4E2D\xD83D\xDE00"})
         EXPECT_EQ(faultOfName(name), L"") << name;
     for (const wchar_t* name :
          {L"", L"a.", L"a ", L"a\tb", L"a:b", L"a*", L"a?", L"a|b", L"a<b", L"a>b", L"a\"b", L"a/b",

@@ -205,6 +205,7 @@ TEST_F(PlanStepsTest, CountWhatAFalseConditionLeavesOut) {
         // Once, however often it is referred to.
         {"<Feature><ComponentRef Id='C'/><ComponentRef Id='C'/></Feature>", {7, 4}},
         {"<Feature><ComponentRef Id='none'/></Feature>", {2, 0}},
+        {"<Feature><ComponentRef/></Feature>", {2, 0}},
         {"<FragmentRef Id='Circle'/>", {2, 0}},
     };
     for (const auto& [beneath, count] : rows) {

@@ -176,6 +176,52 @@ TEST_F(ShadowFilesTest, CopyThatDoesNotFitOnTheDriveFails) {
     EXPECT_EQ(copy(source, folder.path(L"two")), 0u);
 }
 
+TEST_F(ShadowFilesTest, PlannedTargetFailsAsARealOneDoes) {
+    const std::wstring source = folder.write(L"a.txt", "x");
+    const std::wstring directory = folder.path(L"directory");
+    EXPECT_EQ(makeDirectory(directory), 0u);
+    EXPECT_EQ(copy(source, directory), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(copy(directory, folder.path(L"b.txt")), DWORD{ERROR_ACCESS_DENIED});
+
+    folder.write(L"tree\\in\\b.txt", "x");
+    EXPECT_TRUE(removeDirectoryTree(folder.path(L"tree").c_str()));
+    EXPECT_EQ(copy(source, folder.path(L"tree\\b.txt")), DWORD{ERROR_PATH_NOT_FOUND});
+    EXPECT_EQ(copy(folder.path(L"tree\\in\\b.txt"), folder.path(L"b.txt")),
+              DWORD{ERROR_PATH_NOT_FOUND});
+}
+
+TEST_F(ShadowFilesTest, CopyThatIsToKeepWhatIsThereFailsOverIt) {
+    const std::wstring source = folder.write(L"a.txt", "x");
+    const std::wstring target = folder.path(L"b.txt");
+
+    EXPECT_TRUE(fileCalls.CopyFileW(source.c_str(), target.c_str(), TRUE));
+    EXPECT_EQ(errorOf(fileCalls.CopyFileW(source.c_str(), target.c_str(), TRUE)),
+              DWORD{ERROR_FILE_EXISTS});
+}
+
+TEST_F(ShadowFilesTest, CopyOverAPlannedReadOnlyFileFailsWhereTheSystemsDoes) {
+    const std::wstring source = folder.write(L"a.txt", "x");
+    SetFileAttributesW(source.c_str(), FILE_ATTRIBUTE_READONLY);
+    const std::wstring copied = folder.path(L"b.txt");
+    const std::wstring link = folder.path(L"b.lnk");
+    EXPECT_EQ(copy(source, copied), 0u);
+    EXPECT_EQ(linkCalls.Save(nullptr, link.c_str(), TRUE), S_OK);
+    EXPECT_TRUE(fileCalls.SetFileAttributesW(link.c_str(), FILE_ATTRIBUTE_READONLY));
+
+    EXPECT_EQ(copy(source, copied),
+              overwritesReadOnlyFiles() ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(copy(source, link), DWORD{ERROR_ACCESS_DENIED});
+}
+
+TEST_F(ShadowFilesTest, CopyOverAPlannedLinkHasOtherContent) {
+    const std::wstring link = folder.path(L"b.lnk");
+    EXPECT_EQ(linkCalls.Save(nullptr, link.c_str(), TRUE), S_OK);
+
+    EXPECT_EQ(copy(folder.write(L"empty", ""), link), 0u);
+    EXPECT_EQ(lastChange().kind, ChangeKind::fileReplaced);
+    EXPECT_FALSE(lastChange().sameContent);
+}
+
 // Deletions.
 
 TEST_F(ShadowFilesTest, DeletedFileIsGoneThoughItStays) {
@@ -219,9 +265,54 @@ TEST_F(ShadowFilesTest, ReadOnlyFileCanBeDeletedOnceItIsNoMore) {
     EXPECT_TRUE(GetFileAttributesW(file.c_str()) & FILE_ATTRIBUTE_READONLY);
 }
 
+TEST_F(ShadowFilesTest, FileThatIsReadMeanwhileCanBeDeleted) {
+    const std::wstring file = folder.write(L"a.txt", "x");
+    const HANDLE reader =
+        CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                    OPEN_EXISTING, 0, nullptr);
+
+    EXPECT_EQ(remove(file), 0u);
+
+    CloseHandle(reader);
+}
+
+TEST_F(ShadowFilesTest, PlannedDirectoryIsNotDeletedAsAFile) {
+    EXPECT_EQ(makeDirectory(folder.path(L"directory")), 0u);
+    EXPECT_EQ(remove(folder.path(L"directory")), DWORD{ERROR_ACCESS_DENIED});
+}
+
 TEST_F(ShadowFilesTest, AttributesOfAMissingFileCannotBeSet) {
-    EXPECT_EQ(errorOf(fileCalls.SetFileAttributesW(folder.path(L"none").c_str(), 0)),
-              DWORD{ERROR_FILE_NOT_FOUND});
+    const std::wstring removed = folder.write(L"removed", "x");
+    EXPECT_EQ(remove(removed), 0u);
+    for (const std::wstring& path : {folder.path(L"none"), removed})
+        EXPECT_EQ(errorOf(fileCalls.SetFileAttributesW(path.c_str(), 0)),
+                  DWORD{ERROR_FILE_NOT_FOUND});
+}
+
+TEST_F(ShadowFilesTest, AttributesOfACopyAreThoseThatAreSet) {
+    const std::wstring target = folder.path(L"b.txt");
+    EXPECT_EQ(copy(folder.write(L"a.txt", "x"), target), 0u);
+
+    EXPECT_TRUE(fileCalls.SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_READONLY));
+
+    EXPECT_EQ(attributes(target), DWORD{FILE_ATTRIBUTE_READONLY});
+    EXPECT_EQ(remove(target), DWORD{ERROR_ACCESS_DENIED});
+}
+
+TEST_F(ShadowFilesTest, DirectoryStaysOneWhateverItsAttributesAre) {
+    const std::wstring real = folder.makeDirectory(L"real");
+    folder.write(L"real\\a.txt", "x");
+    const std::wstring planned = folder.path(L"planned");
+    EXPECT_EQ(makeDirectory(planned), 0u);
+    for (const std::wstring& path : {real, planned}) {
+        EXPECT_TRUE(fileCalls.SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
+        EXPECT_EQ(attributes(path), DWORD{FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY});
+    }
+
+    EXPECT_EQ(lastChange().after, L"");
+    EXPECT_EQ(removeDirectory(planned), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_TRUE(fileExists(folder.path(L"real\\a.txt").c_str()));
+    EXPECT_EQ(attributes(folder.path(L"real\\none")), INVALID_FILE_ATTRIBUTES);
 }
 
 // Replacements at a restart.
@@ -320,7 +411,16 @@ TEST_F(ShadowFilesTest, SearchFindsWhatIsAndWhatIsPlannedInOrder) {
     EXPECT_THAT(find(folder.path(L"in\\*.none")), ElementsAre(L"<2>"));
     EXPECT_THAT(find(folder.path(L"in\\A.TXT")), ElementsAre(L"a.txt"));
     EXPECT_THAT(find(folder.path(L"in\\a.txt\\")), ElementsAre(L"<2>"));
+    EXPECT_THAT(find(folder.path(L"in\\a.txt") + L"/"), ElementsAre(L"<2>"));
     EXPECT_THAT(find(folder.path(L"none\\*")), ElementsAre(L"<3>"));
+    EXPECT_THAT(find(folder.path(L"in\\*.*")), find(folder.path(L"in\\*")));
+    EXPECT_THAT(find(folder.path(L"in\\?.txx")), ElementsAre(L"<2>"));
+    EXPECT_THAT(find(folder.path(L"in\\a.txt\\*")),
+                ElementsAre(L"<" + std::to_wstring(ERROR_DIRECTORY) + L">"));
+}
+
+TEST_F(ShadowFilesTest, SearchThatIsNotOneOfTheRunIsTheSystems) {
+    EXPECT_EQ(errorOf(fileCalls.FindClose(INVALID_HANDLE_VALUE)), DWORD{ERROR_INVALID_HANDLE});
 }
 
 TEST_F(ShadowFilesTest, OnePathIsKnownInAllItsSpellings) {

@@ -1,5 +1,7 @@
 #include "plan/ShadowLibraries.h"
 
+#include <cstring>
+
 #include "plan/PlanTest.h"
 
 using testing::ElementsAre;
@@ -49,10 +51,104 @@ TEST_F(ShadowLibrariesTest, LibraryIsFoundWhereTheSystemLooks) {
 TEST_F(ShadowLibrariesTest, WhatIsNoLibraryFailsAsTheSystemsDoes) {
     for (const std::wstring& path :
          {folder.path(L"none.dll"), folder.path(L"none\\none.dll"), std::wstring(L"temz-none"),
-          folder.write(L"text.dll", "text"), folder.write(L"empty.dll", "")}) {
+          folder.write(L"text.dll", "text"), folder.write(L"empty.dll", ""),
+          testProgramDirectory() + L"\\temz_test_actions.", std::wstring(L"x.")}) {
         const DWORD real = errorOf(LoadLibraryW(path.c_str()) != nullptr);
         EXPECT_NE(real, 0u);
         EXPECT_EQ(load(path), real) << testing::PrintToString(path);
+    }
+}
+
+TEST_F(ShadowLibrariesTest, LibraryIsKnownInEachSpellingOfItsPath) {
+    const std::wstring plain = folder.path(L"plain");
+    ASSERT_TRUE(fileCalls.CopyFileW(actions.c_str(), plain.c_str(), FALSE));
+    EXPECT_EQ(load(plain + L"."), 0u);
+    EXPECT_EQ(lastChange().object, plain);
+    EXPECT_EQ(load(L"\\\\?\\" + actions), 0u);
+    EXPECT_EQ(load(plain), DWORD{ERROR_MOD_NOT_FOUND});
+}
+
+TEST_F(ShadowLibrariesTest, DirectoryIsNoLibrary) {
+    EXPECT_NE(load(folder.makeDirectory(L"directory.dll")), 0u);
+}
+
+TEST_F(ShadowLibrariesTest, WhatWasNotLoadedHasNoFunctionsAndIsNotLetGo) {
+    EXPECT_EQ(libraryCalls.GetProcAddress(nullptr, "countCalls"), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
+    EXPECT_EQ(errorOf(libraryCalls.FreeLibrary(nullptr)), DWORD{ERROR_INVALID_HANDLE});
+}
+
+uint32_t neverCalled(CustomActionParams*, wchar_t*, uint32_t) {
+    ADD_FAILURE() << "called";
+    return 1;
+}
+
+TEST_F(ShadowLibrariesTest, FunctionOfNoLibraryIsNotCalledEither) {
+    EXPECT_EQ(actionCalls.CallEntry(&neverCalled, nullptr, nullptr, 0), 0u);
+    EXPECT_THAT(changes(), ElementsAre(Pair(ChangeKind::actionCalled, L"")));
+}
+
+/// Changes a library that is sound.
+using Damage = void (*)(std::string& bytes, IMAGE_NT_HEADERS64& headers);
+
+class DamagedLibraryTest : public ShadowLibrariesTest {
+protected:
+    std::wstring damaged(Damage damage) const {
+        std::string bytes = readFile(actions);
+        IMAGE_NT_HEADERS64 headers;
+        LONG at = 0;
+        std::memcpy(&at, &bytes[offsetof(IMAGE_DOS_HEADER, e_lfanew)], sizeof at);
+        std::memcpy(&headers, &bytes[static_cast<size_t>(at)], sizeof headers);
+        const size_t size = bytes.size();
+        damage(bytes, headers);
+        if (bytes.size() == size)
+            std::memcpy(&bytes[static_cast<size_t>(at)], &headers, sizeof headers);
+        return folder.write(L"damaged.dll", bytes);
+    }
+
+    static IMAGE_DATA_DIRECTORY& exportsOf(IMAGE_NT_HEADERS64& headers) {
+        return headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
+    }
+
+    static void setOffset(std::string& bytes, LONG offset) {
+        std::memcpy(&bytes[offsetof(IMAGE_DOS_HEADER, e_lfanew)], &offset, sizeof offset);
+    }
+};
+
+TEST_F(DamagedLibraryTest, LibraryWithoutSoundHeadersIsNone) {
+    const Damage damages[] = {
+        [](std::string& bytes, auto&) { bytes[0] = 'X'; },
+        [](std::string& bytes, auto&) { setOffset(bytes, -1); },
+        [](std::string& bytes, auto&) { setOffset(bytes, INT32_MAX); },
+        [](std::string& bytes, auto&) { bytes.resize(sizeof(IMAGE_DOS_HEADER) + 4); },
+        [](std::string&, auto& headers) { headers.Signature = 0; },
+        [](std::string&, auto& headers) { headers.FileHeader.Machine = IMAGE_FILE_MACHINE_I386; },
+        [](std::string&, auto& headers) {
+            headers.OptionalHeader.Magic = IMAGE_NT_OPTIONAL_HDR32_MAGIC;
+        },
+    };
+    for (size_t i = 0; i < std::size(damages); ++i)
+        EXPECT_EQ(load(damaged(damages[i])), DWORD{ERROR_BAD_EXE_FORMAT}) << "damage " << i;
+}
+
+TEST_F(DamagedLibraryTest, FunctionsThatAreNotInTheFileAreNotThere) {
+    const Damage damages[] = {
+        [](std::string&, auto&) {},
+        [](std::string&, auto& headers) { exportsOf(headers).Size = 0; },
+        [](std::string&, auto& headers) { exportsOf(headers).VirtualAddress = INT32_MAX; },
+        [](std::string&, auto& headers) { exportsOf(headers).VirtualAddress = 0; },
+        [](std::string&, auto& headers) { headers.FileHeader.NumberOfSections = 0; },
+        [](std::string&, auto& headers) { headers.FileHeader.SizeOfOptionalHeader = UINT16_MAX; },
+        [](std::string&, auto& headers) {
+            headers.FileHeader.NumberOfSections = UINT16_MAX;
+            exportsOf(headers).VirtualAddress = INT32_MAX;
+        },
+    };
+    for (size_t i = 0; i < std::size(damages); ++i) {
+        const HMODULE library = libraryCalls.LoadLibraryW(damaged(damages[i]).c_str());
+        ASSERT_NE(library, nullptr) << "damage " << i;
+        EXPECT_EQ(libraryCalls.GetProcAddress(library, "countCalls") != nullptr, i == 0)
+            << "damage " << i;
     }
 }
 

@@ -60,6 +60,66 @@ TEST_F(ShadowRegistryTest, KeyThatIsThereIsOpened) {
               ERROR_SUCCESS);
     EXPECT_EQ(disposition, DWORD{REG_OPENED_EXISTING_KEY});
     EXPECT_THAT(changes(), IsEmpty());
+    EXPECT_EQ(registryCalls.RegCreateKeyExW(HKEY_CURRENT_USER, key.path(L"Two").c_str(), 0, nullptr,
+                                            0, KEY_READ, nullptr, &opened, &disposition),
+              ERROR_SUCCESS);
+    EXPECT_EQ(disposition, DWORD{REG_CREATED_NEW_KEY});
+}
+
+TEST_F(ShadowRegistryTest, MadeKeyIsOpenedAndTakesOthersByItsHandle) {
+    HKEY made = nullptr;
+    ASSERT_EQ(registryCalls.RegCreateKeyExW(HKEY_CURRENT_USER, key.path(L"One").c_str(), 0, nullptr,
+                                            0, KEY_READ, nullptr, &made, nullptr),
+              ERROR_SUCCESS);
+    HKEY opened = nullptr;
+    EXPECT_EQ(registryCalls.RegCreateKeyExW(made, L"Two\\\\Three", 0, nullptr, 0, KEY_READ, nullptr,
+                                            &opened, nullptr),
+              ERROR_SUCCESS);
+
+    EXPECT_EQ(open(made, L"Two"), ERROR_SUCCESS);
+    EXPECT_EQ(open(made, L"\\Two"), ERROR_BAD_PATHNAME);
+    EXPECT_EQ(registryCalls.RegOpenKeyExW(made, nullptr, 0, KEY_READ, &opened), ERROR_SUCCESS);
+    EXPECT_THAT(changes(), ElementsAre(Pair(ChangeKind::keyAdded, shown(L"One")),
+                                       Pair(ChangeKind::keyAdded, shown(L"One\\Two")),
+                                       Pair(ChangeKind::keyAdded, shown(L"One\\Two\\Three"))));
+    DWORD count = 0;
+    EXPECT_EQ(registryCalls.RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &count, nullptr,
+                                             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(count, 1u);
+}
+
+TEST_F(ShadowRegistryTest, PathThatTheSystemRefusesIsRefused) {
+    const std::wstring path = L"\\" + key.path(L"One");
+    HKEY opened = nullptr;
+    EXPECT_EQ(open(HKEY_CURRENT_USER, path), ERROR_BAD_PATHNAME);
+    EXPECT_EQ(registryCalls.RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0,
+                                            KEY_READ, nullptr, &opened, nullptr),
+              ERROR_BAD_PATHNAME);
+}
+
+TEST_F(ShadowRegistryTest, KeyThatTheRunHasNotOpenedIsTheSystems) {
+    const std::wstring path = key.make(L"One");
+    key.make(L"One\\Two");
+    HKEY opened = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_ALL_ACCESS, &opened),
+              ERROR_SUCCESS);
+
+    DWORD count = 0;
+    EXPECT_EQ(registryCalls.RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &count, nullptr,
+                                             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(count, 1u);
+    wchar_t name[8];
+    DWORD length = 8;
+    EXPECT_EQ(
+        registryCalls.RegEnumKeyExW(opened, 0, name, &length, nullptr, nullptr, nullptr, nullptr),
+        ERROR_SUCCESS);
+    EXPECT_STREQ(name, L"Two");
+    EXPECT_EQ(registryCalls.RegSetValueExW(opened, L"V", 0, REG_SZ, nullptr, 0),
+              ERROR_INVALID_HANDLE);
+    EXPECT_EQ(registryCalls.RegCloseKey(opened), ERROR_SUCCESS);
+    EXPECT_THAT(changes(), IsEmpty());
 }
 
 TEST_F(ShadowRegistryTest, RemovedTreeIsGoneThoughItStays) {
@@ -102,6 +162,7 @@ TEST_F(ShadowRegistryTest, RefusedKeyIsRefused) {
 
     EXPECT_EQ(open(L"One"), ERROR_ACCESS_DENIED);
     EXPECT_FALSE(make(L"One\\Two"));
+    EXPECT_FALSE(make(L"One\\Two\\Three"));
     EXPECT_FALSE(removeTree(L"One"));
     EXPECT_THAT(changes(), IsEmpty());
 }
@@ -117,6 +178,28 @@ TEST_F(ShadowRegistryTest, ValueTellsWhatItReplaces) {
     EXPECT_TRUE(set(L"One", 8));
     EXPECT_EQ(lastChange().before, L"7");
     EXPECT_EQ(readValue(key.path(L"One"), L"V").bytes[0], '\5');
+}
+
+TEST_F(ShadowRegistryTest, ValueThatCannotBeReadIsToldAsNone) {
+    const std::wstring one = key.make(L"One");
+    writeValue(one, L"V", {REG_DWORD, std::string("\5\0\0\0", 4)});
+    HKEY opened = nullptr;
+    ASSERT_EQ(
+        registryCalls.RegOpenKeyExW(HKEY_CURRENT_USER, one.c_str(), 0, KEY_SET_VALUE, &opened),
+        ERROR_SUCCESS);
+    const RefusedKey refused(one);
+
+    EXPECT_EQ(registryCalls.RegSetValueExW(opened, L"V", 0, REG_SZ, nullptr, 0), ERROR_SUCCESS);
+    EXPECT_EQ(lastChange().before, L"");
+}
+
+TEST_F(ShadowRegistryTest, ValueWithoutANameIsTheKeys) {
+    HKEY opened = nullptr;
+    ASSERT_EQ(registryCalls.RegOpenKeyExW(HKEY_CURRENT_USER, key.make(L"One").c_str(), 0,
+                                          KEY_SET_VALUE, &opened),
+              ERROR_SUCCESS);
+    EXPECT_EQ(registryCalls.RegSetValueExW(opened, nullptr, 0, REG_SZ, nullptr, 0), ERROR_SUCCESS);
+    EXPECT_EQ(lastChange().object, shown(L"One") + L"\\");
 }
 
 TEST_F(ShadowRegistryTest, EmptyValueIsNoAbsentOne) {
@@ -143,6 +226,7 @@ TEST_F(ShadowRegistryTest, ValueSetToWhatItIsIsToldSo) {
         {{REG_DWORD, "\5\0\0\0"s}, {REG_DWORD, "\6\0\0\0"s}, false},
         {{REG_SZ, "a\0\0\0"s}, {REG_SZ, "a\0"s}, true},
         {{REG_SZ, "a\0\0\0"s}, {REG_SZ, "a\0\0\0"s}, true},
+        {{REG_EXPAND_SZ, "a\0\0\0"s}, {REG_EXPAND_SZ, "a\0"s}, true},
         {{REG_MULTI_SZ, "a\0\0\0\0\0"s}, {REG_MULTI_SZ, "a\0\0\0"s}, true},
         {{REG_SZ, "a\0b\0\0\0"s}, {REG_SZ, "a\0"s}, false},
         {{REG_SZ, "a\0\0\0"s}, {REG_BINARY, "a\0\0\0"s}, false},
@@ -181,7 +265,7 @@ TEST_F(ShadowRegistryTest, EnumerationTellsWhatIsAndWhatIsPlannedInOrder) {
     for (const wchar_t* name : {L"In\\b", L"In\\d", L"In\\e"})
         key.make(name);
     EXPECT_TRUE(make(L"In\\C"));
-    EXPECT_TRUE(make(L"In\\a"));
+    EXPECT_TRUE(make(L"In\\a\\Deep"));
     EXPECT_TRUE(removeTree(L"In\\d"));
     HKEY opened = nullptr;
     ASSERT_EQ(registryCalls.RegOpenKeyExW(HKEY_CURRENT_USER, key.path(L"In").c_str(), 0, KEY_READ,
@@ -200,6 +284,9 @@ TEST_F(ShadowRegistryTest, EnumerationTellsWhatIsAndWhatIsPlannedInOrder) {
          length = 3)
         names.emplace_back(name, length);
     EXPECT_THAT(names, ElementsAre(L"a", L"b", L"C", L"e"));
+    EXPECT_EQ(registryCalls.RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                             nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
     EXPECT_EQ(count, 4u);
     EXPECT_TRUE(removeTree(L"In\\a"));
     DWORD nameLength = 3;
@@ -228,6 +315,7 @@ TEST_F(ShadowRegistryTest, KeyIsOneByWhateverRootItIsReached) {
 
 TEST_F(ShadowRegistryTest, HiveIsNotRemoved) {
     EXPECT_EQ(remove(HKEY_LOCAL_MACHINE, L"Software"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(remove(HKEY_LOCAL_MACHINE, L""), ERROR_ACCESS_DENIED);
     EXPECT_EQ(remove(HKEY_CURRENT_USER, L""), ERROR_ACCESS_DENIED);
     EXPECT_FALSE(deleteKeyTree(HKEY_CURRENT_USER, L""));
     EXPECT_EQ(open(HKEY_CURRENT_USER, L"Software"), ERROR_FILE_NOT_FOUND);

@@ -19,6 +19,29 @@ protected:
 };
 
 class ShadowServicesTest : public ServicesOfMachine, public PlanTest {
+public:
+    static SC_HANDLE openManager() {
+        return serviceCalls.OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
+    }
+    static SC_HANDLE open(DWORD access) {
+        return serviceCalls.OpenServiceW(openManager(), L"svc", access);
+    }
+
+    static DWORD change(SC_HANDLE service, DWORD startType) {
+        return errorOf(serviceCalls.ChangeServiceConfigW(
+            service, SERVICE_NO_CHANGE, startType, SERVICE_NO_CHANGE, nullptr, nullptr, nullptr,
+            nullptr, nullptr, nullptr, nullptr));
+    }
+    DWORD start(SC_HANDLE service) const {
+        return errorOf(serviceCalls.StartServiceW(service, 0, nullptr));
+    }
+    DWORD stop(SC_HANDLE service) const {
+        SERVICE_STATUS status;
+        return errorOf(serviceCalls.ControlService(service, SERVICE_CONTROL_STOP, &status));
+    }
+    DWORD remove(SC_HANDLE service) const { return errorOf(serviceCalls.DeleteService(service)); }
+    DWORD enable(SC_HANDLE service) const { return change(service, SERVICE_DEMAND_START); }
+
 protected:
     static constexpr uint32_t noLimit = 0;
 };
@@ -93,6 +116,113 @@ TEST_F(ShadowServicesTest, RemovedServiceStaysWhileAHandleIsOpen) {
     EXPECT_TRUE(deleteServiceByName(L"svc"));
     EXPECT_FALSE(startServiceAndWait(L"svc", noLimit));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_SERVICE_MARKED_FOR_DELETE});
+}
+
+TEST_F(ShadowServicesTest, RequestNeedsAServiceAndTheRight) {
+    for (const auto& request : {&ShadowServicesTest::start, &ShadowServicesTest::stop,
+                                &ShadowServicesTest::remove, &ShadowServicesTest::enable}) {
+        EXPECT_EQ((this->*request)(nullptr), DWORD{ERROR_INVALID_HANDLE});
+        EXPECT_EQ((this->*request)(openManager()), DWORD{ERROR_INVALID_HANDLE});
+        EXPECT_EQ((this->*request)(open(SERVICE_QUERY_STATUS)), DWORD{ERROR_ACCESS_DENIED});
+    }
+    EXPECT_THAT(changes(), IsEmpty());
+}
+
+TEST_F(ShadowServicesTest, RequestFailsInAStateThatTakesNone) {
+    struct Case {
+        DWORD state;
+        DWORD startError;
+        DWORD stopError;
+    };
+    const Case cases[] = {
+        {SERVICE_RUNNING, ERROR_SERVICE_ALREADY_RUNNING, ERROR_INVALID_SERVICE_CONTROL},
+        {SERVICE_PAUSED, ERROR_SERVICE_ALREADY_RUNNING, ERROR_INVALID_SERVICE_CONTROL},
+        {SERVICE_START_PENDING, ERROR_SERVICE_ALREADY_RUNNING, ERROR_SERVICE_CANNOT_ACCEPT_CTRL},
+        {SERVICE_STOP_PENDING, ERROR_SERVICE_ALREADY_RUNNING, ERROR_SERVICE_CANNOT_ACCEPT_CTRL},
+        {SERVICE_STOPPED, ERROR_SUCCESS, ERROR_SERVICE_NOT_ACTIVE},
+    };
+    const SC_HANDLE service = open(SERVICE_ALL_ACCESS);
+    for (const Case& row : cases) {
+        services.states = {row.state};
+        EXPECT_EQ(stop(service), row.stopError) << row.state;
+        EXPECT_EQ(start(service), row.startError) << row.state;
+    }
+    EXPECT_THAT(changes(), ElementsAre(Pair(ChangeKind::serviceStarted, L"svc")));
+}
+
+TEST_F(ShadowServicesTest, NoControlButTheStopIsForeseen) {
+    SERVICE_STATUS status;
+    EXPECT_EQ(errorOf(serviceCalls.ControlService(open(SERVICE_ALL_ACCESS), SERVICE_CONTROL_PAUSE,
+                                                  &status)),
+              DWORD{ERROR_INVALID_SERVICE_CONTROL});
+}
+
+TEST_F(ShadowServicesTest, RemovedServiceIsNotChanged) {
+    const SC_HANDLE service = open(SERVICE_ALL_ACCESS);
+    EXPECT_EQ(remove(service), 0u);
+    EXPECT_EQ(enable(service), DWORD{ERROR_SERVICE_MARKED_FOR_DELETE});
+    EXPECT_THAT(changes(), ElementsAre(Pair(ChangeKind::serviceRemoved, L"svc")));
+}
+
+TEST_F(ShadowServicesTest, StartTypeIsToldAsFarAsItIsKnown) {
+    const SC_HANDLE service = open(SERVICE_ALL_ACCESS);
+    EXPECT_EQ(change(service, SERVICE_DISABLED + 1), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_THAT(changes(), IsEmpty());
+
+    EXPECT_EQ(change(service, SERVICE_NO_CHANGE), 0u);
+    EXPECT_EQ(lastChange().before, L"on demand");
+    EXPECT_EQ(lastChange().after, L"");
+
+    services.errors["QueryServiceConfig"] = {ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED};
+    EXPECT_EQ(change(service, SERVICE_AUTO_START), 0u);
+    EXPECT_EQ(lastChange().before, L"");
+    EXPECT_EQ(lastChange().after, L"automatic");
+
+    EXPECT_EQ(change(service, SERVICE_DISABLED), 0u);
+    EXPECT_EQ(lastChange().before, L"automatic");
+}
+
+TEST_F(ShadowServicesTest, ServiceStartsOnlyWithItsProgram) {
+    const std::wstring program = folder.write(L"my service.exe", "x");
+    folder.makeDirectory(L"directory.exe");
+    struct Case {
+        std::wstring commandLine;
+        DWORD error;
+    };
+    const Case cases[] = {
+        {folder.path(L"none.exe"), ERROR_FILE_NOT_FOUND},
+        {folder.path(L"none.exe -x"), ERROR_FILE_NOT_FOUND},
+        {L"\"" + folder.path(L"my.exe") + L"\" -x", ERROR_FILE_NOT_FOUND},
+        {folder.path(L"none\\none.exe"), ERROR_PATH_NOT_FOUND},
+        {folder.path(L"directory"), ERROR_ACCESS_DENIED},
+        {program, ERROR_SUCCESS},
+        {program + L" -x", ERROR_SUCCESS},
+        {folder.path(L"my service") + L" -x", ERROR_SUCCESS},
+        {L"\"" + program + L"\" -x", ERROR_SUCCESS},
+        {L"system32\\service.exe", ERROR_SUCCESS},
+    };
+    for (const Case& row : cases) {
+        services.program = row.commandLine;
+        EXPECT_EQ(start(open(SERVICE_ALL_ACCESS)), row.error)
+            << testing::PrintToString(row.commandLine);
+        if (row.error == ERROR_SUCCESS) {
+            EXPECT_EQ(stop(open(SERVICE_ALL_ACCESS)), 0u);
+        }
+    }
+}
+
+TEST_F(ShadowServicesTest, StateThatCannotBeToldIsNotMadeUp) {
+    services.states = {FakeServices::failedLook};
+    SERVICE_STATUS status{};
+    EXPECT_FALSE(serviceCalls.QueryServiceStatus(open(SERVICE_ALL_ACCESS), &status));
+    EXPECT_EQ(status.dwCurrentState, 0u);
+}
+
+TEST_F(ShadowServicesTest, OnlyALockThatWasGivenIsTakenBack) {
+    EXPECT_EQ(errorOf(serviceCalls.UnlockServiceDatabase(nullptr)),
+              DWORD{ERROR_INVALID_SERVICE_LOCK});
+    EXPECT_TRUE(
+        serviceCalls.UnlockServiceDatabase(serviceCalls.LockServiceDatabase(openManager())));
 }
 
 TEST(ShadowServices, HandlesThatTheRunLeavesOpenAreClosedAtItsEnd) {

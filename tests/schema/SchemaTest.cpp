@@ -74,6 +74,7 @@ TEST(ElementTexts, AreForNothingElse) {
     for (const ElementText& text : elementTexts())
         EXPECT_TRUE(known.contains({text.element, text.attribute}))
             << narrow(text.element) << " " << narrow(text.attribute);
+    EXPECT_EQ(textOf(L"File", L"Nothing"), L"");
 }
 
 TEST(ElementTexts, StandOncePerElementAndAttribute) {

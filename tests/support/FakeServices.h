@@ -32,6 +32,8 @@ public:
     /// The errors of a call at each time; it succeeds where there is none or 0.
     std::map<std::string, std::deque<DWORD>> errors;
     DWORD startType = SERVICE_DEMAND_START;
+    /// Its command line, where it is told.
+    std::wstring program;
     /// The tick count, and what a start or a stop adds to it.
     DWORD now = 0;
     DWORD requestTakes = 0;
@@ -157,6 +159,8 @@ private:
             const bool answered = succeeds("QueryServiceConfig", size);
             if (answered && config != nullptr)
                 config->dwStartType = startType;
+            if (answered && config != nullptr && !program.empty())
+                config->lpBinaryPathName = program.data();
             return answered;
         }};
     const FakeCall<serviceCalls, &ServiceCalls::LockServiceDatabase> lock{

@@ -64,6 +64,8 @@ TEST(Difference, TellsWhatHasChanged) {
     EXPECT_EQ(change(ThingKind::value, {1, 2}, {4, 3}), L"type 1 -> 4");
     EXPECT_EQ(change(ThingKind::service, {1}, {0}), L"runs no more");
     EXPECT_EQ(change(ThingKind::service, {0}, {1}), L"runs now");
+    for (const ThingKind kind : {ThingKind::key, ThingKind::restart})
+        EXPECT_EQ(change(kind, {0}, {1}), L"");
 }
 
 TEST(Difference, CountsWhatIsNewOfAKind) {
