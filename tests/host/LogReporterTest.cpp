@@ -7,6 +7,7 @@
 
 #include "host/Diagnosis.h"
 #include "host/Utf8.h"
+#include "host/WriteBytes.h"
 #include "support/FakeCall.h"
 #include "support/TestFolder.h"
 
@@ -172,7 +173,7 @@ TEST_F(LogReporterTest, KnowsWhyTheFirstOfItsMissingLinesIsMissing) {
 
     std::deque<DWORD> errors{ERROR_DISK_FULL, ERROR_ACCESS_DENIED};
     {
-        const FakeCall<logCalls, &LogCalls::WriteFile> write{[&errors](auto...) {
+        const FakeCall<writeCalls, &WriteCalls::WriteFile> write{[&errors](auto...) {
             SetLastError(errors.front());
             errors.pop_front();
             return FALSE;
@@ -187,7 +188,7 @@ TEST_F(LogReporterTest, KnowsWhyTheFirstOfItsMissingLinesIsMissing) {
 }
 
 TEST_F(LogReporterTest, MissesWhatIsWrittenInPart) {
-    const FakeCall<logCalls, &LogCalls::WriteFile> write{
+    const FakeCall<writeCalls, &WriteCalls::WriteFile> write{
         [](HANDLE, const void*, DWORD size, DWORD* written, OVERLAPPED*) {
             *written = size - 1;
             return TRUE;
