@@ -1,5 +1,9 @@
 #include "LoadedScript.h"
 
+#include <functional>
+
+#include "Findings.h"
+#include "GivenText.h"
 #include "Machine.h"
 #include "ScriptFile.h"
 
@@ -26,11 +30,21 @@ std::wstring findScript(const std::wstring& script,
     return path;
 }
 
+LoadProblem findFatalProblem(const std::wstring& script, const wchar_t* refusal) {
+    std::wstring faults;
+    if (const temz_status status = findFatalFaults(script, faults); status != TEMZ_OK)
+        return {Ending::failed, script + L" can't be checked: " + temz_status_text(status)};
+    if (faults.empty())
+        return {};
+    return {Ending::scriptNotLoaded, script + refusal + L"\n" + faults};
+}
+
 ContextPtr loadScript(const std::wstring& script, const std::wstring& path, LoadProblem& problem) {
     temz_context* made = nullptr;
-    temz_create(&made);
+    temz_status loaded = temz_create(&made);
     ContextPtr context(made);
-    const temz_status loaded = temz_load(context.get(), path.c_str());
+    if (loaded == TEMZ_OK)
+        loaded = temz_load(context.get(), path.c_str());
     if (loaded == TEMZ_OK)
         return context;
     std::wstring reason = temz_status_text(loaded);
@@ -45,11 +59,7 @@ ContextPtr loadScript(const std::wstring& script, const std::wstring& path, Load
 }
 
 std::wstring lastFailure(temz_context* context) {
-    size_t length = 0;
-    temz_last_failure(context, nullptr, 0, &length);
-    std::wstring text(length, L'\0');
-    if (temz_last_failure(context, text.data(), text.size(), &length) != TEMZ_OK)
-        return {};
-    text.resize(length - 1);
+    std::wstring text;
+    takeText(std::bind_front(temz_last_failure, context), text);
     return text;
 }

@@ -27,6 +27,10 @@ struct LoadProblem {
 std::wstring findScript(const std::wstring& script,
                         const std::function<void(const std::wstring&)>& warn, LoadProblem& problem);
 
+/// Finds what surely ends a run of the script half-way; `refusal` is said in front of that. Also
+/// why it can't be looked for. Ending::done when there is nothing.
+LoadProblem findFatalProblem(const std::wstring& script, const wchar_t* refusal);
+
 /// A context with the script that was found. Null, with the problem, when it can't be loaded.
 ContextPtr loadScript(const std::wstring& script, const std::wstring& path, LoadProblem& problem);
 

@@ -1,7 +1,6 @@
 #include "PlanCommand.h"
 
 #include "Console.h"
-#include "Findings.h"
 #include "LoadedScript.h"
 #include "Machine.h"
 #include "PlanFile.h"
@@ -57,11 +56,11 @@ LoadProblem makePlan(const CommandLine& command, Plan& plan) {
     if (path.empty())
         return problem;
     // The engine itself plans, and would end as it would in the run.
-    const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
-    if (!faults.empty())
-        return {Ending::scriptNotLoaded, command.script +
-                                             L" isn't planned: a run would surely end half-way.\n" +
-                                             faults.substr(0, faults.size() - 1)};
+    if (!command.noCheck)
+        problem =
+            findFatalProblem(command.script, L" isn't planned: a run would surely end half-way.");
+    if (problem.ending != Ending::done)
+        return problem;
     const ContextPtr context = loadScript(command.script, path, problem);
     if (!context)
         return problem;

@@ -8,7 +8,6 @@
 #include "Console.h"
 #include "ConsoleReporter.h"
 #include "Diagnosis.h"
-#include "Findings.h"
 #include "JsonReporter.h"
 #include "LoadedScript.h"
 #include "LogReporter.h"
@@ -167,13 +166,12 @@ private:
             command.script, [this](const std::wstring& text) { warn(text); }, problem);
         if (path.empty())
             return refuse(problem.ending, problem.text);
-        const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
-        if (!faults.empty())
-            return refuse(Ending::scriptNotLoaded,
-                          command.script +
-                              L" isn't started: a run would surely end half-way. --no-check starts "
-                              L"it all the same.\n" +
-                              faults.substr(0, faults.size() - 1));
+        if (!command.noCheck)
+            problem = findFatalProblem(command.script,
+                                       L" isn't started: a run would surely end half-way. "
+                                       L"--no-check starts it all the same.");
+        if (problem.ending != Ending::done)
+            return refuse(problem.ending, problem.text);
         std::optional<PlanHold> plan;
         if (!command.plan.empty())
             if (const std::wstring reason = readApprovedPlan(plan); !reason.empty())

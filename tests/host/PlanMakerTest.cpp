@@ -4,7 +4,9 @@
 
 #include <stdexcept>
 
+#include "host/DeepStack.h"
 #include "host/LoadedScript.h"
+#include "support/FakeCall.h"
 #include "support/TestFolder.h"
 
 namespace {
@@ -36,6 +38,13 @@ TEST_F(PlanMakerTest, EndsWhenTheUserWantsNoMoreOfIt) {
     EXPECT_EQ(plan([] { return true; }), TEMZ_STOPPED);
     EXPECT_EQ(countActions(context.get(), TEMZ_INSTALL, [] { return false; }), 2u);
     EXPECT_EQ(countActions(context.get(), TEMZ_INSTALL, [] { return true; }), 0u);
+}
+
+TEST_F(PlanMakerTest, IsMadeOnTheThreadThatThereIsWhereThereCanBeNoOther) {
+    const FakeCall<deepStackCalls, &DeepStackCalls::CreateThread> create(
+        [](auto...) { return nullptr; });
+    EXPECT_EQ(plan([] { return false; }), TEMZ_OK);
+    EXPECT_EQ(create.count, 1);
 }
 
 // Exceptions can't pass the library, which is called by way of C.

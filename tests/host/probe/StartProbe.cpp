@@ -9,6 +9,8 @@
 #include <cwchar>
 #include <string>
 
+#include "capi/FailingMalloc.h"
+
 namespace {
 
 HANDLE pressHandled = nullptr;  // the thread on which the host's handler takes the press
@@ -68,6 +70,19 @@ extern "C" __declspec(dllexport) uint32_t
     GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode);
     std::swprintf(message, capacity, L"QuickEdit is %ls", (mode & quickEdit) != 0 ? L"on" : L"off");
     return 1;
+}
+
+/// Has one allocation of the host's program fail: that after so many as the environment says.
+extern "C" __declspec(dllexport) uint32_t
+    failOneAllocation(CustomActionParams*, wchar_t*, uint32_t) {
+    HMODULE self = nullptr;  // is needed longer than the action takes
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(&failOneAllocation), &self);
+    wchar_t number[16] = {};
+    GetEnvironmentVariableW(L"TEMZ_TESTS_ALLOCATION", number, 16);
+    static const FailingMalloc failing(std::wcstoul(number, nullptr, 10), 1,
+                                       GetModuleHandleW(nullptr));
+    return 0;
 }
 
 /// Writes the file "held" into the application's directory, and returns when somebody has deleted
