@@ -1,5 +1,7 @@
 #include "LoadedScript.h"
 
+#include <windows.h>
+
 #include <functional>
 
 #include "Findings.h"
@@ -7,27 +9,37 @@
 #include "Machine.h"
 #include "ScriptFile.h"
 
+namespace {
+
+/// Puts the current directory back at the end of its life: other paths of the command are counted
+/// from it, too.
+class KeptDirectory {
+public:
+    KeptDirectory() : path(wholePath(L".")) {}
+    KeptDirectory(const KeptDirectory&) = delete;
+    KeptDirectory& operator=(const KeptDirectory&) = delete;
+    ~KeptDirectory() { SetCurrentDirectoryW(path.c_str()); }
+
+private:
+    const std::wstring path;
+};
+
+}  // namespace
+
 std::wstring modeWord(temz_mode mode) {
     constexpr const wchar_t* words[] = {L"install", L"uninstall", L"upgrade"};
     return words[mode];
 }
 
-std::wstring findScript(const std::wstring& script,
-                        const std::function<void(const std::wstring&)>& warn,
-                        LoadProblem& problem) {
+LoadProblem findScriptProblem(const std::wstring& script,
+                              const std::function<void(const std::wstring&)>& warn) {
     const std::wstring opening = findOpenProblem(script);
-    if (!opening.empty()) {
-        problem = {Ending::scriptNotOpened, script + L" can't be opened: " + opening};
-        return {};
-    }
+    if (!opening.empty())
+        return {Ending::scriptNotOpened, script + L" can't be opened: " + opening};
     const std::wstring reading = findReadingProblem(script);
     if (!reading.empty())
         warn(script + L" may be misread: " + reading);
-    std::wstring path = findLoadablePath(wholePath(script));
-    if (path.empty())
-        problem = {Ending::scriptNotOpened,
-                   script + L" can't be opened: its name isn't in the active code page."};
-    return path;
+    return {};
 }
 
 LoadProblem findFatalProblem(const std::wstring& script, const wchar_t* refusal) {
@@ -39,7 +51,14 @@ LoadProblem findFatalProblem(const std::wstring& script, const wchar_t* refusal)
     return {Ending::scriptNotLoaded, script + refusal + L"\n" + faults};
 }
 
-ContextPtr loadScript(const std::wstring& script, const std::wstring& path, LoadProblem& problem) {
+ContextPtr loadScript(const std::wstring& script, LoadProblem& problem) {
+    const KeptDirectory directory;
+    const std::wstring path = findLoadablePath(wholePath(script));
+    if (path.empty()) {
+        problem = {Ending::scriptNotOpened,
+                   script + L" can't be opened: its name isn't in the active code page."};
+        return nullptr;
+    }
     temz_context* made = nullptr;
     temz_status loaded = temz_create(&made);
     ContextPtr context(made);

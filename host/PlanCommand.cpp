@@ -51,17 +51,14 @@ LoadProblem findPlanProblem(temz_status status, temz_context* context) {
 
 /// Makes the plan, but for its header. Why there is none.
 LoadProblem makePlan(const CommandLine& command, Plan& plan) {
-    LoadProblem problem;
-    const std::wstring path = findScript(command.script, warn, problem);
-    if (path.empty())
-        return problem;
+    LoadProblem problem = findScriptProblem(command.script, warn);
     // The engine itself plans, and would end as it would in the run.
-    if (!command.noCheck)
+    if (problem.ending == Ending::done && !command.noCheck)
         problem =
             findFatalProblem(command.script, L" isn't planned: a run would surely end half-way.");
     if (problem.ending != Ending::done)
         return problem;
-    const ContextPtr context = loadScript(command.script, path, problem);
+    const ContextPtr context = loadScript(command.script, problem);
     if (!context)
         return problem;
     StopRequest stop;

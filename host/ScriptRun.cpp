@@ -161,12 +161,9 @@ private:
     }
 
     Ending runLoaded() {
-        LoadProblem problem;
-        const std::wstring path = findScript(
-            command.script, [this](const std::wstring& text) { warn(text); }, problem);
-        if (path.empty())
-            return refuse(problem.ending, problem.text);
-        if (!command.noCheck)
+        LoadProblem problem =
+            findScriptProblem(command.script, [this](const std::wstring& text) { warn(text); });
+        if (problem.ending == Ending::done && !command.noCheck)
             problem = findFatalProblem(command.script,
                                        L" isn't started: a run would surely end half-way. "
                                        L"--no-check starts it all the same.");
@@ -185,7 +182,7 @@ private:
             return refuse(Ending::stoppedByUser, L"The wait for another run was ended.");
         if (!guard)
             return refuse(Ending::otherRunGoesOn, L"Another run goes on on this machine.");
-        const ContextPtr context = loadScript(command.script, path, problem);
+        const ContextPtr context = loadScript(command.script, problem);
         if (!context)
             return refuse(problem.ending, problem.text);
         return run(context.get(), plan ? &*plan : nullptr);

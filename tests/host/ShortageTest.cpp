@@ -71,10 +71,10 @@ TEST_F(ShortageTest, IsToldAsWhatKeepsAScriptFromBeingLoaded) {
     LoadProblem problem;
     const FailingMalloc failing(0, SIZE_MAX);
 
-    EXPECT_FALSE(loadScript(L"a.xml", script, problem));
+    EXPECT_FALSE(loadScript(script, problem));
 
     EXPECT_EQ(problem.ending, Ending::failed);
-    EXPECT_EQ(problem.text, L"a.xml can't be loaded: There isn't enough memory.");
+    EXPECT_EQ(problem.text, script + L" can't be loaded: There isn't enough memory.");
 }
 
 TEST_F(ShortageTest, IsNoFaultOfTheScript) {
