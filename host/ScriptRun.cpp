@@ -51,6 +51,10 @@ std::optional<temz_answer> askUser() {
     }
 }
 
+Failure diagnoseHere(const Action& action, const temz_error& error) {
+    return diagnose(action, error, realWitnesses);
+}
+
 /// Sees to files that were replaced with delay and are deleted before the restart came: it would
 /// bring them back.
 class PendingWatch final : public Reporter {
@@ -221,10 +225,7 @@ private:
             watchers.push_back(reporter.get());
         const bool asks = command.mayAsk();
         RunWatch watch(watchers, command.onError,
-                       {[this] { return stop.wanted(); },
-                        [](const Action& action, const temz_error& error) {
-                            return diagnose(action, error, realWitnesses);
-                        },
+                       {[this] { return stop.wanted(); }, diagnoseHere,
                         [asks] { return asks ? askUser() : std::nullopt; },
                         [this](std::chrono::milliseconds time) { stop.wait(time); }, plan});
         temz_outcome outcome{};

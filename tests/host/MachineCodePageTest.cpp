@@ -5,6 +5,7 @@
 
 #include "SetupTest.h"
 #include "host/LoadedScript.h"
+#include "host/ScriptFile.h"
 #include "support/Requirements.h"
 #include "support/Text.h"
 
@@ -70,6 +71,10 @@ TEST_F(MachineCodePageTest, LeadsToAScriptInAFolderThatItCannotName) {
 
     EXPECT_TRUE(exists(setup(L"a.plan")));
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "a")));
+}
+
+TEST_F(MachineCodePageTest, LeadsNowhereWhereThereIsNoFolder) {
+    EXPECT_EQ(findLoadablePath(folder.path(L"\u0100\\install.xml")), L"");
 }
 
 TEST_F(MachineCodePageTest, LeadsNowhereWhereNoNameIsShortEnough) {

@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "FakeConsole.h"
 #include "host/DeepStack.h"
 #include "host/LoadedScript.h"
+#include "host/PlanCommand.h"
+#include "host/StopRequest.h"
 #include "support/FakeCall.h"
 #include "support/LockedFile.h"
 #include "support/PayloadFolder.h"
@@ -92,6 +95,28 @@ TEST_F(PlanMakerTest, EndsWhereItCannotBeFollowed) {
     EXPECT_EQ(asked, 1);
     EXPECT_EQ(plan([]() -> bool { throw std::runtime_error("no such thing"); }), TEMZ_INTERNAL);
     EXPECT_EQ(countActions(context.get(), TEMZ_INSTALL, throwing), 0u);
+}
+
+TEST(PlanCommandTest, EndsByCtrlC) {
+    const TestFolder folder;
+    FakeConsole console;
+    const FakeCall<stopCalls, &StopCalls::SetConsoleCtrlHandler> pressed(
+        [](PHANDLER_ROUTINE handle, BOOL add) {
+            if (add)
+                handle(CTRL_C_EVENT);
+            return TRUE;
+        });
+    CommandLine command;
+    command.script =
+        folder.write(L"a.xml",
+                     "<Script><Product><InstallExecuteSequence><Fragment>"
+                     "<Caution Title='a'/></Fragment></InstallExecuteSequence></Product>"
+                     "</Script>");
+
+    EXPECT_EQ(showPlan(command), Ending::stoppedByUser);
+
+    EXPECT_EQ(console.error, L"temz: The plan was ended by the user.\n");
+    EXPECT_EQ(console.output, L"");
 }
 
 TEST(LastFailureTest, IsEmptyWhereItCannotBeHad) {

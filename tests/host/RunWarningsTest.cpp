@@ -62,6 +62,7 @@ TEST(TrustInTest, TrustsThoseWhoMayDoAnythingAndNobodyElse) {
     } owners[] = {
         {L"S-1-5-18", FolderTrust::trusted},
         {L"S-1-5-32-544", FolderTrust::trusted},
+        {L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464", FolderTrust::trusted},
         {L"S-1-5-21-1-2-3-1001", FolderTrust::isForeign},
     };
     for (const auto& [owner, trust] : owners) {

@@ -34,17 +34,19 @@ protected:
 TEST_F(ShortageTest, EndsACommandThatRunsNothingAndSaysSo) {
     const struct {
         Ending (*command)(const CommandLine&);
-        Ending ending;
+        std::wstring payload;
     } commands[] = {
-        {giveSchema, Ending::notCarriedOut},
-        {checkScriptFile, Ending::notCarriedOut},
+        {giveSchema, L""},
+        {checkScriptFile, L""},
+        {checkScriptFile, folder.path()},
     };
-    for (const auto& [command, ending] : commands) {
+    for (const auto& [command, payload] : commands) {
         CommandLine line;
         line.script = script;
+        line.payload = payload;
         console.error.clear();
         const FailingMalloc failing(0, SIZE_MAX);
-        EXPECT_EQ(command(line), ending);
+        EXPECT_EQ(command(line), Ending::notCarriedOut);
         EXPECT_EQ(console.error, noMemory);
         EXPECT_EQ(console.output, L"");
     }

@@ -7,6 +7,7 @@
 #include <temz/CustomAction.h>
 
 #include <cwchar>
+#include <optional>
 #include <string>
 
 #include "capi/FailingMalloc.h"
@@ -15,6 +16,8 @@ namespace {
 
 HANDLE pressHandled = nullptr;  // the thread on which the host's handler takes the press
 HANDLE pressSeen = nullptr;
+
+std::optional<FailingMalloc> failing;
 
 // Is asked before the host's own handler, on the same thread.
 BOOL WINAPI notePress(DWORD) {
@@ -72,7 +75,8 @@ extern "C" __declspec(dllexport) uint32_t
     return 1;
 }
 
-/// Has one allocation of the host's program fail: that after so many as the environment says.
+/// Has one allocation of the host's program fail: that after so many as the environment says. What
+/// belongs to no run any more, such as the counting of what was run, has all its memory.
 extern "C" __declspec(dllexport) uint32_t
     failOneAllocation(CustomActionParams*, wchar_t*, uint32_t) {
     HMODULE self = nullptr;  // is needed longer than the action takes
@@ -80,8 +84,15 @@ extern "C" __declspec(dllexport) uint32_t
                        reinterpret_cast<const wchar_t*>(&failOneAllocation), &self);
     wchar_t number[16] = {};
     GetEnvironmentVariableW(L"TEMZ_TESTS_ALLOCATION", number, 16);
-    static const FailingMalloc failing(std::wcstoul(number, nullptr, 10), 1,
-                                       GetModuleHandleW(nullptr));
+    failing.emplace(std::wcstoul(number, nullptr, 10), 1, GetModuleHandleW(nullptr));
+    // The library's own atexit is for its unloading, which comes behind the end of the program.
+    using AtExit = int (*(*)(int (*)()))();
+    const auto atExit = reinterpret_cast<AtExit>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), "_onexit")));
+    atExit([] {
+        failing.reset();
+        return 0;
+    });
     return 0;
 }
 
