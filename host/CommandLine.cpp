@@ -375,8 +375,9 @@ private:
             return refuse(name + L" needs a value: " + option->value + L".");
         }
         wantsHelp = wantsHelp || option->take == &takeVerb<Verb::help>;
-        return option->take(line, value) ||
-               refuse(name + L" can't be \"" + value + L"\", only " + option->value + L".");
+        if (!option->take(line, value))
+            return refuse(name + L" can't be \"" + value + L"\", only " + option->value + L".");
+        return true;
     }
 
     bool readCommand() {

@@ -2,10 +2,12 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 
 #include "ConsoleWindow.h"
 #include "Utf8.h"
+#include "WriteBytes.h"
 
 namespace {
 
@@ -42,15 +44,20 @@ bool canAsk() {
            isConsoleSeen();
 }
 
-void write(Stream stream, const std::wstring& text) {
+unsigned long write(Stream stream, const std::wstring& text) {
     const HANDLE handle = handleOf(stream);
+    if (!isConsole(handle))
+        return writeBytes(handle, toUtf8Lines(text));
     DWORD written = 0;
-    if (isConsole(handle)) {
-        WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-        return;
+    WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    return ERROR_SUCCESS;  // what a console doesn't show can't be told on it, either
+}
+
+void writeWithoutMemory(Stream stream, const wchar_t* text) {
+    for (; *text != L'\0'; ++text) {
+        const char character = static_cast<char>(*text);
+        writeBytes(handleOf(stream), *text == L'\n' ? "\r\n" : std::string_view(&character, 1));
     }
-    const std::string utf8 = toUtf8Lines(text);
-    WriteFile(handle, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr);
 }
 
 bool readLine(std::wstring& line) {
@@ -93,9 +100,8 @@ void restoreConsole() {
 }
 
 size_t terminalWidth() {
-    CONSOLE_SCREEN_BUFFER_INFO info;
-    constexpr size_t usual = 80;
-    if (!GetConsoleScreenBufferInfo(handleOf(Stream::output), &info) || info.dwSize.X < 1)
-        return usual;
-    return static_cast<size_t>(info.dwSize.X);
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    info.dwSize.X = 80;  // where the terminal doesn't tell
+    GetConsoleScreenBufferInfo(handleOf(Stream::output), &info);
+    return static_cast<size_t>(std::max<SHORT>(info.dwSize.X, 1));
 }

@@ -12,7 +12,11 @@ bool isTerminal(Stream stream);
 bool canAsk();
 
 /// Writes a text: to a terminal as it is, to anything else as UTF-8 with the line ends of Windows.
-void write(Stream stream, const std::wstring& text);
+/// Gives the system's error code; 0 when it is written.
+unsigned long write(Stream stream, const std::wstring& text);
+
+/// The same of a text in ASCII, for those who have no memory left.
+void writeWithoutMemory(Stream stream, const wchar_t* text);
 
 /// Reads one line from the terminal. False when there is none any more, or Ctrl+Z in it.
 bool readLine(std::wstring& line);

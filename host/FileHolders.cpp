@@ -1,7 +1,5 @@
 #include "FileHolders.h"
 
-#include <windows.h>
-
 #include <restartmanager.h>
 
 #include <memory>
@@ -20,13 +18,14 @@ LibraryPtr loadFromSystem(const wchar_t* name) {
     if (length == 0 || length >= MAX_PATH)
         return nullptr;
     const std::wstring path = std::wstring(directory) + L"\\" + name;
-    return LibraryPtr(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    return LibraryPtr(
+        holderCalls.LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }
 
 template <class Function>
 bool bind(const LibraryPtr& library, const char* name, Function& function) {
-    function =
-        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library.get(), name)));
+    function = reinterpret_cast<Function>(
+        reinterpret_cast<void*>(holderCalls.GetProcAddress(library.get(), name)));
     return function != nullptr;
 }
 

@@ -70,16 +70,13 @@ temz_status findFaults(const std::wstring& script, const std::wstring& payload,
     return notes.guard.statusOf(temz_check(&request));
 }
 
-std::wstring fatalFaults(const std::wstring& script) {
+temz_status findFatalFaults(const std::wstring& script, std::wstring& lines) {
     std::vector<ScriptFinding> findings;
     const temz_status status = findFaults(script, L"", L"", findings);
-    if (status != TEMZ_OK)
-        return std::wstring(temz_status_text(status)) + L"\n";
-    std::wstring lines;
     for (const ScriptFinding& finding : findings)
         if (finding.endsRun)
-            lines += findingLine(finding) + L"\n";
-    return lines;
+            lines += (lines.empty() ? L"" : L"\n") + findingLine(finding);
+    return status;
 }
 
 FindingCounts::FindingCounts(const std::vector<ScriptFinding>& findings) {

@@ -24,8 +24,9 @@ temz_status findFaults(const std::wstring& script, const std::wstring& payload,
                        const std::wstring& previous, std::vector<ScriptFinding>& findings);
 
 /// What surely ends a run of the script in any mode: what can be installed must be removable, too.
-/// A line for each finding; empty when there is none.
-std::wstring fatalFaults(const std::wstring& script);
+/// A line for each finding, without the last one's end; empty when there is none. The status is
+/// temz_check's.
+temz_status findFatalFaults(const std::wstring& script, std::wstring& lines);
 
 /// Shows each kind of finding, in the order of the codes.
 template <class Show>

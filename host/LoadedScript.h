@@ -22,13 +22,16 @@ struct LoadProblem {
     std::wstring text;
 };
 
-/// The path under which the engine finds the script of a command. Empty, with the problem, when it
-/// can't be opened. `warn` is told when the engine may misread it.
-std::wstring findScript(const std::wstring& script,
-                        const std::function<void(const std::wstring&)>& warn, LoadProblem& problem);
+/// Why the script of a command can't be opened. `warn` is told when the engine may misread it.
+LoadProblem findScriptProblem(const std::wstring& script,
+                              const std::function<void(const std::wstring&)>& warn);
 
-/// A context with the script that was found. Null, with the problem, when it can't be loaded.
-ContextPtr loadScript(const std::wstring& script, const std::wstring& path, LoadProblem& problem);
+/// Finds what surely ends a run of the script half-way; `refusal` is said in front of that. Also
+/// why it can't be looked for. Ending::done when there is nothing.
+LoadProblem findFatalProblem(const std::wstring& script, const wchar_t* refusal);
+
+/// A context with the script. Null, with the problem, when it can't be loaded.
+ContextPtr loadScript(const std::wstring& script, LoadProblem& problem);
 
 /// The text of temz_last_failure; empty when that can't be had, either.
 std::wstring lastFailure(temz_context* context);

@@ -4,6 +4,7 @@
 #include "Machine.h"
 #include "RunText.h"
 #include "Utf8.h"
+#include "WriteBytes.h"
 
 namespace {
 
@@ -37,12 +38,9 @@ std::unique_ptr<LogReporter> LogReporter::open(const std::wstring& path, Detail 
 }
 
 void LogReporter::line(const std::wstring& text) {
-    const std::string bytes = toUtf8(timeStamp() + L" " + text + L"\r\n");
-    DWORD written = 0;
-    const bool success = logCalls.WriteFile(file.get(), bytes.data(),
-                                            static_cast<DWORD>(bytes.size()), &written, nullptr);
-    if (firstError == ERROR_SUCCESS && (!success || written < bytes.size()))
-        firstError = success ? ERROR_DISK_FULL : GetLastError();
+    const DWORD error = writeBytes(file.get(), toUtf8(timeStamp() + L" " + text + L"\r\n"));
+    if (firstError == ERROR_SUCCESS)
+        firstError = error;
 }
 
 void LogReporter::started(const RunHeader& header) {

@@ -8,13 +8,6 @@
 #include "Handles.h"
 #include "Report.h"
 
-/// The Win32 call that writes a log; tests replace it, to have a disk that is full.
-struct LogCalls {
-    decltype(&::WriteFile) WriteFile = ::WriteFile;
-};
-
-inline LogCalls logCalls;
-
 /// Writes a run to a file, in UTF-8: a header, each action with its whole paths, each failure with
 /// the call that failed, and the end. The file is appended to and can be read meanwhile.
 class LogReporter final : public Reporter {

@@ -3,8 +3,6 @@
 #include <windows.h>
 
 #include <aclapi.h>
-#include <sddl.h>
-#include <wincrypt.h>
 
 #include <array>
 #include <cstdio>
@@ -12,6 +10,7 @@
 #include <vector>
 
 #include "Handles.h"
+#include "MachineCalls.h"
 
 namespace {
 
@@ -25,9 +24,9 @@ HandlePtr openOwnToken() {
 std::vector<BYTE> ownUser() {
     const HandlePtr token = openOwnToken();
     DWORD size = 0;
-    GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
+    machineCalls.GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
     std::vector<BYTE> user(size);
-    if (!GetTokenInformation(token.get(), TokenUser, user.data(), size, &size))
+    if (!machineCalls.GetTokenInformation(token.get(), TokenUser, user.data(), size, &size))
         user.clear();
     return user;
 }
@@ -38,7 +37,7 @@ PSID idOf(const std::vector<BYTE>& user) {
 
 std::wstring textOfId(PSID id) {
     wchar_t* raw = nullptr;
-    if (!ConvertSidToStringSidW(id, &raw))
+    if (!machineCalls.ConvertSidToStringSidW(id, &raw))
         return {};
     const LocalPtr<wchar_t> text(raw);
     return text.get();
@@ -48,9 +47,9 @@ std::wstring textOfId(PSID id) {
 class Sha256 {
 public:
     Sha256() {
-        open = CryptAcquireContextW(&provider, nullptr, nullptr, PROV_RSA_AES,
-                                    CRYPT_VERIFYCONTEXT | CRYPT_SILENT) &&
-               CryptCreateHash(provider, CALG_SHA_256, 0, 0, &hash);
+        open = machineCalls.CryptAcquireContextW(&provider, nullptr, nullptr, PROV_RSA_AES,
+                                                 CRYPT_VERIFYCONTEXT | CRYPT_SILENT) &&
+               machineCalls.CryptCreateHash(provider, CALG_SHA_256, 0, 0, &hash);
     }
     Sha256(const Sha256&) = delete;
     Sha256& operator=(const Sha256&) = delete;
@@ -64,18 +63,18 @@ public:
     bool feed(HANDLE file) {
         std::vector<BYTE> buffer(size_t{64} * 1024);
         DWORD read = 0;
-        while (open &&
-               ReadFile(file, buffer.data(), static_cast<DWORD>(buffer.size()), &read, nullptr)) {
+        while (open && machineCalls.ReadFile(file, buffer.data(), static_cast<DWORD>(buffer.size()),
+                                             &read, nullptr)) {
             if (read == 0)
                 return true;
-            open = CryptHashData(hash, buffer.data(), read, 0);
+            open = machineCalls.CryptHashData(hash, buffer.data(), read, 0);
         }
         return false;
     }
 
     bool finish(std::array<BYTE, 32>& digest) const {
         DWORD size = digest.size();
-        return CryptGetHashParam(hash, HP_HASHVAL, digest.data(), &size, 0);
+        return machineCalls.CryptGetHashParam(hash, HP_HASHVAL, digest.data(), &size, 0);
     }
 
 private:
@@ -92,8 +91,7 @@ std::wstring windowsVersion() {
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion")));
     OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof version;
-    if (getVersion == nullptr || getVersion(&version) != 0)
-        return {};
+    getVersion(&version);  // is there in every version, and never fails
     return std::to_wstring(version.dwMajorVersion) + L"." +
            std::to_wstring(version.dwMinorVersion) + L"." + std::to_wstring(version.dwBuildNumber);
 }
@@ -107,8 +105,8 @@ std::wstring userName() {
     DWORD nameLength = name.size();
     DWORD domainLength = domain.size();
     SID_NAME_USE use;
-    if (!LookupAccountSidW(nullptr, idOf(user), name.data(), &nameLength, domain.data(),
-                           &domainLength, &use))
+    if (!machineCalls.LookupAccountSidW(nullptr, idOf(user), name.data(), &nameLength,
+                                        domain.data(), &domainLength, &use))
         return {};
     return std::wstring(domain.data()) + L"\\" + name.data();
 }
@@ -132,8 +130,9 @@ bool isElevated() {
     const HandlePtr token = openOwnToken();
     TOKEN_ELEVATION elevation{};
     DWORD size = 0;
-    return GetTokenInformation(token.get(), TokenElevation, &elevation, sizeof elevation, &size) &&
-           elevation.TokenIsElevated != 0;
+    machineCalls.GetTokenInformation(token.get(), TokenElevation, &elevation, sizeof elevation,
+                                     &size);
+    return elevation.TokenIsElevated != 0;
 }
 
 std::wstring timeStamp() {
@@ -164,9 +163,6 @@ std::wstring sha256OfFile(const std::wstring& path) {
 std::wstring wholePath(const std::wstring& path) {
     const DWORD size = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
     std::wstring whole(size, L'\0');
-    const DWORD length = GetFullPathNameW(path.c_str(), size, whole.data(), nullptr);
-    if (length == 0 || length >= size)
-        return path;
-    whole.resize(length);
-    return whole;
+    whole.resize(GetFullPathNameW(path.c_str(), size, whole.data(), nullptr));
+    return whole.empty() ? path : whole;
 }

@@ -1,7 +1,6 @@
 #include "PlanCommand.h"
 
 #include "Console.h"
-#include "Findings.h"
 #include "LoadedScript.h"
 #include "Machine.h"
 #include "PlanFile.h"
@@ -52,17 +51,14 @@ LoadProblem findPlanProblem(temz_status status, temz_context* context) {
 
 /// Makes the plan, but for its header. Why there is none.
 LoadProblem makePlan(const CommandLine& command, Plan& plan) {
-    LoadProblem problem;
-    const std::wstring path = findScript(command.script, warn, problem);
-    if (path.empty())
-        return problem;
+    LoadProblem problem = findScriptProblem(command.script, warn);
     // The engine itself plans, and would end as it would in the run.
-    const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
-    if (!faults.empty())
-        return {Ending::scriptNotLoaded, command.script +
-                                             L" isn't planned: a run would surely end half-way.\n" +
-                                             faults.substr(0, faults.size() - 1)};
-    const ContextPtr context = loadScript(command.script, path, problem);
+    if (problem.ending == Ending::done && !command.noCheck)
+        problem =
+            findFatalProblem(command.script, L" isn't planned: a run would surely end half-way.");
+    if (problem.ending != Ending::done)
+        return problem;
+    const ContextPtr context = loadScript(command.script, problem);
     if (!context)
         return problem;
     StopRequest stop;

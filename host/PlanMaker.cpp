@@ -102,7 +102,7 @@ private:
                 action.text2 = step.detail;
                 break;
             case TEMZ_STEP_CHANGE:
-                unforeseeable = unforeseeable || step.unforeseeable;
+                unforeseeable |= step.unforeseeable;
                 if (step.code == TEMZ_CHANGE_FILE_AT_RESTART)
                     step.holders = witnesses.holdersOf(step.object);
                 break;

@@ -24,18 +24,12 @@ std::wstring programPath() {
     return path;
 }
 
-/// What is wrong with the folder of the engine's log; null for nothing.
-const wchar_t* problemOf(FolderTrust trust) {
-    switch (trust) {
-        case FolderTrust::trusted:
-            return nullptr;
-        case FolderTrust::isLink:
-            return L"is a link, so it goes where the link's maker wants";
-        case FolderTrust::isForeign:
-            return L"belongs to another user, who may lead it elsewhere";
-    }
-    return nullptr;
-}
+/// What is wrong with the folder of the engine's log, by the trust in it; null for nothing.
+constexpr const wchar_t* trustProblems[] = {
+    nullptr,
+    L"is a link, so it goes where the link's maker wants",
+    L"belongs to another user, who may lead it elsewhere",
+};
 
 }  // namespace
 
@@ -50,7 +44,8 @@ std::vector<std::wstring> runWarnings(const RunWitnesses& witnesses) {
         warnings.emplace_back(
             L"This program is marked as downloaded, and files that were unpacked with it pass the "
             L"mark on to what is installed. Unblock the archive and unpack it anew.");
-    if (const wchar_t* problem = problemOf(witnesses.trustIn(engineLogFolder)))
+    const FolderTrust trust = witnesses.trustIn(engineLogFolder);
+    if (const wchar_t* problem = trustProblems[static_cast<size_t>(trust)])
         warnings.push_back(std::wstring(L"The engine's log is written to ") + engineLogFolder +
                            L", which " + problem + L". Take the folder away.");
     return warnings;

@@ -16,12 +16,11 @@ JsonObject message(const std::wstring& text) {
 std::vector<JsonObject> rules() {
     std::vector<JsonObject> rules;
     forEachFindingKind([&rules](const temz_finding_kind& kind) {
-        rules.push_back(JsonObject()
-                            .add(L"id", kind.code)
-                            .add(L"shortDescription", message(kind.meaning))
-                            .add(L"help", message(kind.remedy))
-                            .add(L"defaultConfiguration",
-                                 JsonObject().add(L"level", severityWord(kind.severity))));
+        JsonObject& rule = rules.emplace_back();
+        rule.add(L"id", kind.code)
+            .add(L"shortDescription", message(kind.meaning))
+            .add(L"help", message(kind.remedy))
+            .add(L"defaultConfiguration", JsonObject().add(L"level", severityWord(kind.severity)));
     });
     return rules;
 }
@@ -61,14 +60,15 @@ JsonObject location(const ScriptFinding& finding) {
     return JsonObject().add(L"physicalLocation", place);
 }
 
-JsonObject result(const ScriptFinding& finding) {
+JsonObject resultOf(const ScriptFinding& finding) {
     const std::wstring text =
         finding.help.empty() ? finding.text : finding.text + L" " + finding.help;
-    return JsonObject()
-        .add(L"ruleId", finding.code)
+    JsonObject result;
+    result.add(L"ruleId", finding.code)
         .add(L"level", severityWord(finding.severity))
         .add(L"message", message(text))
         .add(L"locations", std::vector<JsonObject>{location(finding)});
+    return result;
 }
 
 }  // namespace
@@ -77,17 +77,16 @@ std::wstring sarifText(const std::vector<ScriptFinding>& findings) {
     std::vector<JsonObject> results;
     results.reserve(findings.size());
     for (const ScriptFinding& finding : findings)
-        results.push_back(result(finding));
+        results.push_back(resultOf(finding));
     const JsonObject driver =
         JsonObject().add(L"name", L"temz").add(L"version", programVersion()).add(L"rules", rules());
-    const JsonObject run = JsonObject()
-                               .add(L"tool", JsonObject().add(L"driver", driver))
-                               .add(L"columnKind", L"utf16CodeUnits")
-                               .add(L"results", results);
-    return JsonObject()
-               .add(L"$schema", schemaAddress)
-               .add(L"version", L"2.1.0")
-               .add(L"runs", std::vector<JsonObject>{run})
-               .text() +
-           L"\n";
+    JsonObject run;
+    run.add(L"tool", JsonObject().add(L"driver", driver))
+        .add(L"columnKind", L"utf16CodeUnits")
+        .add(L"results", results);
+    JsonObject all;
+    all.add(L"$schema", schemaAddress)
+        .add(L"version", L"2.1.0")
+        .add(L"runs", std::vector<JsonObject>{run});
+    return all.text() + L"\n";
 }

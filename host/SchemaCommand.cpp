@@ -1,14 +1,14 @@
 #include "SchemaCommand.h"
 
-#include <temz/temz.h>
-
+#include "Console.h"
+#include "GivenText.h"
 #include "TextOutput.h"
 
 Ending giveSchema(const CommandLine& command) {
-    size_t length = 0;
-    temz_schema(nullptr, 0, &length);
-    std::wstring schema(length, L'\0');
-    temz_schema(schema.data(), schema.size(), nullptr);
-    schema.resize(length - 1);
-    return giveText(schema, command.out);
+    std::wstring schema;
+    const temz_status status = takeText(temz_schema, schema);
+    if (status == TEMZ_OK)
+        return giveText(schema, command.out);
+    write(Stream::error, std::wstring(L"temz: ") + temz_status_text(status) + L"\n");
+    return Ending::notCarriedOut;
 }

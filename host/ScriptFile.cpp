@@ -22,8 +22,9 @@ bool fitsCodePage(const std::wstring& text) {
     std::string narrow(static_cast<size_t>(size), '\0');
     WideCharToMultiByte(CP_ACP, 0, text.data(), units, narrow.data(), size, nullptr, nullptr);
     std::wstring wide(text.size(), L'\0');
-    return MultiByteToWideChar(CP_ACP, 0, narrow.data(), size, wide.data(), units) == units &&
-           wide == text;
+    wide.resize(static_cast<size_t>(
+        MultiByteToWideChar(CP_ACP, 0, narrow.data(), size, wide.data(), units)));
+    return wide == text;
 }
 
 /// The bytes of a file, without the mark of UTF-8, which the engine leaves out as well.
@@ -67,10 +68,9 @@ std::wstring findOpenProblem(const std::wstring& script) {
 std::wstring findLoadablePath(const std::wstring& script) {
     if (fitsCodePage(script))
         return script;
-    const size_t separator = script.find_last_of(L"\\/:");
-    std::wstring name = script.substr(separator + 1);
-    if (separator != std::wstring::npos && fitsCodePage(name) &&
-        SetCurrentDirectoryW(script.substr(0, separator + 1).c_str()))
+    const size_t nameAt = script.find_last_of(L"\\/:") + 1;
+    std::wstring name = script.substr(nameAt);
+    if (fitsCodePage(name) && SetCurrentDirectoryW(script.substr(0, nameAt).c_str()))
         return name;
     std::wstring path = shortPath(script);
     return fitsCodePage(path) ? path : L"";

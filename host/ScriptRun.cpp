@@ -8,7 +8,6 @@
 #include "Console.h"
 #include "ConsoleReporter.h"
 #include "Diagnosis.h"
-#include "Findings.h"
 #include "JsonReporter.h"
 #include "LoadedScript.h"
 #include "LogReporter.h"
@@ -50,6 +49,10 @@ std::optional<temz_answer> askUser() {
         if (line == L"i" || line == L"ignore")
             return TEMZ_IGNORE;
     }
+}
+
+Failure diagnoseHere(const Action& action, const temz_error& error) {
+    return diagnose(action, error, realWitnesses);
 }
 
 /// Sees to files that were replaced with delay and are deleted before the restart came: it would
@@ -162,18 +165,14 @@ private:
     }
 
     Ending runLoaded() {
-        LoadProblem problem;
-        const std::wstring path = findScript(
-            command.script, [this](const std::wstring& text) { warn(text); }, problem);
-        if (path.empty())
+        LoadProblem problem =
+            findScriptProblem(command.script, [this](const std::wstring& text) { warn(text); });
+        if (problem.ending == Ending::done && !command.noCheck)
+            problem = findFatalProblem(command.script,
+                                       L" isn't started: a run would surely end half-way. "
+                                       L"--no-check starts it all the same.");
+        if (problem.ending != Ending::done)
             return refuse(problem.ending, problem.text);
-        const std::wstring faults = command.noCheck ? L"" : fatalFaults(command.script);
-        if (!faults.empty())
-            return refuse(Ending::scriptNotLoaded,
-                          command.script +
-                              L" isn't started: a run would surely end half-way. --no-check starts "
-                              L"it all the same.\n" +
-                              faults.substr(0, faults.size() - 1));
         std::optional<PlanHold> plan;
         if (!command.plan.empty())
             if (const std::wstring reason = readApprovedPlan(plan); !reason.empty())
@@ -187,7 +186,7 @@ private:
             return refuse(Ending::stoppedByUser, L"The wait for another run was ended.");
         if (!guard)
             return refuse(Ending::otherRunGoesOn, L"Another run goes on on this machine.");
-        const ContextPtr context = loadScript(command.script, path, problem);
+        const ContextPtr context = loadScript(command.script, problem);
         if (!context)
             return refuse(problem.ending, problem.text);
         return run(context.get(), plan ? &*plan : nullptr);
@@ -226,10 +225,7 @@ private:
             watchers.push_back(reporter.get());
         const bool asks = command.mayAsk();
         RunWatch watch(watchers, command.onError,
-                       {[this] { return stop.wanted(); },
-                        [](const Action& action, const temz_error& error) {
-                            return diagnose(action, error, realWitnesses);
-                        },
+                       {[this] { return stop.wanted(); }, diagnoseHere,
                         [asks] { return asks ? askUser() : std::nullopt; },
                         [this](std::chrono::milliseconds time) { stop.wait(time); }, plan});
         temz_outcome outcome{};

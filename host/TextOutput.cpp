@@ -4,6 +4,7 @@
 #include "Diagnosis.h"
 #include "Handles.h"
 #include "Utf8.h"
+#include "WriteBytes.h"
 
 namespace {
 
@@ -11,12 +12,11 @@ namespace {
 std::wstring writeText(const std::wstring& path, const std::wstring& text, DWORD disposition) {
     const FilePtr file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, disposition,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-    const std::string bytes = toUtf8Lines(text);
-    DWORD written = 0;
-    if (file &&
-        WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
+    DWORD error = GetLastError();
+    if (file)
+        error = writeBytes(file.get(), toUtf8Lines(text));
+    if (error == ERROR_SUCCESS)
         return {};
-    const DWORD error = GetLastError();
     if (error == ERROR_FILE_EXISTS)
         return path + L" is there already, and isn't replaced. Remove it, or name another file.";
     return path + L" can't be written: " + systemTextWithCode(error);
@@ -29,11 +29,11 @@ std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
 }
 
 Ending giveText(const std::wstring& text, const std::wstring& file) {
-    if (file.empty()) {
-        write(Stream::output, text);
-        return Ending::done;
-    }
-    const std::wstring problem = writeText(file, text, CREATE_NEW);
+    std::wstring problem;
+    if (!file.empty())
+        problem = writeText(file, text, CREATE_NEW);
+    else if (const unsigned long error = write(Stream::output, text); error != ERROR_SUCCESS)
+        problem = L"The output can't be written: " + systemTextWithCode(error);
     if (problem.empty())
         return Ending::done;
     write(Stream::error, L"temz: " + problem + L"\n");

@@ -1,5 +1,7 @@
 // Runs install scripts from the command line: a host of the C interface, as a model for others.
 
+#include <new>
+
 #include "CheckCommand.h"
 #include "CommandLine.h"
 #include "Console.h"
@@ -12,6 +14,7 @@
 #include "SafeStart.h"
 #include "SchemaCommand.h"
 #include "ScriptRun.h"
+#include "Shortage.h"
 #include "VerifyCommand.h"
 #include "Version.h"
 
@@ -81,12 +84,19 @@ Ending carryOut(const CommandLine& command) {
 
 int wmain(int count, wchar_t** arguments) {
     const SafeStart safeStart;
-    std::wstring problem;
-    const auto command = readCommandLine(count, arguments, problem);
-    if (!command && wantsJson(count, arguments))
-        tellInJson(problem, namedVerb(count, arguments));
-    const Ending ending = command ? carryOut(*command) : refuse(problem);
-    if (command ? command->mayAsk() : count < 2)
-        waitForKeyIfAlone();
-    return exitCodeOf(ending);
+    auto verb = Verb::help;
+    try {
+        std::wstring problem;
+        const auto command = readCommandLine(count, arguments, problem);
+        if (command)
+            verb = command->verb;
+        else if (wantsJson(count, arguments))
+            tellInJson(problem, namedVerb(count, arguments));
+        const Ending ending = command ? carryOut(*command) : refuse(problem);
+        if (command ? command->mayAsk() : count < 2)
+            waitForKeyIfAlone();
+        return exitCodeOf(ending);
+    } catch (const std::bad_alloc&) {
+        return exitCodeOf(endForLackOfMemory(verb));
+    }
 }

@@ -1,5 +1,6 @@
 #include "system/RegistryOperations.h"
 
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -36,8 +37,8 @@ std::vector<std::wstring> subkeyNames(const Key& key) {
                                    nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
     std::vector<std::wstring> names;
     for (DWORD index = 0; index < count; ++index) {
-        wchar_t name[subkeyNameLength + 1];
-        DWORD length = subkeyNameLength;
+        wchar_t name[subkeyNameLength];
+        DWORD length = std::size(name);
         if (registryCalls.RegEnumKeyExW(key.get(), index, name, &length, nullptr, nullptr, nullptr,
                                         nullptr) == ERROR_SUCCESS)
             names.emplace_back(name, length);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <type_traits>
 
 /// A library of the system that is bound at first use, by its whole path in the system directory.
@@ -33,13 +34,17 @@ struct FunctionName {
 };
 
 /// A call of a system library for a call table. Where it can't be bound it gives what such a call
-/// gives when it fails: 0, and of COM's an error.
+/// gives when it fails: 0, and of COM's and the registry's an error.
 template <SystemLibrary& library, FunctionName name, class Result, class... Arguments>
 Result callSystem(Arguments... arguments) {
-    const auto function = reinterpret_cast<Result (*)(Arguments...)>(library.find(name.text));
+    using Function = Result (*)(Arguments...);
+    static constinit std::atomic<Function> bound = nullptr;
+    Function function = bound;
+    if (function == nullptr)
+        bound = function = reinterpret_cast<Function>(library.find(name.text));
     if (function)
         return function(arguments...);
-    if constexpr (std::is_same_v<Result, HRESULT>)
+    if constexpr (std::is_same_v<Result, HRESULT> || std::is_same_v<Result, LSTATUS>)
         return E_FAIL;
     else
         return Result();

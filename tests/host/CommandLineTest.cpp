@@ -71,6 +71,20 @@ TEST(CommandLineTest, AsksForTheSchemaAndWhereItGoes) {
     EXPECT_EQ(refusal({L"schema", L"a.xml"}), L"a.xml is one argument too many.");
 }
 
+TEST(CommandLineTest, TakesAnAssumptionWithANameAndAValueOnly) {
+    const CommandLine plan = accepted({L"plan", L"a.xml", L"--assume", L"A=b=c"});
+    ASSERT_EQ(plan.assumptions.size(), 1u);
+    EXPECT_EQ(plan.assumptions[0].name, L"A");
+    EXPECT_EQ(plan.assumptions[0].value, L"b=c");
+    for (const wchar_t* assumption : {L"A", L"=b"})
+        EXPECT_EQ(refusal({L"plan", L"a.xml", L"--assume", assumption}),
+                  std::wstring(L"--assume can't be \"") + assumption + L"\", only NAME=VALUE.");
+}
+
+TEST(CommandLineTest, ShowsTheHelpWhateverElseIsAskedFor) {
+    EXPECT_EQ(accepted({L"--help", L"--quiet"}).verb, Verb::help);
+}
+
 TEST(CommandLineTest, AsksForDraftsOfScripts) {
     const CommandLine product =
         accepted({L"new", L"--name", L"My Product", L"--payload=files", L"--out", L"a.xml"});

@@ -294,6 +294,19 @@ TEST(DiagnosisTest, FindsTheReasonInTheCallsAndTheMachine) {
          L"it is still starting",
          L"",
          0},
+        {TEMZ_ACTION_STOP_SERVICE,
+         {serviceState(L"state 3"), call(L"QueryServiceStatus", {L"Greeter", L"state 0"}, 6)},
+         plain,
+         L"it is still stopping",
+         L"",
+         0},
+        {TEMZ_ACTION_DELETE_FILE,
+         {deleteCall(5)},
+         plain,
+         L"access is denied",
+         L"Look at the rights of C:\\app\\a.dll.",
+         5},
+        {TEMZ_ACTION_REMOVE_DIRECTORY, {deleteCall(0)}, plain, L"", L"", 0},
         // A call that doesn't decide says nothing.
         {TEMZ_ACTION_START_SERVICE, {copyCall(2)}, plain, L"", L"", 0},
         // A code that no row is about.
@@ -346,6 +359,16 @@ TEST(DiagnosisTest, LooksAtTheDirectoryThatCanNotBeMade) {
     EXPECT_EQ(failure.call, L"CreateDirectoryW(C:\\app)");
 }
 
+TEST(DiagnosisTest, LooksAtNoDirectoryThatIsThereOrCannotBeTheReason) {
+    for (const uint32_t error : {ERROR_SUCCESS, ERROR_PATH_NOT_FOUND, ERROR_ALREADY_EXISTS}) {
+        const Failure failure =
+            failed(TEMZ_ACTION_COPY_FILE, L"a.dll",
+                   {call(L"CreateDirectoryW", {L"C:\\app"}, error), deleteCall(5), copyCall(3)});
+        EXPECT_EQ(failure.systemError, 3u) << error;
+        EXPECT_EQ(failure.call, L"CopyFileW(C:\\setup\\a.dll, C:\\app\\a.dll, 0)") << error;
+    }
+}
+
 TEST(DiagnosisTest, ExplainsTheLibraryOfACustomAction) {
     const struct {
         const wchar_t* message;
@@ -377,6 +400,26 @@ TEST(DiagnosisTest, BlamesNoLibraryForAnotherMessage) {
     EXPECT_EQ(failure.why, L"");
     EXPECT_EQ(failure.systemError, 0u);
     EXPECT_EQ(failure.call, L"");
+}
+
+TEST(DiagnosisTest, BlamesNoConditionForWhatFollowsIt) {
+    Call line;
+    line.group = L"log";
+    line.arguments = {L"delete file a"};
+    const Failure failure = diagnose(action(TEMZ_ACTION_CONDITION, L"A = 1", {line, deleteCall(5)}),
+                                     error(TEMZ_ERROR_MESSAGE, L"", L"It is wrong."), plain);
+
+    EXPECT_EQ(failure.what, L"It is wrong.");
+    EXPECT_EQ(failure.why, L"");
+}
+
+TEST(DiagnosisTest, TakesTheRecordOfAnActionThatItDoesNotKnow) {
+    const Failure failure =
+        diagnose(action(99, L"x", {copyCall(32)}), error(99, L"x", L"It is wrong.", 7), plain);
+
+    EXPECT_EQ(failure.what, L"Action 99 x");
+    EXPECT_EQ(failure.why, L"It is wrong.");
+    EXPECT_EQ(failure.systemError, 7u);
 }
 
 TEST(DiagnosisTest, SaysSoWhereTheRecordIsEmpty) {

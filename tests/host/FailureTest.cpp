@@ -178,6 +178,16 @@ TEST_F(PendingFileTest, IsTakenBackAloneWhereThatIsAsked) {
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
+TEST_F(FailureTest, TakesNothingBackWhereNoFileWaits) {
+    shipNext();
+
+    const ProgramRun run = temz(L"uninstall install.xml --drop-pending");
+
+    EXPECT_EQ(run.exitCode, 0u);
+    EXPECT_EQ(run.error, "");
+    EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
 TEST_F(PendingFileTest, StaysAwayWhereTheUninstallRemovesTheDirectory) {
     writeScript(file("a.txt") + "<RemoveDirectory Path='" + utf8(folder.path(L"app")) + "'/>");
 

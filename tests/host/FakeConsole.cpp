@@ -28,9 +28,16 @@ bool canAsk() {
     return console->someoneAnswers;
 }
 
-void write(Stream stream, const std::wstring& text) {
+unsigned long write(Stream stream, const std::wstring& text) {
+    if (stream == Stream::output && console->writeError != 0)
+        return console->writeError;
     (stream == Stream::output ? console->output : console->error) += text;
     console->shown += text;
+    return 0;
+}
+
+void writeWithoutMemory(Stream stream, const wchar_t* text) {
+    write(stream, text);
 }
 
 bool readLine(std::wstring& line) {

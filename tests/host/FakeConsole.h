@@ -15,6 +15,7 @@ public:
     bool terminal = true;
     bool someoneAnswers = true;
     size_t width = 60;
+    unsigned long writeError = 0;      ///< with which nothing can be written to the output
     int droppings = 0;                 ///< of what was typed ahead
     std::deque<std::wstring> answers;  ///< lines that the user types, then the input ends
 

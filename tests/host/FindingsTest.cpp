@@ -65,6 +65,8 @@ std::wstring markOf(const std::wstring& source, uint32_t column, uint32_t length
 TEST(FindingsTest, CountsColumnsAsATerminalShowsThem) {
     EXPECT_EQ(markOf(L"\t安x", 3, 1, 80), L"    31 |  安x\n       |    ^\n");
     EXPECT_EQ(markOf(L"安全", 1, 2, 80), L"    31 | 安全\n       | ^~~~\n");
+    EXPECT_EQ(markOf(L"\U0001F4BEx", 3, 1, 80), L"    31 | \U0001F4BEx\n       |   ^\n");
+    EXPECT_EQ(markOf(L"\uFF21x", 2, 1, 80), L"    31 | \uFF21x\n       |   ^\n");
 }
 
 TEST(FindingsTest, ShowsThePartOfALongLineThatItIsAbout) {

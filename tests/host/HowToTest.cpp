@@ -213,6 +213,23 @@ TEST_F(ProgramListTest, RemovesTheProductQuietly) {
     expectNothingLeft();
 }
 
+TEST_F(ProgramListTest, TriesAgainToRemoveWhatIsStillInUse) {
+    // The last of its folder, before which the others are removed.
+    const std::wstring held = installed(L"Listed\\setup\\uninstall.xml");
+    const std::wstring other = installed(L"Listed\\setup\\TEMZC.dll");
+    HandlePtr holder = openInput(held);
+
+    follow(textValue(entry, L"QuietUninstallString"));
+
+    for (int tries = 0; tries < 2; ++tries) {
+        EXPECT_TRUE(waitUntil([&] { return !exists(other); }));
+        EXPECT_TRUE(exists(held));
+        writeFile(other, "there again");
+    }
+    holder.reset();
+    expectNothingLeft();
+}
+
 TEST_F(ProgramListTest, IsUpgraded) {
     ship(L"program.txt", "2");
 

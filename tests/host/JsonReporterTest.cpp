@@ -92,6 +92,27 @@ TEST_F(JsonReporterTest, ShowsCallsOnDemandAndTheEnginesLogAlways) {
               L"\"nanoseconds\":1234}\n");
 }
 
+TEST_F(JsonReporterTest, WritesEachFailureWithWhyAndWhatToDo) {
+    Action action;
+    action.number = 3;
+    Failure failure;
+    failure.code = TEMZ_ACTION_DELETE_FILE;
+    failure.systemError = 5;
+    failure.what = L"Deleting a";
+    failure.why = L"why";
+    failure.target = L"C:\\a";
+    failure.advice = L"Mend it.";
+    failure.call = L"DeleteFileW";
+
+    reporter.failed(action, failure, 2);
+
+    EXPECT_EQ(console.output,
+              LR"({"event":"failure","number":3,"attempt":2,"code":4,"systemError":5,)"
+              LR"("what":"Deleting a","why":"why","source":"","target":"C:\\a",)"
+              LR"("advice":"Mend it.","call":"DeleteFileW"})"
+              L"\n");
+}
+
 TEST_F(JsonReporterTest, EndsWithTheExitCode) {
     RunSummary summary;
     summary.ending = Ending::failedWithRestart;

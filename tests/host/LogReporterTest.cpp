@@ -7,6 +7,7 @@
 
 #include "host/Diagnosis.h"
 #include "host/Utf8.h"
+#include "host/WriteBytes.h"
 #include "support/FakeCall.h"
 #include "support/TestFolder.h"
 
@@ -107,6 +108,29 @@ TEST_F(LogReporterTest, TellsAFailureWithItsCallAndTheSystemsText) {
                   toUtf8(systemText(32)) + "\r\n    Close it.\r\n");
 }
 
+TEST_F(LogReporterTest, TellsAFailureOfWhichTheSystemGivesNoCode) {
+    Failure failure;
+    failure.what = L"Shortcut a.lnk";
+    failure.call = L"Save(a, C:\\a.lnk)";
+    open()->failed({}, failure, 1);
+
+    EXPECT_EQ(lines(),
+              "    attempt 1: Shortcut a.lnk\r\n"
+              "    the call that failed: Save(a, C:\\a.lnk)\r\n");
+}
+
+TEST_F(LogReporterTest, TellsTheOnePlaceOfAnActionThatHasNoOther) {
+    Action action;
+    action.number = 3;
+    action.code = TEMZ_ACTION_DELETE_FILE;
+    action.text1 = L"a";
+    action.calls = {copyCall()};
+    action.calls[0].name = L"DeleteFileW";
+    open()->ended(action, Fate::done);
+
+    EXPECT_EQ(lines(), "3. Deleting a, at C:\\s\\a: done\r\n");
+}
+
 TEST_F(LogReporterTest, TellsAFailureThatIsButAMessage) {
     Failure failure;
     failure.what = L"[X] mismatch.";
@@ -172,7 +196,7 @@ TEST_F(LogReporterTest, KnowsWhyTheFirstOfItsMissingLinesIsMissing) {
 
     std::deque<DWORD> errors{ERROR_DISK_FULL, ERROR_ACCESS_DENIED};
     {
-        const FakeCall<logCalls, &LogCalls::WriteFile> write{[&errors](auto...) {
+        const FakeCall<writeCalls, &WriteCalls::WriteFile> write{[&errors](auto...) {
             SetLastError(errors.front());
             errors.pop_front();
             return FALSE;
@@ -187,7 +211,7 @@ TEST_F(LogReporterTest, KnowsWhyTheFirstOfItsMissingLinesIsMissing) {
 }
 
 TEST_F(LogReporterTest, MissesWhatIsWrittenInPart) {
-    const FakeCall<logCalls, &LogCalls::WriteFile> write{
+    const FakeCall<writeCalls, &WriteCalls::WriteFile> write{
         [](HANDLE, const void*, DWORD size, DWORD* written, OVERLAPPED*) {
             *written = size - 1;
             return TRUE;

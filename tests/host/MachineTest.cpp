@@ -5,6 +5,8 @@
 
 #include <regex>
 
+#include "host/MachineCalls.h"
+#include "support/FakeCall.h"
 #include "support/TestFolder.h"
 
 namespace {
@@ -44,6 +46,54 @@ TEST(MachineTest, HashesFilesOfAnySize) {
               L"cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
     EXPECT_EQ(sha256OfFile(folder.path(L"none")), L"");
     EXPECT_EQ(sha256OfFile(folder.path()), L"");
+}
+
+TEST(MachineTest, SaysNothingOfAUserWhomTheSystemDoesNotTell) {
+    {
+        const FakeCall<machineCalls, &MachineCalls::GetTokenInformation> noToken(
+            [](auto...) { return FALSE; });
+        EXPECT_EQ(userName(), L"");
+        EXPECT_EQ(userId(), L"");
+        EXPECT_FALSE(isElevated());
+    }
+    {
+        const FakeCall<machineCalls, &MachineCalls::LookupAccountSidW> noName(
+            [](auto...) { return FALSE; });
+        EXPECT_EQ(userName(), L"");
+        EXPECT_NE(userId(), L"");
+    }
+    const FakeCall<machineCalls, &MachineCalls::ConvertSidToStringSidW> noText(
+        [](auto...) { return FALSE; });
+    EXPECT_EQ(userId(), L"");
+}
+
+TEST(MachineTest, IsElevatedWhereTheSystemSaysSo) {
+    for (const DWORD elevated : {0, 1}) {
+        const FakeCall<machineCalls, &MachineCalls::GetTokenInformation> token(
+            [elevated](HANDLE, TOKEN_INFORMATION_CLASS kind, void* answer, DWORD, DWORD*) {
+                EXPECT_EQ(kind, TokenElevation);
+                static_cast<TOKEN_ELEVATION*>(answer)->TokenIsElevated = elevated;
+                return TRUE;
+            });
+        EXPECT_EQ(isElevated(), elevated == 1);
+    }
+}
+
+/// The hash of a file where a call of the system fails.
+template <auto member>
+std::wstring hashWithout(const std::wstring& file) {
+    const FakeCall<machineCalls, member> failing([](auto...) { return FALSE; });
+    return sha256OfFile(file);
+}
+
+TEST(MachineTest, HashesNoFileOfWhichACallFails) {
+    const TestFolder folder;
+    const std::wstring file = folder.write(L"abc", "abc");
+    EXPECT_EQ(hashWithout<&MachineCalls::CryptAcquireContextW>(file), L"");
+    EXPECT_EQ(hashWithout<&MachineCalls::CryptCreateHash>(file), L"");
+    EXPECT_EQ(hashWithout<&MachineCalls::ReadFile>(file), L"");
+    EXPECT_EQ(hashWithout<&MachineCalls::CryptHashData>(file), L"");
+    EXPECT_EQ(hashWithout<&MachineCalls::CryptGetHashParam>(file), L"");
 }
 
 TEST(MachineTest, GivesTheWholePath) {

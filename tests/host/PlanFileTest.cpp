@@ -91,6 +91,10 @@ TEST_F(PlanFileTest, RefusesWhatIsNoWholePlan) {
         {"temz-plan\t2\nnonsense\nend\n", L"It has a line that is none of a plan."},
         {"temz-plan\t2\ncall\t\tfile\nend\n", L"It has a line that is none of a plan."},
         {"temz-plan\t2\nend\ncall\t\tfile\tCopyFileW\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t2\nsha256\nend\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t2\nmode\tinstall\tx\nend\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t2\nelement\tFile\nend\n", L"It has a line that is none of a plan."},
+        {"temz-plan\t2\nend\tx\n", L"It has a line that is none of a plan."},
     };
     for (const auto& [text, expected] : files) {
         EXPECT_FALSE(read(text)) << text;
@@ -101,6 +105,23 @@ TEST_F(PlanFileTest, RefusesWhatIsNoWholePlan) {
     const std::wstring nowhere = folder.path(L"none\\plan");
     EXPECT_EQ(keepPlan(Plan(), nowhere),
               nowhere + L" can't be written: " + systemTextWithCode(ERROR_PATH_NOT_FOUND));
+}
+
+TEST_F(PlanFileTest, TakesABackslashThatEscapesNothingForOne) {
+    const auto kept = read("temz-plan\t2\nmode\ta\\b\\\nend\n");
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->mode, L"a\\b\\");
+}
+
+TEST(PlannedCallTest, AsksTheSameOnlyWhereAllIsTheSame) {
+    const PlannedCall others[] = {
+        {L"registry", copyA.name, copyA.arguments},
+        {copyA.group, L"MoveFileExW", copyA.arguments},
+        {copyA.group, copyA.name, {L"a"}},
+    };
+    EXPECT_TRUE(copyA.asksAs({copyA.group, copyA.name, copyA.arguments, 5}));
+    for (const PlannedCall& other : others)
+        EXPECT_FALSE(copyA.asksAs(other)) << other.name;
 }
 
 TEST(PlanHoldTest, TakesTheCallsInTheirOrderOnly) {

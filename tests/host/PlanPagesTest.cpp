@@ -50,6 +50,13 @@ TEST(PlanHtmlTest, ShowsEachLineOfTheTree) {
                         LR"(<span class="effect">1.3.0, 800 KB -&gt; 1.4.0, 812 KB</span></li>)"));
 }
 
+TEST(PlanHtmlTest, NamesNoLineWhereThereIsNone) {
+    Plan plan;
+    plan.steps = {stepOf(TEMZ_STEP_GROUP, 0, L"Feature")};
+    plan.steps[0].line = 0;
+    EXPECT_THAT(planHtml(plan), HasSubstr(LR"(<span class="object">Feature</span>)"));
+}
+
 TEST(PlanHtmlTest, EscapesWhatAScriptSays) {
     Plan plan;
     plan.header.script = L"<&\"'>";

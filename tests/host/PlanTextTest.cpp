@@ -60,6 +60,53 @@ TEST(PlanTextTest, TellsWhatIsNewFromWhatIsReplaced) {
               L" ~ d.lnk shortcut to x.exe, in place of 1 KB\n");
 }
 
+/// The tree of steps, with single blanks.
+std::wstring treeOf(std::vector<Step> steps) {
+    Plan plan;
+    plan.steps = std::move(steps);
+    const std::wstring text = planText(plan, false);
+    return std::regex_replace(text.substr(text.find(L"\n\n") + 2), std::wregex(L"  +"), L" ");
+}
+
+TEST(PlanTextTest, ShowsACautionAsWhatComesToNothing) {
+    Step caution = stepOf(TEMZ_STEP_ACTION, 0, L"Caution", L"Read me");
+    caution.code = TEMZ_ACTION_CAUTION;
+    EXPECT_EQ(treeOf({stepOf(TEMZ_STEP_ELEMENT, 0, L"Caution"), caution}), L" Caution: Read me\n");
+}
+
+TEST(PlanTextTest, LeavesOutStepsOfAKindThatItDoesNotKnow) {
+    EXPECT_EQ(treeOf({stepOf(99, 0, L"File"), stepOf(TEMZ_STEP_GROUP, 0, L"Feature")}),
+              L" Feature\n");
+}
+
+TEST(PlanTextTest, ShowsALinkOfWhichTheTargetIsNotKnown) {
+    EXPECT_EQ(treeOf({changeOf(TEMZ_CHANGE_LINK_WRITTEN, 0, L"c.lnk")}), L" + c.lnk shortcut\n");
+}
+
+TEST(PlanTextTest, ShowsOfAFailureWhatThereIs) {
+    const struct {
+        uint32_t code;
+        const wchar_t* what;
+        const wchar_t* why;
+        uint32_t systemError;
+        const wchar_t* text;
+    } failures[] = {
+        {TEMZ_ACTION_COPY_FILE, L"Copying a", L"", 5, L" x Copying a fails. [error 5] "},
+        {TEMZ_ACTION_COPY_FILE, L"Copying a", L"No.", 0, L" x Copying a fails: No. "},
+        {TEMZ_ERROR_MESSAGE, L"It is wrong.", L"", 0, L" x It is wrong. "},
+        {TEMZ_ERROR_MESSAGE, L"", L"", 0, L" x . "},
+    };
+    for (const auto& [code, what, why, systemError, text] : failures) {
+        Step step = stepOf(TEMZ_STEP_FAILURE, 0, L"File");
+        step.failure.code = code;
+        step.failure.what = what;
+        step.failure.why = why;
+        step.failure.systemError = systemError;
+        step.fate = TEMZ_FAILURE_ENDS_RUN;
+        EXPECT_EQ(treeOf({step}), text + std::wstring(L"A run ends here.\n"));
+    }
+}
+
 TEST(PlanTextTest, SaysThatNothingChanges) {
     EXPECT_THAT(planText(Plan(), false), testing::EndsWith(L"\nnothing changes\n"));
 }
@@ -141,6 +188,20 @@ TEST(PlanSummaryTest, SucceedsUnlessAVitalActionSurelyFails) {
     EXPECT_TRUE(succeeds(TEMZ_FAILURE_NOT_VITAL, false));
     EXPECT_FALSE(succeeds(TEMZ_FAILURE_ENDS_RUN, false));
     EXPECT_FALSE(succeeds(TEMZ_FAILURE_ENDS_RUN, true));
+}
+
+TEST(PlanSummaryTest, SaysThatARunEndsUnaskedWhateverComesBehindThat) {
+    Plan plan;
+    Step failure = stepOf(TEMZ_STEP_FAILURE, 0, L"File");
+    failure.fate = TEMZ_FAILURE_ENDS_RUN;
+    plan.steps = {failure, failure};
+    failure.fate = TEMZ_FAILURE_NOT_VITAL;
+    plan.steps.push_back(failure);
+
+    EXPECT_TRUE(summaryOf(plan).endsUnasked);
+    EXPECT_THAT(planText(plan, false),
+                testing::HasSubstr(L"a run fails and ends before its end; 1 action fails that "
+                                   L"isn't vital"));
 }
 
 }  // namespace

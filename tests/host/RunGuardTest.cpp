@@ -80,6 +80,24 @@ TEST(RunGuardTest, IsNotKeptByARunThatNeverEnded) {
     EXPECT_TRUE(mayBegin());
 }
 
+TEST(RunGuardTest, BeginsWhereTheRunThatItWaitsForNeverEnds) {
+    const HandlePtr held = makeEvent(false);
+    const HandlePtr crash = makeEvent(false);
+    std::thread crashing([&] {
+        alignas(RunGuard) static std::byte memory[sizeof(RunGuard)];
+        EXPECT_TRUE(*new (memory) RunGuard);
+        SetEvent(held.get());
+        WaitForSingleObject(crash.get(), INFINITE);
+    });
+    WaitForSingleObject(held.get(), INFINITE);
+    RunGuard next;
+    EXPECT_FALSE(next);
+    SetEvent(crash.get());
+    next.wait(999'999'999s, makeEvent(false).get());
+    EXPECT_TRUE(next);
+    crashing.join();
+}
+
 using RunGuardOfTemzTest = SetupTest;
 
 TEST_F(RunGuardOfTemzTest, IsTheMachines) {

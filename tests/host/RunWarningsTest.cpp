@@ -3,8 +3,13 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <cstring>
+#include <cwchar>
+
 #include "SetupTest.h"
 #include "host/Machine.h"
+#include "host/MachineCalls.h"
+#include "support/FakeCall.h"
 #include "support/Requirements.h"
 
 using testing::ElementsAre;
@@ -47,6 +52,32 @@ TEST(TrustInTest, TrustsWhatIsThisUsersAndWhatIsNotThere) {
 TEST(TrustInTest, DoesNotTrustALink) {
     REQUIRES_WINE("takes a link of the system below for one, of which there is always this");
     EXPECT_EQ(trustIn(L"Z:\\proc\\self\\cwd"), FolderTrust::isLink);
+}
+
+TEST(TrustInTest, TrustsThoseWhoMayDoAnythingAndNobodyElse) {
+    const TestFolder folder;
+    const struct {
+        const wchar_t* owner;
+        FolderTrust trust;
+    } owners[] = {
+        {L"S-1-5-18", FolderTrust::trusted},
+        {L"S-1-5-32-544", FolderTrust::trusted},
+        {L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464", FolderTrust::trusted},
+        {L"S-1-5-21-1-2-3-1001", FolderTrust::isForeign},
+    };
+    for (const auto& [owner, trust] : owners) {
+        int questions = 0;
+        const FakeCall<machineCalls, &MachineCalls::ConvertSidToStringSidW> convert(
+            [&, owner = owner](PSID id, wchar_t** text) -> BOOL {
+                if (++questions > 1)  // the user, who isn't the owner
+                    return convert.real(id, text);
+                const size_t size = (std::wcslen(owner) + 1) * sizeof(wchar_t);
+                *text = static_cast<wchar_t*>(LocalAlloc(LMEM_FIXED, size));
+                std::memcpy(*text, owner, size);
+                return TRUE;
+            });
+        EXPECT_EQ(trustIn(folder.path()), trust) << owner;
+    }
 }
 
 TEST(TrustInTest, DoesNotTrustWhatBelongsToAnotherUser) {

@@ -451,6 +451,29 @@ TEST_F(RunWatchTest, EndsTheRunWhereItsPlanCannotBeLookedAt) {
     EXPECT_FALSE(exists(folder.path(L"app")));
 }
 
+TEST_F(RunWatchTest, TellsWhatItsPlanHasInPlaceOfACall) {
+    const struct {
+        std::vector<PlannedCall> calls;
+        const wchar_t* told;
+    } plans[] = {
+        {{}, L", and the plan has nothing more"},
+        {{{L"file", L"DeleteFileW", {L"a"}}}, L", and the plan has DeleteFileW(a)"},
+    };
+    load(there(L"a"));
+    for (const auto& [calls, told] : plans) {
+        PlanHold hold({L"", L"", calls, {}});
+        duties.plan = &hold;
+
+        EXPECT_EQ(run(), TEMZ_RUN_FAILED);
+
+        ASSERT_TRUE(watch->firstFailure());
+        EXPECT_EQ(watch->firstFailure()->what, L"The run was about to leave its plan");
+        EXPECT_EQ(watch->firstFailure()->why,
+                  L"it comes to CreateDirectoryW(" + folder.path(L"app") + L", null)" + told);
+    }
+    EXPECT_FALSE(exists(folder.path(L"app")));
+}
+
 TEST_F(RunWatchTest, StopsDuringThePauseBeforeARetry) {
     load(missing(L"a"));
     duties.wait = [this](std::chrono::milliseconds) { stopWanted = true; };

@@ -33,6 +33,19 @@ TEST(ServicesTest, NameTheDependantsThatRun) {
     EXPECT_EQ(runningDependantsOf(service.name()), L"Mailer, Printer");
 }
 
+TEST(ServicesTest, NameNobodyWhereTheListCannotBeHad) {
+    REQUIRES_WINE("installs a service");
+    const TestService service;
+    const FakeCall<dependantCalls, &DependantCalls::EnumDependentServicesW> list(
+        [](SC_HANDLE, DWORD, ENUM_SERVICE_STATUSW*, DWORD, DWORD* needed, DWORD*) -> BOOL {
+            *needed = sizeof(ENUM_SERVICE_STATUSW);
+            return FALSE;
+        });
+
+    EXPECT_EQ(runningDependantsOf(service.name()), L"");
+    EXPECT_EQ(list.count, 2);
+}
+
 TEST(ServicesTest, NameNobodyWhereNoneDependsOnTheServiceOrThereIsNone) {
     EXPECT_EQ(runningDependantsOf(L"temz-lacking"), L"");
     REQUIRES_WINE("installs a service");

@@ -82,6 +82,13 @@ TEST_F(SessionEndTest, CanListenOnceMore) {
     }
 }
 
+TEST_F(SessionEndTest, IsAlsoHeardOfWhereNobodyWaitsForTheAnswer) {
+    const SessionEnd sessionEnd(stop);
+    ASSERT_TRUE(waitUntil([] { return findListener() != nullptr; }));
+    PostMessageW(findListener(), WM_QUERYENDSESSION, 0, 0);
+    EXPECT_TRUE(waitUntil([this] { return stop.wanted(); }));
+}
+
 TEST_F(SessionEndTest, IsNotHeardOfWhereNoWindowCanBeMade) {
     const FakeCall<sessionCalls, &SessionCalls::CreateWindowExW> create{
         [](auto...) { return nullptr; }};

@@ -111,6 +111,13 @@ TEST_F(StopRequestTest, IsWantedWhileTheSessionIsAboutToEnd) {
               L"\ntemz: The session ends, and the run behind this action: Copying a.txt.\n");
 }
 
+TEST_F(StopRequestTest, IsNotTouchedByASessionThatGoesOnAsItDid) {
+    request->setAction(L"Copying a.txt");
+    request->setSessionEnding(false);
+    EXPECT_FALSE(request->wanted());
+    EXPECT_EQ(console.error, L"");
+}
+
 TEST_F(StopRequestTest, RemainsTheUsersWhenTheSessionGoesOn) {
     request->setSessionEnding(true);
     handler(CTRL_C_EVENT);

@@ -17,6 +17,7 @@
 #include "support/Restart.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::StartsWith;
@@ -90,6 +91,23 @@ TEST_F(TemzTest, InstallsUpgradesAndRemovesAProduct) {
     EXPECT_EQ(uninstall.output, "Deleting a.txt\nDeleting b.txt\nDone: 2 actions.\n");
     EXPECT_EQ(uninstall.error, "");
     EXPECT_THAT(installedFiles(), IsEmpty());
+}
+
+TEST_F(TemzTest, TellsARunInLinesOfJson) {
+    ship(L"a.txt", "a");
+    writeScript(file("a.txt"));
+    const std::string call = R"("event":"call","group":"file","name":"CopyFileW")";
+
+    for (const wchar_t* options : {L"--json", L"--json --verbose"}) {
+        const ProgramRun run = temz(L"install install.xml " + std::wstring(options));
+
+        EXPECT_EQ(run.exitCode, 0u);
+        EXPECT_THAT(run.output, StartsWith(R"({"event":"start","schema":"temz-run-1",)"));
+        EXPECT_THAT(run.output, HasSubstr(R"({"event":"action-end","number":1,"fate":"done",)"));
+        EXPECT_EQ(run.output.find(call) != std::string::npos, options != std::wstring(L"--json"));
+        EXPECT_THAT(run.output, HasSubstr("\n{\"event\":\"end\",\"exitCode\":0,"));
+        EXPECT_EQ(run.error, "");
+    }
 }
 
 TEST_F(TemzTest, LetsScriptsSeeTheTrueVersionOfWindows) {

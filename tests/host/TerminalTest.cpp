@@ -94,6 +94,29 @@ TEST_F(TerminalTest, AsksAfterEachRetryUntilTheUserAborts) {
     EXPECT_THAT(installedFiles(), IsEmpty());
 }
 
+TEST_F(TerminalTest, TakesTheWholeWordsForAnswers) {
+    writeScript(file("a.txt"));
+
+    const ProgramRun run = temzAtTerminal(L"install install.xml", L"retry,abort,");
+
+    EXPECT_EQ(run.exitCode, 1602u);
+    const std::string failed = missing("a.txt") + question;
+    EXPECT_EQ(run.output, bar(0, "  0% Copying a.txt") + failed + "retry\n" + failed + "abort\n" +
+                              endedAfter("0 of 1 action"));
+}
+
+TEST_F(TerminalTest, MarksWhatACheckFindsInItsLine) {
+    ship(L"a.xml",
+         "<Script><Product><InstallExecuteSequence><Fragment>\n"
+         "  <Cautoin Title='a'/></Fragment></InstallExecuteSequence></Product></Script>");
+
+    const ProgramRun run = temzAtTerminal(L"check a.xml");
+
+    EXPECT_EQ(run.exitCode, 1u);
+    EXPECT_THAT(run.output, testing::HasSubstr("\n     2 |   <Cautoin Title='a'/></Fragment>"));
+    EXPECT_THAT(run.output, testing::HasSubstr("\n       |   ^~~~~~~~\n"));
+}
+
 TEST_F(TerminalTest, IsAbortedByTheEndOfTheInput) {
     writeScript(file("a.txt"));
 

@@ -90,4 +90,10 @@ TEST(CallSystemTest, FailsLikeAnyCallWhereItCannotBeBound) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
 }
 
+TEST(CallSystemTest, IsNoSuccessOfTheRegistryWhereItCannotBeBound) {
+    LSTATUS (*const inAbsentLibrary)(HKEY) = callSystem<neighbour, "RegCloseKey">;
+
+    EXPECT_NE(inAbsentLibrary(HKEY_CURRENT_USER), ERROR_SUCCESS);
+}
+
 }  // namespace

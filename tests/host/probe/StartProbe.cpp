@@ -7,12 +7,17 @@
 #include <temz/CustomAction.h>
 
 #include <cwchar>
+#include <optional>
 #include <string>
+
+#include "capi/FailingMalloc.h"
 
 namespace {
 
 HANDLE pressHandled = nullptr;  // the thread on which the host's handler takes the press
 HANDLE pressSeen = nullptr;
+
+std::optional<FailingMalloc> failing;
 
 // Is asked before the host's own handler, on the same thread.
 BOOL WINAPI notePress(DWORD) {
@@ -68,6 +73,27 @@ extern "C" __declspec(dllexport) uint32_t
     GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode);
     std::swprintf(message, capacity, L"QuickEdit is %ls", (mode & quickEdit) != 0 ? L"on" : L"off");
     return 1;
+}
+
+/// Has one allocation of the host's program fail: that after so many as the environment says. What
+/// belongs to no run any more, such as the counting of what was run, has all its memory.
+extern "C" __declspec(dllexport) uint32_t
+    failOneAllocation(CustomActionParams*, wchar_t*, uint32_t) {
+    HMODULE self = nullptr;  // is needed longer than the action takes
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(&failOneAllocation), &self);
+    wchar_t number[16] = {};
+    GetEnvironmentVariableW(L"TEMZ_TESTS_ALLOCATION", number, 16);
+    failing.emplace(std::wcstoul(number, nullptr, 10), 1, GetModuleHandleW(nullptr));
+    // The library's own atexit is for its unloading, which comes behind the end of the program.
+    using AtExit = int (*(*)(int (*)()))();
+    const auto atExit = reinterpret_cast<AtExit>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), "_onexit")));
+    atExit([] {
+        failing.reset();
+        return 0;
+    });
+    return 0;
 }
 
 /// Writes the file "held" into the application's directory, and returns when somebody has deleted
