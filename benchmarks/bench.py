@@ -15,15 +15,16 @@ import re
 import statistics
 import subprocess
 import sys
+import uuid
 
 REPETITIONS = 7
 ATTEMPTS = 3
 # The slowest to the fastest of the times of one work.
 WIDEST_SPREAD = 1.4
 
-SIZES = {"files": 2000, "large": 200 * 2**20, "few": 1000, "more": 10_000, "many": 100_000,
+SIZES = {"files": 2000, "large": 200 * 2**20, "large_text": "200 MiB", "few": 1000, "more": 10_000, "many": 100_000,
          "conditions": 50_000, "fewVariables": 50, "manyVariables": 5000}
-SHORT_SIZES = {"files": 40, "large": 2**20, "few": 100, "more": 100, "many": 1000,
+SHORT_SIZES = {"files": 40, "large": 2**20, "large_text": "1 MiB", "few": 100, "more": 100, "many": 1000,
                "conditions": 500, "fewVariables": 5, "manyVariables": 50}
 
 
@@ -47,8 +48,11 @@ class Timed:
     ours: str
     yardstick: str
     bound: float = None  # without one the ratio is only told
+    tool: str = None  # that makes an installer of the payload
 
     def measure(self, machine):
+        if self.tool:
+            machine.make_installer(self.tool, *self.yardstick.split("/")[-2:])
         both = machine.times([self.ours, self.yardstick])
         medians = [statistics.median(times) for times in both]
         return Result(medians[0] / medians[1], max(max(times) / min(times) for times in both),
@@ -63,12 +67,33 @@ class Counted:
     test: str
     bound: float
     parts: int = 1
+    tool = None
 
     def measure(self, machine):
         return Result(machine.figures()[self.test] / self.parts, 1, "", "")
 
 
+def of_files(work, name, bound):
+    return Timed(work, f"{name}/engine/{{files}}/2048", f"{name}/bare/{{files}}/2048", bound)
+
+
+def of_large(work, name, bound):
+    return Timed(work, f"{name}/engine/1/{{large}}", f"{name}/bare/1/{{large}}", bound)
+
+
+def of_others(payload, size):
+    for tool, program, bound in (("makensis", "nsis", None), ("wixl", "msiexec", None), (None, "xcopy", 1)):
+        yield Timed(f"{payload}, whole process : {program}", f"process/engine/{size}",
+                    f"process/{program}/{size}", bound, tool)
+
+
 ROWS = [
+    of_files("install of {files:,} files of 2 KiB in 20 directories : bare calls", "install", 1.03),
+    of_files("upgrade of them : bare calls", "upgrade", 1.03),
+    of_files("uninstall of them, no folder for the log : bare calls with the told line", "uninstall", 1.08),
+    of_files("uninstall of them, with the log : bare calls with the told line", "loggedUninstall", 1.03),
+    of_large("one file of {large_text}, whole process : CopyFileW", "process", 1.05),
+    of_large("one file of {large_text}, inside : CopyFileW", "install", 1.02),
     Timed("a process that makes a context and frees it : an empty one", "start/engine", "start/bare", 1.15),
     *(Timed(f"load of {{{size}:,}} elements : LoadFile of TinyXML", f"load/engine/{{{size}}}",
             f"load/parser/{{{size}}}", 1.05) for size in ("few", "more", "many")),
@@ -88,6 +113,8 @@ ROWS = [
     Timed("a line of the log : open, seek, write, flush, close", "log/engine", "log/bare", 1.05),
     Timed("a line of the log without its folder : an open that fails",
           "absentLog/engine", "absentLog/bare", 1.05),
+    *of_others("{files:,} files of 2 KiB", "{files}/2048"),
+    *of_others("one file of {large_text}", "1/{large}"),
 ]
 
 
@@ -141,6 +168,17 @@ class Machine:
                  if run["run_type"] == "iteration" and re.fullmatch(name + "(/[a-z_]+)?", run["run_name"])]
                 for name in names]
 
+    def make_installer(self, tool, count, size):
+        """Has a tool make an installer of the payload, beside it, of which nothing is compressed."""
+        self.run("temz_bench.exe", "payload", count, size)
+        name = f"payload-{count}-{size}"
+        source, text, options = {
+            "makensis": (f"{name}.nsi", nsis_script, ["-V1"]),
+            "wixl": (f"{name}.wxs", wix_source, ["-a", "x64", "-o", f"{name}.msi"]),
+        }[tool]
+        (self.folder / source).write_text(text(self.folder / name))
+        subprocess.run([tool, *options, source], cwd=self.folder, check=True)
+
     def figures(self):
         """What the tests have counted, by their names. They fail when it is more than they promise."""
         if self.counted is None:
@@ -152,6 +190,43 @@ class Machine:
             self.counted = {f"{suite['name']}.{test['name']}": int(test["figure"])
                             for suite in suites for test in suite["testsuite"] if "figure" in test}
         return self.counted
+
+
+def nsis_script(payload):
+    return f"""Unicode true
+Target amd64-unicode
+OutFile "{payload.name}.exe"
+InstallDir "$TEMP"
+SetCompress off
+RequestExecutionLevel user
+Section
+  SetOutPath "$INSTDIR"
+  File /r "{payload.name}/*"
+SectionEnd
+"""
+
+
+def wix_source(payload):
+    directories, references = [], []
+    for number, directory in enumerate(sorted(payload.iterdir())):
+        files = "".join(
+            f"<File Id='F{number}.{place}' Name='{file.name}' Source='{file.relative_to(payload.parent)}'/>"
+            for place, file in enumerate(sorted(directory.iterdir())))
+        guid = uuid.uuid5(uuid.NAMESPACE_OID, f"{payload.name}/{directory.name}")
+        directories.append(f"<Directory Id='D{number}' Name='{directory.name}'>"
+                           f"<Component Id='C{number}' Guid='{guid}' Win64='yes'>{files}</Component></Directory>")
+        references.append(f"<ComponentRef Id='C{number}'/>")
+    code = uuid.uuid5(uuid.NAMESPACE_OID, payload.name)
+    return f"""<?xml version="1.0" encoding="utf-8"?>
+<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
+<Product Id="{code}" UpgradeCode="{code}" Name="{payload.name}" Version="1.0.0" Manufacturer="TEMZ" Language="1033">
+<Package InstallerVersion="200" Compressed="yes" InstallScope="perMachine"/>
+<Media Id="1" Cabinet="payload.cab" EmbedCab="yes" CompressionLevel="none"/>
+<Directory Id="TARGETDIR" Name="SourceDir"><Directory Id="ProgramFiles64Folder">
+<Directory Id="INSTALLDIR" Name="{payload.name}">{"".join(directories)}</Directory></Directory></Directory>
+<Feature Id="All" Level="1">{"".join(references)}</Feature>
+</Product></Wix>
+"""
 
 
 def judged(row, machine):
@@ -195,7 +270,8 @@ def main():
 
     machine = Machine(arguments.folder, arguments.runner, arguments.short)
     sizes = SHORT_SIZES if arguments.short else SIZES
-    rows = [sized(row, sizes) for row in ROWS if re.search(arguments.only, row.work)]
+    rows = [sized(row, sizes) for row in ROWS]
+    rows = [row for row in rows if re.search(arguments.only, row.work) and not (arguments.short and row.tool)]
     print_line(HEADINGS)
     failed = False
     for row in rows:
