@@ -1,12 +1,22 @@
 #include "Payload.h"
 
 #include <fstream>
+#include <random>
 
 #include "system/FileOperations.h"
 
 namespace {
 
 constexpr int64_t directoryCount = 20;
+
+/// So many bytes that can't be compressed, the same each time.
+std::string randomBytes(int64_t size) {
+    std::string bytes;
+    bytes.reserve(static_cast<size_t>(size));
+    for (std::mt19937 random; static_cast<int64_t>(bytes.size()) < size;)
+        bytes += static_cast<char>(random());
+    return bytes;
+}
 
 }  // namespace
 
@@ -24,7 +34,7 @@ Payload::Payload(int64_t count, int64_t bytesEach)
         }
     }
     if (!std::filesystem::exists(script()))
-        layOut(std::string(static_cast<size_t>(bytesEach), 'x'));
+        layOut(randomBytes(bytesEach));
 }
 
 void Payload::clear() const {

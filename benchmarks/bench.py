@@ -8,19 +8,19 @@ broken every time fails the whole.
 
 import argparse
 import dataclasses
-import json
-import os
 import pathlib
 import re
+import shutil
 import statistics
-import subprocess
 import sys
-import uuid
 
-REPETITIONS = 7
+import page
+from machine import Machine
+
 ATTEMPTS = 3
 # The slowest to the fastest of the times of one work.
 WIDEST_SPREAD = 1.4
+BROKEN = "BROKEN"
 
 SIZES = {"files": 2000, "large": 200 * 2**20, "large_text": "200 MiB", "few": 1000, "more": 10_000, "many": 100_000,
          "conditions": 50_000, "fewVariables": 50, "manyVariables": 5000}
@@ -131,104 +131,6 @@ def text_of_time(seconds):
     return f"{seconds * 1e9:.3g} ns"
 
 
-class Machine:
-    """The folder that the programs stand in, and how they are run and for how long."""
-
-    def __init__(self, folder, runner, short):
-        self.folder = folder
-        self.runner = runner
-        self.short = short
-        self.repetitions = 1 if short else REPETITIONS
-        self.minimum = 0.001 if short else 0.1  # seconds
-        self.counted = None
-
-    def run(self, program, *arguments):
-        command = [*self.runner, str(self.folder / program), *arguments]
-        environment = dict(os.environ) if self.short else {**os.environ, "TEMZ_WHOLE_SWEEPS": "1"}
-        done = subprocess.run(command, cwd=self.folder, env=environment, capture_output=True,
-                              stdin=subprocess.DEVNULL)
-        return done.returncode, (done.stdout + done.stderr).decode(errors="replace")
-
-    def times(self, names):
-        """For each benchmark of these names the seconds for each item that it handles, once a repetition."""
-        choice = "|".join(names)
-        status, output = self.run(
-            "temz_bench.exe", f"--benchmark_filter=^({choice})(/[a-z_]+)?$",
-            f"--benchmark_repetitions={self.repetitions}", "--benchmark_enable_random_interleaving=true",
-            f"--benchmark_min_time={self.minimum}", "--benchmark_out=out.json",
-            "--benchmark_out_format=json")
-        written = (self.folder / "out.json").read_text()
-        if status != 0 or not written:
-            sys.exit(f"The benchmarks {choice} have failed:\n{output}")
-        runs = json.loads(written)["benchmarks"]
-        for run in runs:
-            if run.get("error_occurred"):
-                sys.exit(f"{run['name']}: {run['error_message']}")
-        return [[1 / run["items_per_second"] for run in runs
-                 if run["run_type"] == "iteration" and re.fullmatch(name + "(/[a-z_]+)?", run["run_name"])]
-                for name in names]
-
-    def make_installer(self, tool, count, size):
-        """Has a tool make an installer of the payload, beside it, of which nothing is compressed."""
-        self.run("temz_bench.exe", "payload", count, size)
-        name = f"payload-{count}-{size}"
-        source, text, options = {
-            "makensis": (f"{name}.nsi", nsis_script, ["-V1"]),
-            "wixl": (f"{name}.wxs", wix_source, ["-a", "x64", "-o", f"{name}.msi"]),
-        }[tool]
-        (self.folder / source).write_text(text(self.folder / name))
-        subprocess.run([tool, *options, source], cwd=self.folder, check=True)
-
-    def figures(self):
-        """What the tests have counted, by their names. They fail when it is more than they promise."""
-        if self.counted is None:
-            status, output = self.run("temz_allocation_tests.exe", "--gtest_filter=*CostTest.*",
-                                      "--gtest_output=json:out.json")
-            if status != 0:
-                sys.exit(output)
-            suites = json.loads((self.folder / "out.json").read_text())["testsuites"]
-            self.counted = {f"{suite['name']}.{test['name']}": int(test["figure"])
-                            for suite in suites for test in suite["testsuite"] if "figure" in test}
-        return self.counted
-
-
-def nsis_script(payload):
-    return f"""Unicode true
-Target amd64-unicode
-OutFile "{payload.name}.exe"
-InstallDir "$TEMP"
-SetCompress off
-RequestExecutionLevel user
-Section
-  SetOutPath "$INSTDIR"
-  File /r "{payload.name}/*"
-SectionEnd
-"""
-
-
-def wix_source(payload):
-    directories, references = [], []
-    for number, directory in enumerate(sorted(payload.iterdir())):
-        files = "".join(
-            f"<File Id='F{number}.{place}' Name='{file.name}' Source='{file.relative_to(payload.parent)}'/>"
-            for place, file in enumerate(sorted(directory.iterdir())))
-        guid = uuid.uuid5(uuid.NAMESPACE_OID, f"{payload.name}/{directory.name}")
-        directories.append(f"<Directory Id='D{number}' Name='{directory.name}'>"
-                           f"<Component Id='C{number}' Guid='{guid}' Win64='yes'>{files}</Component></Directory>")
-        references.append(f"<ComponentRef Id='C{number}'/>")
-    code = uuid.uuid5(uuid.NAMESPACE_OID, payload.name)
-    return f"""<?xml version="1.0" encoding="utf-8"?>
-<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
-<Product Id="{code}" UpgradeCode="{code}" Name="{payload.name}" Version="1.0.0" Manufacturer="TEMZ" Language="1033">
-<Package InstallerVersion="200" Compressed="yes" InstallScope="perMachine"/>
-<Media Id="1" Cabinet="payload.cab" EmbedCab="yes" CompressionLevel="none"/>
-<Directory Id="TARGETDIR" Name="SourceDir"><Directory Id="ProgramFiles64Folder">
-<Directory Id="INSTALLDIR" Name="{payload.name}">{"".join(directories)}</Directory></Directory></Directory>
-<Feature Id="All" Level="1">{"".join(references)}</Feature>
-</Product></Wix>
-"""
-
-
 def judged(row, machine):
     """The last result of a row, and what is said of it."""
     if row.bound is None or machine.short:
@@ -241,8 +143,13 @@ def judged(row, machine):
         if not is_over and result.spread <= WIDEST_SPREAD:
             break
     if broken == ATTEMPTS:
-        return result, "BROKEN"
+        return result, BROKEN
     return result, "over once" if is_over else "holds" if result.spread <= WIDEST_SPREAD else "holds, unsteady"
+
+
+def can_be_measured(row, machine):
+    """A short run does without the tools that make other installers."""
+    return not row.tool or not machine.short and shutil.which(row.tool)
 
 
 HEADINGS = ["Work", "Engine", "Yardstick", "Figure", "Spread", "Bound", "Verdict"]
@@ -268,17 +175,21 @@ def main():
     parser.add_argument("--write", action="store_true")
     arguments = parser.parse_args()
 
+    if arguments.write and (arguments.only or arguments.short):
+        parser.error("only a whole run is written")
+
     machine = Machine(arguments.folder, arguments.runner, arguments.short)
     sizes = SHORT_SIZES if arguments.short else SIZES
-    rows = [sized(row, sizes) for row in ROWS]
-    rows = [row for row in rows if re.search(arguments.only, row.work) and not (arguments.short and row.tool)]
+    rows = [sized(row, sizes) for row in ROWS if can_be_measured(row, machine)]
+    lines = []
     print_line(HEADINGS)
-    failed = False
     for row in rows:
-        result, verdict = judged(row, machine)
-        print_line(cells_of(row, result, verdict))
-        failed = failed or verdict == "BROKEN"
-    return 1 if failed or not rows else 0
+        if re.search(arguments.only, row.work):
+            lines.append(cells_of(row, *judged(row, machine)))
+            print_line(lines[-1])
+    if arguments.write:
+        page.write(HEADINGS, lines, machine, [sizes[name] for name in ("few", "more", "many")])
+    return 0 if lines and all(line[-1] != BROKEN for line in lines) else 1
 
 
 if __name__ == "__main__":
