@@ -70,8 +70,7 @@ void timeFiles(benchmark::State& state, RunMode mode, bool logged, Work work) {
 }
 
 void byEngine(benchmark::State& state, RunMode mode, bool logged = false) {
-    const Payload payload(state.range(0), state.range(1));
-    LoadedScript script(payload.script());
+    LoadedScript script(Payload(state.range(0), state.range(1)).script());
     timeFiles(state, mode, logged, [&](const Payload&) { return script.run(mode); });
 }
 

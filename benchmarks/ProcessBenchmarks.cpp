@@ -41,53 +41,43 @@ void start(benchmark::State& state, const wchar_t* program) {
 BENCHMARK_CAPTURE(start, host, L"temz_bench_host.exe")->Name("start/engine")->UseManualTime();
 BENCHMARK_CAPTURE(start, bare, L"temz_bench_bare.exe")->Name("start/bare")->UseManualTime();
 
-/// Times a process that installs, of a command line made of the payload.
-template <class CommandLine>
-void timeInstaller(benchmark::State& state, CommandLine commandLine) {
+/// Times a process that installs, whose command line is made of the payload.
+void install(benchmark::State& state, std::wstring (*commandLine)(const Payload&)) {
     const Payload payload(state.range(0), state.range(1));
     timeProcess(state, commandLine(payload), [&] { payload.clear(); });
     payload.clear();
 }
 
-void engine(benchmark::State& state) {
-    timeInstaller(state, [](const Payload& payload) {
-        return L"temz_bench_host.exe " + payload.name() + L".xml";
-    });
+std::wstring engine(const Payload& payload) {
+    return L"temz_bench_host.exe " + payload.name() + L".xml";
 }
-BENCHMARK(engine)->Name("process/engine")->Apply(payloadSizes);
+BENCHMARK_CAPTURE(install, engine, &engine)->Name("process/engine")->Apply(payloadSizes);
 
-void bareCopy(benchmark::State& state) {
-    timeInstaller(state, [](const Payload& payload) {
-        return L"temz_bench_bare.exe " + payload.files().front().source + L" target\\file.bin";
-    });
+std::wstring bare(const Payload& payload) {
+    return L"temz_bench_bare.exe " + payload.files().front().source + L" target\\file.bin";
 }
-BENCHMARK(bareCopy)
+BENCHMARK_CAPTURE(install, bare, &bare)
     ->Name("process/bare")
     ->Args({1, 1 << 20})
     ->Args({1, 200 << 20})
     ->UseManualTime();
 
-// The others, each with what scripts/bench.sh has made of the payload.
-
-void xcopy(benchmark::State& state) {
-    timeInstaller(state, [](const Payload& payload) {
-        return L"xcopy.exe " + payload.name() + L" target /E /I /Y /Q";
-    });
+std::wstring xcopy(const Payload& payload) {
+    return L"xcopy.exe " + payload.name() + L" target /E /I /Y /Q";
 }
-BENCHMARK(xcopy)->Name("process/xcopy")->Apply(payloadSizes);
+BENCHMARK_CAPTURE(install, xcopy, &xcopy)->Name("process/xcopy")->Apply(payloadSizes);
 
-void nsis(benchmark::State& state) {
-    timeInstaller(state, [](const Payload& payload) {
-        return payload.name() + L".exe /S /D=" + payload.target().wstring();
-    });
+// Both are made of the payload by benchmarks/bench.py.
+std::wstring nsis(const Payload& payload) {
+    return payload.name() + L".exe /S /D=" + payload.target().wstring();
 }
-BENCHMARK(nsis)->Name("process/nsis")->Apply(payloadSizes);
+BENCHMARK_CAPTURE(install, nsis, &nsis)->Name("process/nsis")->Apply(payloadSizes);
 
 void msiexec(benchmark::State& state) {
-    const Payload payload(state.range(0), state.range(1));
-    const std::wstring package = payload.name() + L".msi /qn";
-    timeProcess(state, L"msiexec.exe /i " + package, [&] { runs(L"msiexec.exe /x " + package); });
-    runs(L"msiexec.exe /x " + package);
+    const std::wstring package = Payload(state.range(0), state.range(1)).name() + L".msi /qn";
+    const auto remove = [&] { runs(L"msiexec.exe /x " + package); };
+    timeProcess(state, L"msiexec.exe /i " + package, remove);
+    remove();
 }
 BENCHMARK(msiexec)->Name("process/msiexec")->Apply(payloadSizes);
 
