@@ -82,9 +82,10 @@ def of_large(work, name, bound):
 
 
 def of_others(payload, size):
-    for tool, program, bound in (("makensis", "nsis", None), ("wixl", "msiexec", None), (None, "xcopy", 1)):
-        yield Timed(f"{payload}, whole process : {program}", f"process/engine/{size}",
-                    f"process/{program}/{size}", bound, tool)
+    for name, program, tool, bound in (("NSIS", "nsis", "makensis", None), ("msiexec", "msiexec", "wixl", None),
+                                       ("xcopy", "xcopy", None, 1)):
+        yield Timed(f"{payload}, whole process : {name}", f"process/engine/{size}", f"process/{program}/{size}",
+                    bound, tool)
 
 
 ROWS = [
@@ -144,7 +145,7 @@ def judged(row, machine):
             break
     if broken == ATTEMPTS:
         return result, BROKEN
-    return result, "over once" if is_over else "holds" if result.spread <= WIDEST_SPREAD else "holds, unsteady"
+    return result, "over, unsteady" if is_over else "holds" if result.spread <= WIDEST_SPREAD else "holds, unsteady"
 
 
 def can_be_measured(row, machine):
