@@ -8,21 +8,24 @@ broken every time fails the whole.
 
 import argparse
 import dataclasses
-import json
-import os
 import pathlib
 import re
+import shutil
 import statistics
-import subprocess
 import sys
 
-REPETITIONS = 7
+import page
+from machine import Machine
+
 ATTEMPTS = 3
 # The slowest to the fastest of the times of one work.
 WIDEST_SPREAD = 1.4
+BROKEN = "BROKEN"
 
-SIZES = {"files": 2000, "large": 200 * 2**20, "few": 1000, "more": 10_000, "many": 100_000}
-SHORT_SIZES = {"files": 40, "large": 2**20, "few": 100, "more": 100, "many": 1000}
+SIZES = {"files": 2000, "large": 200 * 2**20, "large_text": "200 MiB", "few": 1000, "more": 10_000, "many": 100_000,
+         "conditions": 50_000, "fewVariables": 50, "manyVariables": 5000}
+SHORT_SIZES = {"files": 40, "large": 2**20, "large_text": "1 MiB", "few": 100, "more": 100, "many": 1000,
+               "conditions": 500, "fewVariables": 5, "manyVariables": 50}
 
 
 @dataclasses.dataclass
@@ -45,8 +48,11 @@ class Timed:
     ours: str
     yardstick: str
     bound: float = None  # without one the ratio is only told
+    tool: str = None  # that makes an installer of the payload
 
     def measure(self, machine):
+        if self.tool:
+            machine.make_installer(self.tool, *self.yardstick.split("/")[-2:])
         both = machine.times([self.ours, self.yardstick])
         medians = [statistics.median(times) for times in both]
         return Result(medians[0] / medians[1], max(max(times) / min(times) for times in both),
@@ -61,12 +67,34 @@ class Counted:
     test: str
     bound: float
     parts: int = 1
+    tool = None
 
     def measure(self, machine):
         return Result(machine.figures()[self.test] / self.parts, 1, "", "")
 
 
+def of_files(work, name, bound):
+    return Timed(work, f"{name}/engine/{{files}}/2048", f"{name}/bare/{{files}}/2048", bound)
+
+
+def of_large(work, name, bound):
+    return Timed(work, f"{name}/engine/1/{{large}}", f"{name}/bare/1/{{large}}", bound)
+
+
+def of_others(payload, size):
+    for name, program, tool, bound in (("NSIS", "nsis", "makensis", None), ("msiexec", "msiexec", "wixl", None),
+                                       ("xcopy", "xcopy", None, 1)):
+        yield Timed(f"{payload}, whole process : {name}", f"process/engine/{size}", f"process/{program}/{size}",
+                    bound, tool)
+
+
 ROWS = [
+    of_files("install of {files:,} files of 2 KiB in 20 directories : bare calls", "install", 1.03),
+    of_files("upgrade of them : bare calls", "upgrade", 1.03),
+    of_files("uninstall of them, no folder for the log : bare calls with the told line", "uninstall", 1.08),
+    of_files("uninstall of them, with the log : bare calls with the told line", "loggedUninstall", 1.03),
+    of_large("one file of {large_text}, whole process : CopyFileW", "process", 1.05),
+    of_large("one file of {large_text}, inside : CopyFileW", "install", 1.02),
     Timed("a process that makes a context and frees it : an empty one", "start/engine", "start/bare", 1.15),
     *(Timed(f"load of {{{size}:,}} elements : LoadFile of TinyXML", f"load/engine/{{{size}}}",
             f"load/parser/{{{size}}}", 1.05) for size in ("few", "more", "many")),
@@ -77,6 +105,17 @@ ROWS = [
     Counted("allocations for a visited File", "VisitCostTest.FileStaysWithinItsAllocations", 15),
     Counted("allocations for a visited ComponentRef over two directory chains of 8",
             "VisitCostTest.ReferenceOverTwoChainsOfDirectoriesStaysWithinItsAllocations", 60),
+    *(Timed(f"walk of {{{size}:,}} elements, time for each : of {{few:,}}", f"walk/{{{size}}}", "walk/{few}", 1.05)
+      for size in ("more", "many")),
+    Timed("{conditions:,} Conditions over {manyVariables:,} variables : over {fewVariables}",
+          "conditions/{conditions}/{manyVariables}", "conditions/{conditions}/{fewVariables}", 1.05),
+    Timed("evaluation of OS_BIT E 64 AND ( ! Flag OR Count GE 3 ) : by muParser",
+          "evaluation/engine", "evaluation/muparser", 0.2),
+    Timed("a line of the log : open, seek, write, flush, close", "log/engine", "log/bare", 1.05),
+    Timed("a line of the log without its folder : an open that fails",
+          "absentLog/engine", "absentLog/bare", 1.05),
+    *of_others("{files:,} files of 2 KiB", "{files}/2048"),
+    *of_others("one file of {large_text}", "1/{large}"),
 ]
 
 
@@ -93,55 +132,6 @@ def text_of_time(seconds):
     return f"{seconds * 1e9:.3g} ns"
 
 
-class Machine:
-    """The folder that the programs stand in, and how they are run and for how long."""
-
-    def __init__(self, folder, runner, short):
-        self.folder = folder
-        self.runner = runner
-        self.short = short
-        self.repetitions = 1 if short else REPETITIONS
-        self.minimum = 0.001 if short else 0.1  # seconds
-        self.counted = None
-
-    def run(self, program, *arguments):
-        command = [*self.runner, str(self.folder / program), *arguments]
-        environment = dict(os.environ) if self.short else {**os.environ, "TEMZ_WHOLE_SWEEPS": "1"}
-        done = subprocess.run(command, cwd=self.folder, env=environment, capture_output=True,
-                              stdin=subprocess.DEVNULL)
-        return done.returncode, (done.stdout + done.stderr).decode(errors="replace")
-
-    def times(self, names):
-        """For each benchmark of these names the seconds for each item that it handles, once a repetition."""
-        choice = "|".join(map(re.escape, names))
-        status, output = self.run(
-            "temz_bench.exe", f"--benchmark_filter=^({choice})(/[a-z_]+)?$",
-            f"--benchmark_repetitions={self.repetitions}", "--benchmark_enable_random_interleaving=true",
-            f"--benchmark_min_time={self.minimum}", "--benchmark_out=out.json",
-            "--benchmark_out_format=json")
-        if status != 0:
-            sys.exit(f"The benchmarks {choice} have failed:\n{output}")
-        runs = json.loads((self.folder / "out.json").read_text())["benchmarks"]
-        for run in runs:
-            if run.get("error_occurred"):
-                sys.exit(f"{run['name']}: {run['error_message']}")
-        return [[1 / run["items_per_second"] for run in runs
-                 if run["run_type"] == "iteration" and re.fullmatch(name + "(/[a-z_]+)?", run["run_name"])]
-                for name in names]
-
-    def figures(self):
-        """What the tests have counted, by their names. They fail when it is more than they promise."""
-        if self.counted is None:
-            status, output = self.run("temz_allocation_tests.exe", "--gtest_filter=*CostTest.*",
-                                      "--gtest_output=json:out.json")
-            if status != 0:
-                sys.exit(output)
-            suites = json.loads((self.folder / "out.json").read_text())["testsuites"]
-            self.counted = {f"{suite['name']}.{test['name']}": int(test["figure"])
-                            for suite in suites for test in suite["testsuite"] if "figure" in test}
-        return self.counted
-
-
 def judged(row, machine):
     """The last result of a row, and what is said of it."""
     if row.bound is None or machine.short:
@@ -154,8 +144,13 @@ def judged(row, machine):
         if not is_over and result.spread <= WIDEST_SPREAD:
             break
     if broken == ATTEMPTS:
-        return result, "BROKEN"
-    return result, "over once" if is_over else "holds" if result.spread <= WIDEST_SPREAD else "holds, unsteady"
+        return result, BROKEN
+    return result, "over, unsteady" if is_over else "holds" if result.spread <= WIDEST_SPREAD else "holds, unsteady"
+
+
+def can_be_measured(row, machine):
+    """A short run does without the tools that make other installers."""
+    return not row.tool or not machine.short and shutil.which(row.tool)
 
 
 HEADINGS = ["Work", "Engine", "Yardstick", "Figure", "Spread", "Bound", "Verdict"]
@@ -181,16 +176,21 @@ def main():
     parser.add_argument("--write", action="store_true")
     arguments = parser.parse_args()
 
+    if arguments.write and (arguments.only or arguments.short):
+        parser.error("only a whole run is written")
+
     machine = Machine(arguments.folder, arguments.runner, arguments.short)
     sizes = SHORT_SIZES if arguments.short else SIZES
-    rows = [sized(row, sizes) for row in ROWS if re.search(arguments.only, row.work)]
+    rows = [sized(row, sizes) for row in ROWS if can_be_measured(row, machine)]
+    lines = []
     print_line(HEADINGS)
-    failed = False
     for row in rows:
-        result, verdict = judged(row, machine)
-        print_line(cells_of(row, result, verdict))
-        failed = failed or verdict == "BROKEN"
-    return 1 if failed or not rows else 0
+        if re.search(arguments.only, row.work):
+            lines.append(cells_of(row, *judged(row, machine)))
+            print_line(lines[-1])
+    if arguments.write:
+        page.write(HEADINGS, lines, machine, [sizes[name] for name in ("few", "more", "many")])
+    return 0 if lines and all(line[-1] != BROKEN for line in lines) else 1
 
 
 if __name__ == "__main__":
