@@ -1,7 +1,8 @@
 #include "BareLog.h"
 
+#include <windows.h>
+
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -25,11 +26,13 @@ void LogFolder::empty() const {
 }
 
 void writeBareLine(const std::string& line) {
-    std::ofstream file(logPath, std::ios::app);
-    if (!file.is_open())
+    const HANDLE file = CreateFileA(logPath, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
         return;
-    file.seekp(0, std::ios::end);
-    file.write(line.data(), static_cast<std::streamsize>(line.size()));
-    file.flush();
-    file.close();
+    LARGE_INTEGER end = {};
+    SetFilePointerEx(file, {}, &end, FILE_END);
+    DWORD written = 0;
+    WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    CloseHandle(file);
 }

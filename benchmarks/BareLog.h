@@ -23,6 +23,6 @@ private:
     bool ready = false;
 };
 
-/// Writes a line that is ready to the log, if its folder is there, by the bare operations of a
-/// stream: open, seek, write, flush and close.
+/// Writes a line that is ready to the log, if its folder is there, by the bare calls of the system:
+/// open, seek, write and close.
 void writeBareLine(const std::string& line);

@@ -111,7 +111,7 @@ ROWS = [
           "conditions/{conditions}/{manyVariables}", "conditions/{conditions}/{fewVariables}", 1.05),
     Timed("evaluation of OS_BIT E 64 AND ( ! Flag OR Count GE 3 ) : by muParser",
           "evaluation/engine", "evaluation/muparser", 0.2),
-    Timed("a line of the log : open, seek, write, flush, close", "log/engine", "log/bare", 1.05),
+    Timed("a line of the log : open, seek, write, close", "log/engine", "log/bare", 1.05),
     Timed("a line of the log without its folder : an open that fails",
           "absentLog/engine", "absentLog/bare", 1.05),
     *of_others("{files:,} files of 2 KiB", "{files}/2048"),

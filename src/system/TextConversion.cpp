@@ -25,13 +25,13 @@ WideText toWideTextOrThrow(const char* text) {
 }
 
 // No code page makes more characters of a text than it has bytes. Should one, or should the system
-// fail, the longer way finds out.
+// fail, the longer way finds out. The terminator comes to stand on the string's own.
 bool convertOrThrow(const char* text, std::wstring& wide) {
     if (text == nullptr)
         return false;
-    wide.resize(std::strlen(text) + 1);
+    wide.resize(std::strlen(text));
     const int length = textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(),
-                                                     static_cast<int>(wide.size()));
+                                                     static_cast<int>(wide.size() + 1));
     if (length > 0) {
         wide.resize(length - 1);
         return true;
@@ -69,10 +69,10 @@ bool appendNarrow(std::string& narrow, const wchar_t* text) try {
     if (text == nullptr)
         return false;
     const size_t begin = narrow.size();
-    const size_t room = 3 * std::wcslen(text) + 1;
+    const size_t room = 3 * std::wcslen(text);
     narrow.resize(begin + room);
     const int length = textCalls.WideCharToMultiByte(CP_ACP, 0, text, -1, narrow.data() + begin,
-                                                     static_cast<int>(room), nullptr, nullptr);
+                                                     static_cast<int>(room + 1), nullptr, nullptr);
     narrow.resize(length > 0 ? begin + length - 1 : begin);
     if (length > 0)
         return true;

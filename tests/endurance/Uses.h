@@ -37,7 +37,6 @@ inline void useInAllModes(IterfaceContext& context, const std::wstring& script) 
 }
 inline constexpr int64_t modes = 3;
 
-/// The element of a variable with short texts: itself, its node, and the list of its attributes.
-inline constexpr int64_t elementBlocks = 3;
-inline constexpr int64_t elementBytes =
-    sizeof(CVariableElement) + sizeof(XmlHandle) + 2 * sizeof(AttributeRecord);
+/// The element of a variable with short texts: itself, and the list of its attributes.
+inline constexpr int64_t elementBlocks = 2;
+inline constexpr int64_t elementBytes = sizeof(CVariableElement) + 2 * sizeof(AttributeRecord);
