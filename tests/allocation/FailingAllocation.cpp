@@ -34,7 +34,7 @@ bool mustFail() {
 
 /// Stands behind each block. Who writes beyond a block's end ends the program when the block is
 /// released.
-constexpr unsigned char guard[] = {0xFD, 0xFC, 0xFB, 0xFA, 0xFD, 0xFC, 0xFB, 0xFA};
+constexpr unsigned char guard[guardSize] = {0xFD, 0xFC, 0xFB, 0xFA, 0xFD, 0xFC, 0xFB, 0xFA};
 
 size_t sizeOf(void* memory) {
     return _msize(memory) - sizeof guard;

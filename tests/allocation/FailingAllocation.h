@@ -26,6 +26,9 @@ public:
     ~SparedAllocations();
 };
 
+/// What stands behind each block, to notice who writes beyond its end, and isn't counted with it.
+inline constexpr size_t guardSize = 8;
+
 /// Allocations that have not been released, and their bytes.
 size_t liveAllocations();
 size_t liveBytes();

@@ -117,8 +117,9 @@ TEST_F(RealMachineTest, HoldsTheHandlesOfAServiceThatHasStoppedAlready) {
 TEST_F(RealMachineTest, HoldsTheElementOfAVariable) {
     const std::wstring script = write("", "", "<Variable Id='V' Type='int' Value='1'/>");
 
+    constexpr int64_t guards = elementBlocks * guardSize;
     EXPECT_EQ(growthByUses(many, script),
-              (Holdings{{"block", elementBlocks}, {"byte", elementBytes}} * many));
+              (Holdings{{"block", elementBlocks}, {"byte", elementBytes + guards}} * many));
 }
 
 }  // namespace
