@@ -116,7 +116,7 @@ std::wstring CElement::messageOn(const Refusal& refusal, const wchar_t* attribut
 
 AttributeRecord& CElement::addAttribute(const wchar_t* attributeName) {
     AttributeRecord& record = attributes.emplace_back();
-    copyBounded(record.name, attributeName);
+    fillAttributeRecord(record, attributeName, L"");
     return record;
 }
 

@@ -43,7 +43,8 @@ bool convertOrThrow(const char* text, std::wstring& wide) {
 }
 
 PassingText::PassingText(const char* text) {
-    if (text && textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, inPlace, std::size(inPlace))) {
+    if (text && textCalls.MultiByteToWideChar(CP_ACP, 0, text, -1, inPlace,
+                                              static_cast<int>(std::size(inPlace)))) {
         converted = inPlace;
     } else {
         onHeap = toWideTextOrThrow(text);

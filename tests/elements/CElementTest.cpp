@@ -422,6 +422,7 @@ TEST_F(CElementTest, ElementWithoutParentNodeGetsNothing) {
 
     EXPECT_EQ(message, L"(E,e) can't get parent node when get the Path attribute.");
     EXPECT_EQ(element.getParent(), nullptr);
+    EXPECT_EQ(element.getNode(), nullptr);
 }
 
 TEST_F(CElementTest, ParentThatCannotBeMadeGivesNothing) {

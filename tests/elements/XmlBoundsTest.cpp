@@ -108,6 +108,14 @@ TEST(XmlBoundsTest, BlankEndsAValueWithoutQuotes) {
     EXPECT_EQ(elementOfTooManyAttributes("<a b=c d=e/>", 2), "");
 }
 
+TEST(XmlBoundsTest, ValueWithoutQuotesMayHoldAllThatEndsNone) {
+    for (char character = '!'; character <= '~'; ++character) {
+        const std::string element = std::string("<a b=c") + character + "d>";
+        const bool endsIt = std::string_view("/\"'").find(character) != std::string_view::npos;
+        EXPECT_EQ(staysWithin(element + element, 1), endsIt) << element;
+    }
+}
+
 TEST(XmlBoundsTest, MillionsOfLevelsAreNoBurden) {
     std::string text;
     for (int i = 0; i < 1'000'000; ++i)

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "support/FakeCall.h"
@@ -197,6 +199,79 @@ TEST(AnsiToUtf8Test, FailedConversionsGiveAnEmptyText) {
     }
     const FakeToNarrow convert([](auto...) { return 0; });
     EXPECT_STREQ(ansiToUtf8("a").get(), "");
+}
+
+TEST(ConvertOrThrowTest, GivesWhatToWideTextGives) {
+    const ActiveCodePage chinese(simplifiedChinese);
+    for (const char* text :
+         {"", "a", "a\xD6\xD0\xCE\xC4z", "a text that is too long for its string"}) {
+        std::wstring wide = L"old";
+        EXPECT_TRUE(convertOrThrow(text, wide));
+        EXPECT_EQ(wide, toWideText(text).get());
+        EXPECT_STREQ(PassingText(text).get(), toWideText(text).get());
+    }
+    std::wstring wide;
+    EXPECT_FALSE(convertOrThrow(nullptr, wide));
+    EXPECT_FALSE(PassingText(nullptr));
+}
+
+TEST(ConvertOrThrowTest, TakesTheLongerWayWhereTheShortOneFails) {
+    bool failed = false;
+    const FakeToWide convert([&](auto... arguments) {
+        return std::exchange(failed, true) ? convert.real(arguments...) : 0;
+    });
+    std::wstring wide;
+
+    EXPECT_TRUE(convertOrThrow("text", wide));
+
+    EXPECT_EQ(wide, L"text");
+}
+
+TEST(ConvertOrThrowTest, FailsWhereTheLongerWayFails) {
+    const FakeToWide convert([](auto...) { return 0; });
+    std::wstring wide;
+
+    EXPECT_FALSE(convertOrThrow("text", wide));
+    EXPECT_FALSE(PassingText("text"));
+}
+
+TEST(PassingTextTest, HoldsTextsOfAnyLength) {
+    for (size_t length = 0; length < 100; ++length) {
+        const std::string text(length, 'x');
+        EXPECT_EQ(PassingText(text.c_str()).get(), std::wstring(length, L'x'));
+    }
+}
+
+TEST(AppendNarrowTest, AppendsWhatToNarrowTextGives) {
+    const ActiveCodePage chinese(simplifiedChinese);
+    std::string narrow = "a ";
+
+    EXPECT_TRUE(appendNarrow(narrow, L"\u4E2D\u6587"));
+    EXPECT_EQ(narrow, "a \xD6\xD0\xCE\xC4");
+    EXPECT_TRUE(appendNarrow(narrow, L""));
+    EXPECT_FALSE(appendNarrow(narrow, nullptr));
+    EXPECT_EQ(narrow, "a \xD6\xD0\xCE\xC4");
+}
+
+TEST(AppendNarrowTest, TakesTheLongerWayWhereTheShortOneFails) {
+    bool failed = false;
+    const FakeToNarrow convert([&](auto... arguments) {
+        return std::exchange(failed, true) ? convert.real(arguments...) : 0;
+    });
+    std::string narrow = "a ";
+
+    EXPECT_TRUE(appendNarrow(narrow, L"text"));
+
+    EXPECT_EQ(narrow, "a text");
+}
+
+TEST(AppendNarrowTest, ChangesNothingWhereTheLongerWayFails) {
+    const FakeToNarrow convert([](auto...) { return 0; });
+    std::string narrow = "a ";
+
+    EXPECT_FALSE(appendNarrow(narrow, L"text"));
+
+    EXPECT_EQ(narrow, "a ");
 }
 
 }  // namespace
