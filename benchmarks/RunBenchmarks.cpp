@@ -1,5 +1,9 @@
 // Runs that change nothing on the machine: what the engine itself takes for each element.
 
+#include <tinyxml.h>
+
+#include <cstring>
+
 #include "Script.h"
 #include "Timing.h"
 
@@ -14,14 +18,45 @@ void timeRun(benchmark::State& state, const ScriptFile& file, int64_t elements) 
 }
 
 /// Fragments of nine elements that only announce themselves: with each fragment, ten elements.
-void walk(benchmark::State& state) {
-    const int64_t elements = state.range(0);
+ScriptFile fragments(int64_t elements) {
     const std::string fragment = "<Fragment>\n" +
                                  numbered("  <Caution Title='Please wait for step $'/>\n", 9) +
                                  "</Fragment>\n";
-    timeRun(state, ScriptFile("", numbered(fragment, elements / 10)), elements);
+    return ScriptFile("", numbered(fragment, elements / 10));
+}
+
+void walk(benchmark::State& state) {
+    timeRun(state, fragments(state.range(0)), state.range(0));
 }
 BENCHMARK(walk)->RangeMultiplier(10)->Range(100, 100'000)->UseRealTime();
+
+/// What a run must see of the elements below one: how many there are, and of each the name and the
+/// attributes.
+size_t lookedAt(const TiXmlElement& above) {
+    size_t seen = 0;
+    for (const auto* child = above.FirstChildElement(); child; child = child->NextSiblingElement())
+        ++seen;
+    for (const auto* child = above.FirstChildElement(); child;
+         child = child->NextSiblingElement()) {
+        seen += child->ValueStr().size();
+        for (const auto* part = child->FirstAttribute(); part; part = part->Next())
+            seen += std::strlen(part->Name()) + std::strlen(part->Value());
+        seen += lookedAt(*child);
+    }
+    return seen;
+}
+
+/// The same documents, where nothing but the parser's tree is looked at.
+void tree(benchmark::State& state) {
+    const ScriptFile script = fragments(state.range(0));
+    TiXmlDocument document;
+    if (!document.LoadFile(std::string(script.path().begin(), script.path().end()).c_str()))
+        state.SkipWithError("The file can't be loaded.");
+    for (auto _ : state)
+        benchmark::DoNotOptimize(lookedAt(*document.RootElement()));
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(tree)->RangeMultiplier(10)->Range(100, 100'000)->UseRealTime();
 
 /// So many conditions over so many variables, whose names are all of one length.
 void conditions(benchmark::State& state) {

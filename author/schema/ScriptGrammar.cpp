@@ -28,11 +28,6 @@ bool hasDefaults(const ElementKind& kind) {
     return &kind == &directoryKind;
 }
 
-/// Through a condition its children see what is around it.
-bool isTransparent(const ElementKind& kind) {
-    return &kind == &conditionKind;
-}
-
 /// Whether an element can be made in these surroundings, with all attributes that it may have.
 bool canStand(const ElementKind& kind, const Surroundings& around) {
     const Surroundings needed = needs(kind);
@@ -44,7 +39,7 @@ bool canStand(const ElementKind& kind, const Surroundings& around) {
 /// What the children of an element find around them: what it has or has taken over, of that which
 /// any element asks for.
 Surroundings offers(const ElementKind& kind, const Surroundings& around) {
-    if (isTransparent(kind))
+    if (kind.isTransparent)
         return around;
     Surroundings offered = needs(kind);
     for (const AttributeDeclaration& derived : kind.derived)
@@ -59,7 +54,7 @@ Surroundings offers(const ElementKind& kind, const Surroundings& around) {
 
 /// What of the surroundings makes a difference to an element.
 Surroundings relevant(const ElementKind& kind, const Surroundings& around) {
-    if (isTransparent(kind))
+    if (kind.isTransparent)
         return around;
     Surroundings names;
     if (hasDefaults(kind))

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -124,10 +123,11 @@ bool CElement::readDeclaredAttributes(CContext& context, std::wstring& message) 
     attributes.reserve(kind->declared.size() + kind->derived.size());
     for (const AttributeDeclaration& declaration : kind->declared) {
         const bool isCumulative = isCumulativeAttribute(declaration.name);
+        const char* const own = attributeOf(node, declaration.name);
         std::wstring text;
-        if (isCumulative)
+        if (own && isCumulative)
             text.reserve(usualPathLength);
-        if (!convertOrThrow(attributeOf(node, declaration.name), text)) {
+        if (!convertOrThrow(own, text)) {
             if (!declaration.required)
                 continue;
             message =
@@ -153,6 +153,7 @@ bool CElement::resolveDerivedAttributes(CContext& context, std::wstring& message
     for (const AttributeDeclaration& declaration : kind->derived) {
         if (find(declaration.name))
             continue;
+        // In its place at once: a record of its own would be one more allocation.
         AttributeRecord& record = addAttribute(declaration.name);
         if (!getDefaultAttribute(record, declaration.name)) {
             Refusal refusal;

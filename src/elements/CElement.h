@@ -15,8 +15,8 @@ class CElement;
 
 using ElementPtr = BaseOwner<CElement>;
 
-/// One resolved attribute. Where elements are made it is allocated rather than a local variable:
-/// making one can need others in turn, and it would stand on the stack for each of them.
+/// One resolved attribute. It is large: making an element can need others in turn, so where
+/// elements are made none stands on the stack.
 struct AttributeRecord {
     wchar_t name[256] = {};
     std::wstring value;
@@ -53,13 +53,13 @@ public:
     /// Joins a cumulative attribute's text with the parent's. The result is ignored.
     virtual bool combineWithParent(const std::wstring& parentValue, std::wstring& value) const;
     /// The attributes that are read from the element's own XML.
-    virtual void getAttributes(std::vector<AttributeDeclaration>& list) const;
+    virtual void getAttributes(std::vector<AttributeDeclaration>& list) const final;
     /// The attributes that are made up, or taken from the parent, when they aren't there yet.
-    virtual void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const;
+    virtual void getDerivedAttributes(std::vector<AttributeDeclaration>& list) const final;
     /// Makes up a derived attribute; false when the element has no default for it.
     virtual bool getDefaultAttribute(AttributeRecord& record, const wchar_t* attributeName) const;
     /// Copies the attribute of that name; false when the element has none.
-    virtual bool getAttribute(const wchar_t* attributeName, AttributeRecord& record) const;
+    virtual bool getAttribute(const wchar_t* attributeName, AttributeRecord& record) const final;
 
     /// The text of the attribute of that name, where it stands; null when the element has none.
     const std::wstring* find(const wchar_t* attributeName) const;

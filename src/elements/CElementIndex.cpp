@@ -14,7 +14,8 @@ XmlHandlePtr CElementIndex::find(const wchar_t* elementName, const wchar_t* id,
     return found == elements.end() ? nullptr : std::make_unique<XmlHandle>(found->second);
 }
 
-// Gives the storage back too: nothing releases it once the host has freed the context.
+// Gives the storage back too, which an assignment alone would keep: nothing releases it once the
+// host has freed the context.
 void CElementIndex::clear() {
     std::exchange(*this, {});
 }

@@ -114,7 +114,8 @@ XmlHandle nextSiblingOf(XmlHandle handle);
 XmlHandle parentOf(XmlHandle handle);
 
 /// The bytes of an element's name and of an attribute's value, which stay the document's; null
-/// where there are none. The attribute's name is ASCII, so it has the same bytes in each code page.
+/// where there are none. The attribute's name is ASCII, so it has the same bytes in each active
+/// code page.
 const char* elementNameOf(XmlHandle handle);
 const char* attributeOf(XmlHandle handle, const wchar_t* attributeName);
 

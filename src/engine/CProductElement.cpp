@@ -8,6 +8,9 @@
 #include "system/PathText.h"
 #include "system/ShellOperations.h"
 
+CProductElement::CProductElement(const XmlHandle& node, CContext& context)
+    : CElement(node, context, productKind) {}
+
 int32_t CProductElement::run(IterfaceContext* hostContext) {
     auto& context = static_cast<CContext&>(*hostContext);
     const XmlHandle sequenceNode = firstChildOf(node, installKind.name);

@@ -7,7 +7,7 @@
 /// drives, the driver of a run. It has no attributes of its own.
 class CProductElement final : public CElement, public CSubject {
 public:
-    using CElement::CElement;
+    CProductElement(const XmlHandle& node, CContext& context);
 
     int32_t run(IterfaceContext* context) override;
     bool getDirectory(std::wstring& path, const wchar_t* directoryId,

@@ -117,6 +117,8 @@ void CLogLine::appendToFile() {
         file.reset();
         emptyFile(path);
         file = openForAppending(path);
+        if (!file)
+            return;
     }
     text += '\n';
     for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 2))

@@ -18,8 +18,9 @@ public:
     CLogLine& operator=(const CLogLine&) = delete;
     ~CLogLine();
 
-    /// Wide text is converted to the active code page. Text that is null, or can't be converted,
-    /// appends "null". Pieces for which there is no memory are left out.
+    /// Wide text is converted to the active code page. Text that is null, and wide text that can't
+    /// be converted, also for lack of memory, appends "null"; other pieces for which there is no
+    /// memory are left out.
     CLogLine& operator<<(const char* narrow);
     CLogLine& operator<<(const wchar_t* wide);
     CLogLine& operator<<(const std::wstring& wide);
@@ -38,7 +39,8 @@ public:
     const std::string& composed() const { return text; }
     int32_t openedAt() const { return level; }
 
-    /// Writes the line to the log's file, or to the standard output where the log has none.
+    /// Writes the line to the log's file, or to the standard output where the log has none. Once:
+    /// its text is the file's from then on.
     void write();
 
 private:

@@ -23,7 +23,7 @@ public:
 
 private:
     const wchar_t* name;
-    HMODULE module = nullptr;
+    std::atomic<HMODULE> module = nullptr;
 };
 
 /// The name of a function, as an argument of a template.
@@ -44,7 +44,8 @@ Result callSystem(Arguments... arguments) {
         bound = function = reinterpret_cast<Function>(library.find(name.text));
     if (function)
         return function(arguments...);
-    if constexpr (std::is_same_v<Result, HRESULT> || std::is_same_v<Result, LSTATUS>)
+    static_assert(std::is_same_v<HRESULT, LSTATUS>);
+    if constexpr (std::is_same_v<Result, HRESULT>)
         return E_FAIL;
     else
         return Result();

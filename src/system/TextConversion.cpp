@@ -65,7 +65,8 @@ NarrowText toNarrowTextOrThrow(const wchar_t* text) {
     return narrow;
 }
 
-// No code page takes more than three bytes for a character of UTF-16. The longer way is as above.
+// Three bytes for a character of UTF-16 are enough for what Windows takes as its active code page.
+// If not, or should the system fail, the longer way finds out.
 bool appendNarrow(std::string& narrow, const wchar_t* text) try {
     if (text == nullptr)
         return false;
