@@ -6,9 +6,12 @@
 #include <tinyxml.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 
 #include "FailingAllocation.h"
+#include "elements/Vocabulary.h"
+#include "endurance/AnsweringMachine.h"
 #include "expression/CExpression.h"
 #include "support/FakeFileCalls.h"
 #include "support/ScriptTest.h"
@@ -63,7 +66,7 @@ protected:
             context.unload();
             EXPECT_TRUE(loadProduct(std::string(product).replace(place, 1, elements)));
             // What is asked once is asked in the first run.
-            EXPECT_TRUE(runSilently());
+            EXPECT_TRUE(runSilently()) << narrow(context.getProduct()->errorInfo.message);
             const size_t before = allocationsSoFar().allocations;
             EXPECT_TRUE(runSilently());
             return allocationsSoFar().allocations - before;
@@ -105,6 +108,76 @@ TEST_F(VisitCostTest, ReferenceOverTwoChainsOfDirectoriesStaysWithinItsAllocatio
                      directories("C:\\a", "<Directory Id='D' Path='a'/>") +
                          directories("[D]", "<Component Id='C'/>") +
                          "<InstallExecuteSequence><Feature>$</Feature></InstallExecuteSequence>"));
+}
+
+/// What a further element of a kind adds to a run, on a machine that says yes to everything.
+struct KindCost {
+    const char* element;
+    size_t promised;
+};
+
+const KindCost kindCosts[] = {
+    {"<Feature/>", 1},
+    {"<FeatureRef Id='OtherFeature'/>", 2},
+    {"<Fragment On='install'/>", 2},
+    {"<FragmentRef Id='OtherFragment'/>", 3},
+    {"<Component On='install'/>", 3},
+    {"<ComponentRef Id='OtherComponent'/>", 4},
+    {"<Condition Expression='1'/>", 7},
+    {"<CustomAction DllFile='C:\\temz-tests\\action.dll' DllEntry='act' Return='no'/>", 15},
+    {"<File Name='greeter.exe' Source='payload\\greeter.exe'/>", 15},
+    {"<Shortcut Name='Greeter' Description='Greets' Target='C:\\greeter.exe'/>", 21},
+    {"<ShellExcute File='C:\\greeter.exe' Return='sync'/>", 4},
+    {"<ServiceControl Name='greeting' Action='stop' Wait='no'/>", 4},
+    {"<CopyFile DestinationName='a' SourceName='b'/>", 2},
+    {"<FileSearch Name='greeter.exe' Path='C:\\temz-tests' Expression='1'/>", 11},
+    {"<RegistryKey Root='HKEY_CURRENT_USER' Key='Software\\Greeter' Action='create'/>", 8},
+    {"<RegistryValue Name='Greeting' Type='REG_SZ' Value='Hello, all'/>", 13},
+    {"<RemoveDirectory Path='C:\\temz-tests\\greeter'/>", 11},
+    {"<Caution Title='Please wait a moment'/>", 4},
+};
+
+std::string nameOf(const std::string& element) {
+    return element.substr(1, element.find_first_of(" /") - 1);
+}
+
+class KindCostTest : public VisitCostTest, public testing::WithParamInterface<KindCost> {};
+
+TEST_P(KindCostTest, StaysWithinItsAllocations) {
+    Ledger ledger;
+    const AnsweringMachine machine(ledger);
+    const std::string name = nameOf(GetParam().element);
+    std::string around = "<Condition Expression='1'>$</Condition>";
+    if (name == "RegistryValue")
+        around = "<RegistryKey Root='HKEY_CURRENT_USER' Key='K' Action='create'>$</RegistryKey>";
+    expectAtMost(
+        GetParam().promised,
+        allocationsOfEach(
+            GetParam().element,
+            "<Feature Id='OtherFeature'/><Fragment Id='OtherFragment'/>"
+            "<Component Id='OtherComponent'/>"
+            "<Directory Id='APPLICATIONROOTDIRECTORY' Path='C:\\temz-tests'><Component Id='C'>" +
+                around +
+                "</Component></Directory><InstallExecuteSequence>"
+                "<Feature><ComponentRef Id='C'/></Feature>"
+                "</InstallExecuteSequence>"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, KindCostTest, testing::ValuesIn(kindCosts),
+                         [](const auto& info) { return nameOf(info.param.element); });
+
+TEST(KindCostsTest, HaveEachKindThatARunVisits) {
+    std::set<std::string> named;
+    for (const KindCost& cost : kindCosts)
+        named.insert(nameOf(cost.element));
+    std::set<std::string> visited;
+    for (const ElementKind* kind : motionKinds())
+        visited.insert(narrow(kind->name));
+    for (const ReferenceKind& reference : motionReferences())
+        visited.insert(narrow(reference.name));
+    visited.erase(narrow(installKind.name));  // of which a run visits one
+
+    EXPECT_EQ(named, visited);
 }
 
 TEST_F(CostTest, EvaluationStaysWithinItsAllocations) {
