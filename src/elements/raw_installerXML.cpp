@@ -20,12 +20,8 @@ struct FileCloser {
 };
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
-uint64_t nodesVisited = 0;
-
 /// The one way from a node of the parser to a handle.
 XmlHandle handleOf(const TiXmlNode* node) {
-    if (node)
-        ++nodesVisited;
     // The parser hands out const nodes of a const document; a handle may be used to set attributes.
     return {const_cast<TiXmlNode*>(node)};
 }
@@ -299,8 +295,4 @@ XmlHandlePtr findChildByAttribute(const wchar_t* elementName, const wchar_t* att
         if (hasNameAndAttribute(*child, elementName, attributeName, attributeValue))
             return child;
     return nullptr;
-}
-
-uint64_t xmlNodesVisited() {
-    return nodesVisited;
 }

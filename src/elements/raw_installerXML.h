@@ -118,7 +118,3 @@ XmlHandle parentOf(XmlHandle handle);
 /// code page.
 const char* elementNameOf(XmlHandle handle);
 const char* attributeOf(XmlHandle handle, const wchar_t* attributeName);
-
-/// How many nodes this layer has looked at since the process began: a measure of its work that,
-/// unlike time, is the same on every machine.
-uint64_t xmlNodesVisited();

@@ -1,6 +1,7 @@
 #include "elements/CElementIndex.h"
 
 #include "support/ScriptTest.h"
+#include "support/VisitedNodes.h"
 
 namespace {
 
@@ -93,12 +94,12 @@ TEST_F(CElementIndexTest, EachAnswerIsAHandleOfItsOwn) {
 TEST_F(CElementIndexTest, LooksAtTheDocumentOnce) {
     const XmlHandlePtr root = getRootElement(*document);
     index.find(L"A", L"1", root.get());
-    const uint64_t visited = xmlNodesVisited();
+    const uint64_t visited = nodesVisited();
 
     index.find(L"A", L"nested", root.get());
     index.find(L"A", L"absent", root.get());
 
-    EXPECT_EQ(xmlNodesVisited(), visited);
+    EXPECT_EQ(nodesVisited(), visited);
 }
 
 TEST_F(CElementIndexTest, ClearedItAnswersForAnotherDocument) {
@@ -122,7 +123,7 @@ protected:
     }
 
     /// How many nodes are looked at in a run with so many references to as many components.
-    uint64_t nodesVisitedInRun(int count) {
+    uint64_t visitedInRun(int count) {
         std::string components, references;
         for (int i = 0; i < count; ++i) {
             const std::string id = "Id='C" + std::to_string(i) + "'/>";
@@ -133,10 +134,10 @@ protected:
                                 "</Feature></InstallExecuteSequence>"
                                 "<Directory Id='D' Path='d'>" +
                                 components + "</Directory>"));
-        const uint64_t before = xmlNodesVisited();
+        const uint64_t before = nodesVisited();
         EXPECT_EQ(run(), 0);
         context.unload();
-        return xmlNodesVisited() - before;
+        return nodesVisited() - before;
     }
 };
 
@@ -163,8 +164,8 @@ TEST_F(ElementByIdTest, ElementsOutsideTheProductAreNotFound) {
 }
 
 TEST_F(ElementByIdTest, WorkOfARunGrowsAsItsReferencesDo) {
-    const uint64_t few = nodesVisitedInRun(1'000);
-    const uint64_t many = nodesVisitedInRun(10'000);
+    const uint64_t few = visitedInRun(1'000);
+    const uint64_t many = visitedInRun(10'000);
 
     EXPECT_GE(few, 1'000u);
     EXPECT_LE(many, 11 * few);

@@ -1,6 +1,7 @@
 #include "elements/ElementFactory.h"
 #include "elements/MakingScope.h"
 #include "support/ScriptTest.h"
+#include "support/VisitedNodes.h"
 
 namespace {
 
@@ -141,12 +142,12 @@ TEST_F(EndlessElementsTest, ChainThatDoublesAFewTimesWorks) {
 }
 
 TEST_F(EndlessElementsTest, ChainThatDoublesAtEveryStepFailsAfterBoundedWork) {
-    const uint64_t before = xmlNodesVisited();
+    const uint64_t before = nodesVisited();
 
     EXPECT_EQ(directory(chain(200, 2), "D200"),
               L"Get directory error:Create Element error:[D199] mismatch.");
 
-    EXPECT_LT(xmlNodesVisited() - before, 100'000u);
+    EXPECT_LT(nodesVisited() - before, 100'000u);
 }
 
 TEST_F(EndlessElementsTest, NestedDoublingIsBoundedThoughEachParentCanBeDoneWithout) {
@@ -156,12 +157,12 @@ TEST_F(EndlessElementsTest, NestedDoublingIsBoundedThoughEachParentCanBeDoneWith
             "<Directory Id='D" + std::to_string(i + 1) + "' Path='[D" + std::to_string(i) + "]'>";
         end += "</Directory>";
     }
-    const uint64_t before = xmlNodesVisited();
+    const uint64_t before = nodesVisited();
 
     const std::wstring result = directory("<Directory Id='D0' Path='p'/>" + product + end, "D60");
 
     EXPECT_EQ(result, L"Get directory error:Create Element error:[D59] mismatch.");
-    EXPECT_LT(xmlNodesVisited() - before, 100'000u);
+    EXPECT_LT(nodesVisited() - before, 100'000u);
 }
 
 /// `count` times the same text.
