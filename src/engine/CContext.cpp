@@ -15,9 +15,7 @@
 // Left undefined: the run mode is the host's to set.
 CContext::CContext() = default;
 
-CContext::~CContext() {
-    unload();
-}
+CContext::~CContext() = default;
 
 bool CContext::load(const wchar_t* scriptPath) {
     if (document) {
