@@ -102,6 +102,15 @@ TEST_F(EndlessElementsTest, LongChainOfDirectoriesWorks) {
     EXPECT_EQ(directory(chain(250, 1), "D250"), L"p\\");
 }
 
+// In the deepest directory of a chain its parent, the product, is needed as well.
+TEST_F(EndlessElementsTest, ChainAsDeepAsTheLimitWorksAndOneDeeperDoesNot) {
+    const int deepest = maxMakingDepth - 2;
+    const auto lastOf = [](int count) { return "D" + std::to_string(count); };
+
+    EXPECT_EQ(directory(chain(deepest, 1), lastOf(deepest)), L"p\\");
+    EXPECT_NE(directory(chain(deepest + 1, 1), lastOf(deepest + 1)), L"p\\");
+}
+
 TEST_F(EndlessElementsTest, ChainThatIsDeeperThanAScriptCanBeFails) {
     EXPECT_EQ(directory(chain(1'000, 1), "D1000"),
               L"Get directory error:Create Element error:[D999] mismatch.");
