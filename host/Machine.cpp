@@ -163,6 +163,9 @@ std::wstring sha256OfFile(const std::wstring& path) {
 std::wstring wholePath(const std::wstring& path) {
     const DWORD size = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
     std::wstring whole(size, L'\0');
-    whole.resize(GetFullPathNameW(path.c_str(), size, whole.data(), nullptr));
-    return whole.empty() ? path : whole;
+    const DWORD length = GetFullPathNameW(path.c_str(), size, whole.data(), nullptr);
+    if (length == 0 || length >= size)
+        return path;
+    whole.resize(length);
+    return whole;
 }

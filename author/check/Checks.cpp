@@ -37,7 +37,8 @@ void Action::tellLength(Fault fault, Fault likely, Span place, const KnownText& 
 }
 
 ActionCode actionOf(const MadeElement& element, std::span<const ActionKeyword> keywords) {
-    const KnownText& text = *element.find(L"Action");
-    const ActionKeyword* keyword = text.exact ? findKeyword(keywords, text.text) : nullptr;
+    const KnownText* text = element.find(L"Action");
+    const ActionKeyword* keyword =
+        text && text->exact ? findKeyword(keywords, text->text) : nullptr;
     return keyword ? keyword->action : ActionCode{};
 }

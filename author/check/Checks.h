@@ -35,7 +35,7 @@ struct Action {
                     Modes modes = allModes) const;
 };
 
-/// What the `Action` of an element that could be made stands for; nothing for a text that can
+/// What the `Action` of an element stands for; nothing where there is none, for a text that can
 /// change and for one that is none of the words.
 ActionCode actionOf(const MadeElement& element, std::span<const ActionKeyword> keywords);
 

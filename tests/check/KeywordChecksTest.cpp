@@ -2,6 +2,24 @@
 
 using KeywordChecksTest = CPartsTest;
 
+namespace {
+
+/// A search for a file of at least this version.
+Parts search(const std::string& version) {
+    return {.sequence =
+                R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion=")" +
+                version + R"("/></Fragment>)",
+            .changing = true};
+}
+
+Parts variable(const std::string& type, const std::string& value) {
+    return {.component = file("a"),
+            .variables = R"(<Variable Id="X" Type=")" + type + R"(" Value=")" + value + R"("/>)",
+            .changing = true};
+}
+
+}  // namespace
+
 TEST_F(KeywordChecksTest, AWordThatIsNoneIsTold) {
     const Case cases[] = {
         {{.component = file("a", R"( Vital="#V")"), .changing = true}, ""},
@@ -18,41 +36,22 @@ TEST_F(KeywordChecksTest, AWordThatIsNoneIsTold) {
         {{.component = file("a", R"( SupportDelayInstall="true")")},
          "TZ322 `true` is no word of `SupportDelayInstall` and counts as `no`. -> did you mean "
          "`yes`?\n"},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion="#V"/></Fragment>)",
-          .changing = true},
-         ""},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion=""/></Fragment>)",
-          .changing = true},
-         ""},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion="1.2.3.4"/></Fragment>)",
-          .changing = true},
-         ""},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion="1.2.3.4.5"/></Fragment>)",
-          .changing = true},
+        {search("#V"), ""},
+        {search(""), ""},
+        {search("1.2.3.4"), ""},
+        {search("1.2.3.4.5"),
          "TZ329 `1.2.3.4.5` is no version. -> write up to four numbers with dots between them, "
          "such as 10.0.17763.\n"},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion="1..2"/></Fragment>)",
-          .changing = true},
+        {search("1..2"),
          "TZ329 `1..2` is no version. -> write up to four numbers with dots between them, such as "
          "10.0.17763.\n"},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion="99999"/></Fragment>)",
-          .changing = true},
+        {search("99999"),
          "TZ329 `99999` is no version. -> write up to four numbers with dots between them, such as "
          "10.0.17763.\n"},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion="100000"/></Fragment>)",
-          .changing = true},
+        {search("100000"),
          "TZ329 `100000` is no version. -> write up to four numbers with dots between them, such "
          "as 10.0.17763.\n"},
-        {{.sequence =
-              R"(<Fragment><FileSearch Name="a" Path="C:\y" Expression="N = 1" MinVersion="abc"/></Fragment>)",
-          .changing = true},
+        {search("abc"),
          "TZ329 `abc` is no version. -> write up to four numbers with dots between them, such as "
          "10.0.17763.\n"},
         {{.sequence =
@@ -67,55 +66,27 @@ TEST_F(KeywordChecksTest, AWordThatIsNoneIsTold) {
 
 TEST_F(KeywordChecksTest, AValueOfAVariableIsReadAsItStands) {
     const Case cases[] = {
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="int" Value="99999999999"/>)",
-          .changing = true},
+        {variable("int", "99999999999"),
          "TZ416 `99999999999` counts as 2147483647. -> keep to the range of -2147483648 to "
          "2147483647.\n"},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="int" Value="-99999999999"/>)",
-          .changing = true},
+        {variable("int", "-99999999999"),
          "TZ416 `-99999999999` counts as -2147483648. -> keep to the range of -2147483648 to "
          "2147483647.\n"},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="int" Value="2147483647"/>)",
-          .changing = true},
-         ""},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="int" Value="-2147483648"/>)",
-          .changing = true},
-         ""},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="string" Value="99999999999"/>)",
-          .changing = true},
-         ""},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="string" Value="[ProgramFilesFolder]"/>)",
-          .changing = true},
+        {variable("int", "2147483647"), ""},
+        {variable("int", "-2147483648"), ""},
+        {variable("string", "99999999999"), ""},
+        {variable("string", "[ProgramFilesFolder]"),
          "TZ420 `[ProgramFilesFolder]` isn't replaced in the Value of a variable. -> write it "
          "where the value is used.\n"},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="string" Value="[R]"/>)",
-          .changing = true},
+        {variable("string", "[R]"),
          "TZ420 `[R]` isn't replaced in the Value of a variable. -> write it where the value is "
          "used.\n"},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="string" Value="[NONE]"/>)",
-          .changing = true},
-         ""},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="string" Value="#V"/>)",
-          .changing = true},
+        {variable("string", "[NONE]"), ""},
+        {variable("string", "#V"),
          "TZ420 `#V` isn't replaced in the Value of a variable. -> write it where the value is "
          "used.\n"},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="string" Value="#NONE"/>)",
-          .changing = true},
-         ""},
-        {{.component = file("a"),
-          .variables = R"(<Variable Id="X" Type="int" Value="1234567890"/>)",
-          .changing = true},
-         ""},
+        {variable("string", "#NONE"), ""},
+        {variable("int", "1234567890"), ""},
     };
     expectTold(cases);
 }

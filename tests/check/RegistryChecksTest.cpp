@@ -2,112 +2,51 @@
 
 using RegistryChecksTest = CPartsTest;
 
+namespace {
+
+/// A key that is made, with a value of these attributes in it, and removed at uninstall.
+Parts value(const std::string& attributes, bool changing = false) {
+    return {
+        .component = R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K">)"
+                     R"(<RegistryValue Name="N" )" +
+                     attributes + "/></RegistryKey>",
+        .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
+        .product =
+            R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
+        .on = R"( On="installupgrade")",
+        .changing = changing};
+}
+
+}  // namespace
+
 TEST_F(RegistryChecksTest, ANumberOfTheRegistryIsWrittenInDigits) {
     const Case cases[] = {
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="0x1g"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Type="REG_DWORD" Value="0x1g")"),
          "TZ502 `0x1g` is no decimal number. -> write digits alone, with a minus sign in front if "
          "need be.\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="0x1FFFFFFFF"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Type="REG_DWORD" Value="0x1FFFFFFFF")"),
          "TZ502 `0x1FFFFFFFF` is no decimal number. -> write digits alone, with a minus sign in "
          "front if need be.\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="0x"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Type="REG_DWORD" Value="0x")"),
          "TZ502 `0x` is no decimal number. -> write digits alone, with a minus sign in front if "
          "need be.\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="0X1F"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Type="REG_DWORD" Value="0X1F")"),
          "TZ502 `0X1F` is no decimal number. -> write digits alone: 31.\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="1x34"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Type="REG_DWORD" Value="1x34")"),
          "TZ502 `1x34` is no decimal number. -> write digits alone, with a minus sign in front if "
          "need be.\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Value="1"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
-         "TZ301 `RegistryValue` has no `Type`. -> add the attribute.\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="#V" Value="x"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")",
-          .changing = true},
-         ""},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="#V"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")",
-          .changing = true},
-         ""},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="2147483647"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
-         ""},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="-2147483648"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
-         ""},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="-9999999999"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Value="1")"), "TZ301 `RegistryValue` has no `Type`. -> add the attribute.\n"},
+        {value(R"(Type="#V" Value="x")", true), ""},
+        {value(R"(Type="REG_DWORD" Value="#V")", true), ""},
+        {value(R"(Type="REG_DWORD" Value="2147483647")"), ""},
+        {value(R"(Type="REG_DWORD" Value="-2147483648")"), ""},
+        {value(R"(Type="REG_DWORD" Value="-9999999999")"),
          "TZ503 `-9999999999` is written as -2147483648. -> beyond 2147483647 write the negative "
          "number of the same bits.\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="[ProgramFilesFolder]"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
-         ""},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DOWRD" Value="x"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Type="REG_DWORD" Value="[ProgramFilesFolder]")"), ""},
+        {value(R"(Type="REG_DOWRD" Value="x")"),
          "TZ327 `REG_DOWRD` is no word of `Type`. -> did you mean `REG_DWORD`?\n"},
-        {{.component =
-              R"(<RegistryKey Action="create" Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_DWORD" Value="01z"/></RegistryKey>)",
-          .sequence = R"(<Feature><ComponentRef Id="U"/></Feature>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="U" On="uninstall"><RegistryKey Action="remove" Root="HKEY_CURRENT_USER" Key="K"/></Component></DirectoryRef>)",
-          .on = R"( On="installupgrade")"},
+        {value(R"(Type="REG_DWORD" Value="01z")"),
          "TZ502 `01z` is no decimal number. -> write digits alone, with a minus sign in front if "
          "need be.\n"},
     };
@@ -132,6 +71,9 @@ TEST_F(RegistryChecksTest, KeysAreReadByWhatTheyDo) {
          ""},
         {{.component =
               R"(<RegistryKey Root="HKEY_CURRENT_USER" Key="K"><RegistryValue Name="N" Type="REG_SZ" Value="1"/></RegistryKey>)"},
+         "TZ301 `RegistryKey` has no `Action`. -> add the attribute.\n"},
+        {{.component =
+              R"(<RegistryKey Root="HKEY_CURRENT_USER" Key="K"><Condition Expression="OS_MAJOR_VERSION E 6"><RegistryValue Name="N" Type="REG_SZ" Value="1"/></Condition></RegistryKey>)"},
          "TZ301 `RegistryKey` has no `Action`. -> add the attribute.\n"},
         {{.component =
               R"(<RegistryKey Action="#V" Root="HKEY_CURRENT_USER" Key="K"><Condition Expression="OS_MAJOR_VERSION E 6"><RegistryValue Name="N" Type="REG_SZ" Value="1"/></Condition></RegistryKey>)",

@@ -2,6 +2,35 @@
 
 using RemovalChecksTest = CPartsTest;
 
+namespace {
+
+std::string call(const std::string& library) {
+    return R"(<Fragment><CustomAction DllFile=")" + library +
+           R"(" DllEntry="e" Return="no"/></Fragment>)";
+}
+
+/// A call into a library, in a product that has its root directory.
+Parts callWithRoot(const std::string& library) {
+    return {.sequence = call(library),
+            .product = R"(<Directory Id="APPLICATIONROOTDIRECTORY" Path="C:\y"/>)",
+            .changing = true};
+}
+
+/// A call into a.dll behind the component D of this definition.
+Parts callBeside(const std::string& component) {
+    return {.sequence = R"(<Feature><ComponentRef Id="D"/></Feature>)" + call("a.dll"),
+            .product = component};
+}
+
+const std::string rootUnused =
+    "TZ207 Nothing uses `Directory` `APPLICATIONROOTDIRECTORY`. -> remove it, or refer to it "
+    "as [Id].\n";
+const std::string rootMissing =
+    "TZ509 There is no `Directory` with the Id `APPLICATIONROOTDIRECTORY`, without which no "
+    "function is called. -> give the product's Directory this Id.\n";
+
+}  // namespace
+
 TEST_F(RemovalChecksTest, AWholeDriveAndAFolderOfTheSystemAreNotTheProducts) {
     const Case cases[] = {
         {{.component = file("a"), .sequence = removal("1:"), .changing = true},
@@ -42,68 +71,42 @@ TEST_F(RemovalChecksTest, AWholeDriveAndAFolderOfTheSystemAreNotTheProducts) {
 
 TEST_F(RemovalChecksTest, ALibraryIsNamedByItsWholePath) {
     const Case cases[] = {
-        {{.sequence =
-              R"(<Fragment><CustomAction DllFile="#V" DllEntry="e" Return="no"/></Fragment>)",
-          .product = R"(<Directory Id="APPLICATIONROOTDIRECTORY" Path="C:\y"/>)",
-          .changing = true},
-         "TZ207 Nothing uses `Directory` `APPLICATIONROOTDIRECTORY`. -> remove it, or refer to it "
-         "as [Id].\n"},
-        {{.sequence = R"(<Fragment><CustomAction DllFile="" DllEntry="e" Return="no"/></Fragment>)",
-          .product = R"(<Directory Id="APPLICATIONROOTDIRECTORY" Path="C:\y"/>)",
-          .changing = true},
-         "TZ207 Nothing uses `Directory` `APPLICATIONROOTDIRECTORY`. -> remove it, or refer to it "
-         "as [Id].\n"
-         "TZ507 The `DllFile` is empty. -> fill it.\n"},
-        {{.sequence =
-              R"(<Fragment><CustomAction DllFile="a.dll" DllEntry="e" Return="no"/></Fragment>)",
-          .product = R"(<Directory Id="APPLICATIONROOTDIRECTORY" Path="C:\y"/>)",
-          .changing = true},
-         "TZ207 Nothing uses `Directory` `APPLICATIONROOTDIRECTORY`. -> remove it, or refer to it "
-         "as [Id].\n"
-         "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
-         "[APPLICATIONROOTDIRECTORY]a.dll.\n"},
-        {{.sequence =
-              R"(<Feature><ComponentRef Id="D"/></Feature><Fragment><CustomAction DllFile="a.dll" DllEntry="e" Return="no"/></Fragment>)",
-          .product =
-              R"(<DirectoryRef Id="R"><Component Id="D"><File Name="A.dll" Source="a"/></Component></DirectoryRef>)"},
-         "TZ509 There is no `Directory` with the Id `APPLICATIONROOTDIRECTORY`, without which no "
-         "function is called. -> give the product's Directory this Id.\n"
-         "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
-         "[R]a.dll.\n"},
-        {{.sequence =
-              R"(<Feature><ComponentRef Id="D"/></Feature><Fragment><CustomAction DllFile="a.dll" DllEntry="e" Return="no"/></Fragment>)",
-          .product =
-              R"(<Directory Path="C:\y"><Component Id="D"><File Name="A.dll" Source="a"/></Component></Directory>)"},
+        {callWithRoot("#V"), rootUnused},
+        {callWithRoot(""), rootUnused + "TZ507 The `DllFile` is empty. -> fill it.\n"},
+        {callWithRoot("a.dll"),
+         rootUnused +
+             "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
+             "[APPLICATIONROOTDIRECTORY]a.dll.\n"},
+        {callBeside(
+             R"(<DirectoryRef Id="R"><Component Id="D"><File Name="A.dll" Source="a"/></Component></DirectoryRef>)"),
+         rootMissing +
+             "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
+             "[R]a.dll.\n"},
+        {callBeside(
+             R"(<Directory Path="C:\y"><Component Id="D"><File Name="A.dll" Source="a"/></Component></Directory>)"),
          "TZ609 `C:\\y` stays after uninstall, empty or not. -> remove it by a RemoveDirectory "
-         "On=\"uninstall\" at the end of the sequence.\n"
-         "TZ509 There is no `Directory` with the Id `APPLICATIONROOTDIRECTORY`, without which no "
-         "function is called. -> give the product's Directory this Id.\n"
-         "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
-         "[R]a.dll.\n"
-         "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the product's "
-         "alone.\n"},
-        {{.sequence =
-              R"(<Feature><ComponentRef Id="D"/></Feature><Fragment><CustomAction DllFile="a.dll" DllEntry="e" Return="no"/></Fragment>)",
-          .product =
-              R"(<Directory Id="Y" Path="C:\y"><Component Id="D"><Condition Expression="OS_MAJOR_VERSION E 6"><File Name="A.dll" Source="a"/></Condition></Component></Directory>)"},
+         "On=\"uninstall\" at the end of the sequence.\n" +
+             rootMissing +
+             "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
+             "[R]a.dll.\n"
+             "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the "
+             "product's alone.\n"},
+        {callBeside(
+             R"(<Directory Id="Y" Path="C:\y"><Component Id="D"><Condition Expression="OS_MAJOR_VERSION E 6"><File Name="A.dll" Source="a"/></Condition></Component></Directory>)"),
          "TZ609 `C:\\y` stays after uninstall, empty or not. -> add <RemoveDirectory "
-         "Path=\"[Y]\"/> to a Fragment On=\"uninstall\" at the end of the sequence.\n"
-         "TZ509 There is no `Directory` with the Id `APPLICATIONROOTDIRECTORY`, without which no "
-         "function is called. -> give the product's Directory this Id.\n"
-         "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
-         "[Y]a.dll.\n"
-         "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the product's "
-         "alone.\n"},
-        {{.sequence =
-              R"(<Feature><ComponentRef Id="D"/></Feature><Fragment><CustomAction DllFile="a.dll" DllEntry="e" Return="no"/></Fragment>)",
-          .product =
-              R"(<Directory Id="ProgramFilesFolder"><Component Id="D"><File Name="b.dll" Source="a"/></Component></Directory>)"},
-         "TZ509 There is no `Directory` with the Id `APPLICATIONROOTDIRECTORY`, without which no "
-         "function is called. -> give the product's Directory this Id.\n"
-         "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
-         "[R]a.dll.\n"
-         "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the product's "
-         "alone.\n"},
+         "Path=\"[Y]\"/> to a Fragment On=\"uninstall\" at the end of the sequence.\n" +
+             rootMissing +
+             "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
+             "[Y]a.dll.\n"
+             "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the "
+             "product's alone.\n"},
+        {callBeside(
+             R"(<Directory Id="ProgramFilesFolder"><Component Id="D"><File Name="b.dll" Source="a"/></Component></Directory>)"),
+         rootMissing +
+             "TZ706 `a.dll` is named without its path. -> name it with its whole path, such as "
+             "[R]a.dll.\n"
+             "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the "
+             "product's alone.\n"},
     };
     expectTold(cases);
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <fstream>
 #include <iostream>
 #include <limits>
 #include <optional>
@@ -158,6 +159,17 @@ TEST(CLogLineTest, IsWrittenToAFileOfExactlyTheLargestSize) {
 TEST(CLogLineTest, IsTheFirstInAFileThatHadGrownPastTheLargestSize) {
     const LogFile log;
     writeFile(logPath, std::string(largestSize + 1, 'x'));
+
+    writeLog(INFO, "text");
+
+    EXPECT_THAT(log.lines(), ElementsAre("[INFO] text"));
+}
+
+TEST(CLogLineTest, EmptiesAFileThatSomebodyReads) {
+    const LogFile log;
+    writeFile(logPath, std::string(largestSize + 1, 'x'));
+    const std::ifstream reader(logPath);
+    ASSERT_TRUE(reader);
 
     writeLog(INFO, "text");
 

@@ -110,9 +110,33 @@ protected:
         return headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
     }
 
-    static void setOffset(std::string& bytes, LONG offset) {
-        std::memcpy(&bytes[offsetof(IMAGE_DOS_HEADER, e_lfanew)], &offset, sizeof offset);
+    template <class Record>
+    static void put(std::string& bytes, size_t at, const Record& record) {
+        bytes.replace(at, sizeof record, reinterpret_cast<const char*>(&record), sizeof record);
     }
+
+    static void setOffset(std::string& bytes, LONG offset) {
+        put(bytes, offsetof(IMAGE_DOS_HEADER, e_lfanew), offset);
+    }
+
+    /// Has the library export one name, whose address is found at another. Each address is an
+    /// offset in the file then, and what is exported is told in place of the program for DOS.
+    static void exportOnly(DWORD name, DWORD addressOfName, std::string& bytes,
+                           IMAGE_NT_HEADERS64& headers) {
+        LONG at = 0;
+        std::memcpy(&at, &bytes[offsetof(IMAGE_DOS_HEADER, e_lfanew)], sizeof at);
+        IMAGE_SECTION_HEADER wholeFile{};
+        wholeFile.SizeOfRawData = UINT32_MAX;
+        put(bytes, static_cast<size_t>(at) + sizeof headers, wholeFile);
+        IMAGE_EXPORT_DIRECTORY directory{};
+        directory.NumberOfNames = 1;
+        directory.AddressOfNames = addressOfName;
+        put(bytes, sizeof(IMAGE_DOS_HEADER), directory);
+        put(bytes, nameAddress, name);
+        exportsOf(headers).VirtualAddress = sizeof(IMAGE_DOS_HEADER);
+    }
+
+    static constexpr DWORD nameAddress = sizeof(IMAGE_DOS_HEADER) + sizeof(IMAGE_EXPORT_DIRECTORY);
 };
 
 TEST_F(DamagedLibraryTest, LibraryWithoutSoundHeadersIsNone) {
@@ -131,6 +155,16 @@ TEST_F(DamagedLibraryTest, LibraryWithoutSoundHeadersIsNone) {
         EXPECT_EQ(load(damaged(damages[i])), DWORD{ERROR_BAD_EXE_FORMAT}) << "damage " << i;
 }
 
+TEST_F(DamagedLibraryTest, NameIsReadWhereItsAddressPoints) {
+    const std::wstring path = damaged([](std::string& bytes, auto& headers) {
+        put(bytes, nameAddress + sizeof nameAddress, "only");
+        exportOnly(nameAddress + sizeof nameAddress, nameAddress, bytes, headers);
+    });
+    const HMODULE library = libraryCalls.LoadLibraryW(path.c_str());
+    EXPECT_NE(libraryCalls.GetProcAddress(library, "only"), nullptr);
+    EXPECT_EQ(libraryCalls.GetProcAddress(library, "countCalls"), nullptr);
+}
+
 TEST_F(DamagedLibraryTest, FunctionsThatAreNotInTheFileAreNotThere) {
     const Damage damages[] = {
         [](std::string&, auto&) {},
@@ -142,6 +176,16 @@ TEST_F(DamagedLibraryTest, FunctionsThatAreNotInTheFileAreNotThere) {
         [](std::string&, auto& headers) {
             headers.FileHeader.NumberOfSections = UINT16_MAX;
             exportsOf(headers).VirtualAddress = INT32_MAX;
+        },
+        [](std::string& bytes, auto& headers) {
+            setOffset(bytes, static_cast<LONG>(bytes.size()));
+            bytes.append(reinterpret_cast<const char*>(&headers), sizeof headers);
+        },
+        [](std::string& bytes, auto& headers) {
+            exportOnly(nameAddress, INT32_MAX, bytes, headers);
+        },
+        [](std::string& bytes, auto& headers) {
+            exportOnly(INT32_MAX, nameAddress, bytes, headers);
         },
     };
     for (size_t i = 0; i < std::size(damages); ++i) {
