@@ -120,9 +120,9 @@ ROWS = [
     Counted("allocations for a visited File", "VisitCostTest.FileStaysWithinItsAllocations", 15),
     Counted("allocations for a visited ComponentRef over two directory chains of 8",
             "VisitCostTest.ReferenceOverTwoChainsOfDirectoriesStaysWithinItsAllocations", 60),
-    Timed("walk of {more:,} elements, time for each : of {few:,}", "walk/{more}", "walk/{few}", 1.05),
-    Grown("walk of {many:,} elements, time for each, less what the bare tree takes more : of {few:,}",
-          "walk/{many}", "walk/{few}", 1.05, tree=("tree/{many}", "tree/{few}")),
+    *(Grown(f"walk of {{{size}:,}} elements, time for each, less what the bare tree takes more : of {{few:,}}",
+            f"walk/{{{size}}}", "walk/{few}", 1.05, tree=(f"tree/{{{size}}}", "tree/{few}"))
+      for size in ("more", "many")),
     Timed("{conditions:,} Conditions over {manyVariables:,} variables : over {fewVariables}",
           "conditions/{conditions}/{manyVariables}", "conditions/{conditions}/{fewVariables}", 1.05),
     Timed("evaluation of OS_BIT E 64 AND ( ! Flag OR Count GE 3 ) : by muParser",

@@ -8,7 +8,7 @@ import sys
 
 import installers
 
-REPETITIONS = 7
+REPETITIONS = 11
 
 
 class Machine:
