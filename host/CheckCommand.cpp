@@ -46,34 +46,34 @@ class TextCheckReporter final : public CheckReporter {
 
 class JsonCheckReporter final : public CheckReporter {
     void started(const std::wstring& script) override {
-        JsonLine(L"start")
-            .add(L"schema", schemaVersion)
-            .add(L"version", programVersion())
-            .add(L"script", script)
-            .add(L"sha256", sha256OfFile(script));
+        writeJsonLine(jsonEvent(L"start")
+                          .add(L"schema", schemaVersion)
+                          .add(L"version", programVersion())
+                          .add(L"script", script)
+                          .add(L"sha256", sha256OfFile(script)));
     }
     void found(const ScriptFinding& finding) override {
-        JsonLine(L"finding")
-            .add(L"severity", severityWord(finding.severity))
-            .add(L"code", finding.code)
-            .add(L"endsRun", finding.endsRun)
-            .add(L"file", finding.file)
-            .add(L"line", finding.line)
-            .add(L"column", finding.column)
-            .add(L"length", finding.length)
-            .add(L"text", finding.text)
-            .add(L"help", finding.help)
-            .add(L"source", finding.sourceLine);
+        writeJsonLine(jsonEvent(L"finding")
+                          .add(L"severity", severityWord(finding.severity))
+                          .add(L"code", finding.code)
+                          .add(L"endsRun", finding.endsRun)
+                          .add(L"file", finding.file)
+                          .add(L"line", finding.line)
+                          .add(L"column", finding.column)
+                          .add(L"length", finding.length)
+                          .add(L"text", finding.text)
+                          .add(L"help", finding.help)
+                          .add(L"source", finding.sourceLine));
     }
     void failed(const std::wstring& problem) override {
-        JsonLine(L"problem").add(L"text", problem);
+        writeJsonLine(jsonEvent(L"problem").add(L"text", problem));
     }
     void finished(const FindingCounts& counts, Ending ending) override {
-        JsonLine(L"end")
-            .add(L"exitCode", exitCodeOf(ending))
-            .add(L"errors", counts.errors)
-            .add(L"warnings", counts.warnings)
-            .add(L"notes", counts.notes);
+        writeJsonLine(jsonEvent(L"end")
+                          .add(L"exitCode", exitCodeOf(ending))
+                          .add(L"errors", counts.errors)
+                          .add(L"warnings", counts.warnings)
+                          .add(L"notes", counts.notes));
     }
 };
 

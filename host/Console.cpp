@@ -26,6 +26,8 @@ constexpr wchar_t endOfInput = 0x1A;
 /// Of the console's input; 0 when there is nothing to restore.
 std::atomic<DWORD> modeBefore = 0;
 
+std::atomic<DWORD> firstOutputError = ERROR_SUCCESS;
+
 }  // namespace
 
 bool isTerminal(Stream stream) {
@@ -44,13 +46,22 @@ bool canAsk() {
            isConsoleSeen();
 }
 
-unsigned long write(Stream stream, const std::wstring& text) {
+void write(Stream stream, const std::wstring& text) {
     const HANDLE handle = handleOf(stream);
-    if (!isConsole(handle))
-        return writeBytes(handle, toUtf8Lines(text));
     DWORD written = 0;
-    WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-    return ERROR_SUCCESS;  // what a console doesn't show can't be told on it, either
+    if (isConsole(handle)) {
+        // What it doesn't show can't be told on it, either.
+        WriteConsoleW(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+        return;
+    }
+    const DWORD error = writeBytes(handle, toUtf8Lines(text));
+    DWORD none = ERROR_SUCCESS;
+    if (stream == Stream::output)
+        firstOutputError.compare_exchange_strong(none, error);
+}
+
+unsigned long outputError() {
+    return firstOutputError;
 }
 
 void writeWithoutMemory(Stream stream, const wchar_t* text) {

@@ -12,8 +12,11 @@ bool isTerminal(Stream stream);
 bool canAsk();
 
 /// Writes a text: to a terminal as it is, to anything else as UTF-8 with the line ends of Windows.
-/// Gives the system's error code; 0 when it is written.
-unsigned long write(Stream stream, const std::wstring& text);
+void write(Stream stream, const std::wstring& text);
+
+/// The system's error code of the first text that couldn't be written to the output; 0 while all
+/// has been.
+unsigned long outputError();
 
 /// The same of a text in ASCII, for those who have no memory left.
 void writeWithoutMemory(Stream stream, const wchar_t* text);

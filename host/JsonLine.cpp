@@ -49,6 +49,10 @@ JsonObject& JsonObject::put(const wchar_t* name, const std::wstring& json) {
     return *this;
 }
 
-JsonLine::~JsonLine() {
-    write(Stream::output, text() + L"\n");
+JsonObject jsonEvent(const wchar_t* name) {
+    return JsonObject().add(L"event", name);
+}
+
+void writeJsonLine(const JsonObject& object) {
+    write(Stream::output, object.text() + L"\n");
 }

@@ -36,11 +36,8 @@ private:
     std::wstring members;
 };
 
-/// One object on a line of the standard output, written when its life ends.
-class JsonLine : public JsonObject {
-public:
-    explicit JsonLine(const wchar_t* event) { add(L"event", event); }
-    JsonLine(const JsonLine&) = delete;
-    JsonLine& operator=(const JsonLine&) = delete;
-    ~JsonLine();
-};
+/// What the output tells of an event, to which more can be added.
+JsonObject jsonEvent(const wchar_t* name);
+
+/// Writes an object on a line of the output.
+void writeJsonLine(const JsonObject& object);

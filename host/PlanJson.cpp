@@ -10,7 +10,7 @@ constexpr const wchar_t* kindWords[] = {L"group",  L"element", L"condition", L"s
                                         L"action", L"change",  L"failure",   L"left-out"};
 constexpr const wchar_t* fateWords[] = {L"vital", L"not-vital", L"ends-run"};
 
-void addOfKind(const Step& step, JsonLine& line) {
+void addOfKind(const Step& step, JsonObject& line) {
     switch (step.kind) {
         case TEMZ_STEP_CONDITION:
             line.add(L"expression", step.object)
@@ -60,13 +60,14 @@ void addOfKind(const Step& step, JsonLine& line) {
 }
 
 void writeStep(const Step& step) {
-    JsonLine line(L"step");
+    JsonObject line = jsonEvent(L"step");
     line.add(L"kind", std::wstring(kindWords[step.kind - 1]))
         .add(L"depth", step.depth)
         .add(L"line", step.line)
         .add(L"element", step.element)
         .add(L"id", step.id);
     addOfKind(step, line);
+    writeJsonLine(line);
 }
 
 void writeSummary(const PlanSummary& summary, int exitCode, const std::wstring& reason) {
@@ -76,39 +77,39 @@ void writeSummary(const PlanSummary& summary, int exitCode, const std::wstring& 
         drives.push_back(drive);
         bytes.push_back(needed);
     }
-    JsonLine(L"end")
-        .add(L"exitCode", exitCode)
-        .add(L"filesAdded", summary.filesAdded)
-        .add(L"filesReplaced", summary.filesReplaced)
-        .add(L"filesRemoved", summary.filesRemoved)
-        .add(L"filesAtRestart", summary.filesAtRestart)
-        .add(L"links", summary.links)
-        .add(L"keys", summary.keys)
-        .add(L"values", summary.values)
-        .add(L"services", summary.services)
-        .add(L"programs", summary.programs)
-        .add(L"drives", drives)
-        .add(L"bytesNeeded", bytes)
-        .add(L"vitalFailures", summary.vitalFailures)
-        .add(L"uncertainFailures", summary.uncertainFailures)
-        .add(L"otherFailures", summary.otherFailures)
-        .add(L"endsUnasked", summary.endsUnasked)
-        .add(L"unforeseeable", summary.unforeseeable)
-        .add(L"reason", reason);
+    writeJsonLine(jsonEvent(L"end")
+                      .add(L"exitCode", exitCode)
+                      .add(L"filesAdded", summary.filesAdded)
+                      .add(L"filesReplaced", summary.filesReplaced)
+                      .add(L"filesRemoved", summary.filesRemoved)
+                      .add(L"filesAtRestart", summary.filesAtRestart)
+                      .add(L"links", summary.links)
+                      .add(L"keys", summary.keys)
+                      .add(L"values", summary.values)
+                      .add(L"services", summary.services)
+                      .add(L"programs", summary.programs)
+                      .add(L"drives", drives)
+                      .add(L"bytesNeeded", bytes)
+                      .add(L"vitalFailures", summary.vitalFailures)
+                      .add(L"uncertainFailures", summary.uncertainFailures)
+                      .add(L"otherFailures", summary.otherFailures)
+                      .add(L"endsUnasked", summary.endsUnasked)
+                      .add(L"unforeseeable", summary.unforeseeable)
+                      .add(L"reason", reason));
 }
 
 }  // namespace
 
 void writePlanAsJson(const Plan& plan, int exitCode, const std::wstring& reason) {
     const PlanHeader& header = plan.header;
-    JsonLine(L"plan")
-        .add(L"schema", std::wstring(schemaVersion))
-        .add(L"version", header.version)
-        .add(L"windows", header.windows)
-        .add(L"mode", header.mode)
-        .add(L"script", header.script)
-        .add(L"sha256", header.scriptHash)
-        .add(L"assumptions", header.assumptions);
+    writeJsonLine(jsonEvent(L"plan")
+                      .add(L"schema", std::wstring(schemaVersion))
+                      .add(L"version", header.version)
+                      .add(L"windows", header.windows)
+                      .add(L"mode", header.mode)
+                      .add(L"script", header.script)
+                      .add(L"sha256", header.scriptHash)
+                      .add(L"assumptions", header.assumptions));
     for (const Step& step : plan.steps)
         writeStep(step);
     writeSummary(summaryOf(plan), exitCode, reason);

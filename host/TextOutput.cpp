@@ -22,6 +22,11 @@ std::wstring writeText(const std::wstring& path, const std::wstring& text, DWORD
     return path + L" can't be written: " + systemTextWithCode(error);
 }
 
+Ending refuse(const std::wstring& problem) {
+    write(Stream::error, L"temz: " + problem + L"\n");
+    return Ending::notCarriedOut;
+}
+
 }  // namespace
 
 std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
@@ -30,12 +35,17 @@ std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
 
 Ending giveText(const std::wstring& text, const std::wstring& file) {
     std::wstring problem;
-    if (!file.empty())
+    if (file.empty())
+        write(Stream::output, text);
+    else
         problem = writeText(file, text, CREATE_NEW);
-    else if (const unsigned long error = write(Stream::output, text); error != ERROR_SUCCESS)
-        problem = L"The output can't be written: " + systemTextWithCode(error);
-    if (problem.empty())
-        return Ending::done;
-    write(Stream::error, L"temz: " + problem + L"\n");
-    return Ending::notCarriedOut;
+    return problem.empty() ? Ending::done : refuse(problem);
+}
+
+Ending endOfTelling(Verb verb, Ending ending) {
+    const bool hasToldAll = outputError() == ERROR_SUCCESS;
+    const bool isResult = ending == Ending::done || ending == Ending::faultsFound;
+    if (hasToldAll || !isResult || verb == Verb::run || verb == Verb::verify)
+        return ending;
+    return refuse(L"The output can't be written: " + systemTextWithCode(outputError()));
 }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "CommandLine.h"
 #include "ExitCodes.h"
 
 /// Writes a text to a file, which is made or replaced, as UTF-8 with the line ends of Windows.
@@ -12,3 +13,7 @@ std::wstring writeTextFile(const std::wstring& path, const std::wstring& text);
 /// output. An author may have worked on a file that is there, so it isn't replaced; that it is
 /// there, or can't be written, is told.
 Ending giveText(const std::wstring& text, const std::wstring& file);
+
+/// How a command ends that would end so, now that it has told what it had to: a command that only
+/// tells something isn't carried out where the output couldn't be written, which is told.
+Ending endOfTelling(Verb verb, Ending ending);

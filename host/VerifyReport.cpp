@@ -75,44 +75,47 @@ private:
 class JsonReport final : public VerifyReport {
 public:
     void started(const std::wstring& script) override {
-        JsonLine(L"start")
-            .add(L"schema", std::wstring(L"temz-verify-1"))
-            .add(L"version", programVersion())
-            .add(L"script", script);
+        writeJsonLine(jsonEvent(L"start")
+                          .add(L"schema", std::wstring(L"temz-verify-1"))
+                          .add(L"version", programVersion())
+                          .add(L"script", script));
     }
 
     void runBegins(const std::wstring& /*mode*/, const std::wstring& /*script*/) override {}
 
     void runEnded(const std::wstring& mode, const std::wstring& script, int exitCode) override {
-        JsonLine(L"run").add(L"mode", mode).add(L"script", script).add(L"exitCode", exitCode);
+        writeJsonLine(
+            jsonEvent(L"run").add(L"mode", mode).add(L"script", script).add(L"exitCode", exitCode));
     }
 
     void installed(const Picture& before, const Picture& after) override {
-        JsonLine line(L"installed");
+        JsonObject line = jsonEvent(L"installed");
         for (const ThingKind kind : kinds)
             line.add(wordOf(kind), countNew(kind, before, after));
+        writeJsonLine(line);
     }
 
     void refused(const std::wstring& reason, Ending ending) override { end({}, ending, reason); }
 
     void finished(const std::vector<Difference>& differences, Ending ending) override {
         for (const Difference& difference : differences)
-            JsonLine(L"difference")
-                .add(L"what", std::wstring(wordOf(difference.aftermath)))
-                .add(L"kind", std::wstring(wordOf(difference.kind)))
-                .add(L"name", difference.name)
-                .add(L"detail", difference.detail);
+            writeJsonLine(jsonEvent(L"difference")
+                              .add(L"what", std::wstring(wordOf(difference.aftermath)))
+                              .add(L"kind", std::wstring(wordOf(difference.kind)))
+                              .add(L"name", difference.name)
+                              .add(L"detail", difference.detail));
         end(differences, ending, L"");
     }
 
 private:
     static void end(const std::vector<Difference>& differences, Ending ending,
                     const std::wstring& reason) {
-        JsonLine line(L"end");
+        JsonObject line = jsonEvent(L"end");
         line.add(L"exitCode", exitCodeOf(ending));
         for (const Aftermath aftermath : aftermaths)
             line.add(wordOf(aftermath), countOf(differences, aftermath));
         line.add(L"reason", reason);
+        writeJsonLine(line);
     }
 };
 

@@ -15,6 +15,7 @@
 #include "SchemaCommand.h"
 #include "ScriptRun.h"
 #include "Shortage.h"
+#include "TextOutput.h"
 #include "VerifyCommand.h"
 #include "Version.h"
 
@@ -92,7 +93,7 @@ int wmain(int count, wchar_t** arguments) {
             verb = command->verb;
         else if (wantsJson(count, arguments))
             tellInJson(problem, namedVerb(count, arguments));
-        const Ending ending = command ? carryOut(*command) : refuse(problem);
+        const Ending ending = command ? endOfTelling(verb, carryOut(*command)) : refuse(problem);
         if (command ? command->mayAsk() : count < 2)
             waitForKeyIfAlone();
         return exitCodeOf(ending);

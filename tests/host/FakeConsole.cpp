@@ -28,12 +28,13 @@ bool canAsk() {
     return console->someoneAnswers;
 }
 
-unsigned long write(Stream stream, const std::wstring& text) {
-    if (stream == Stream::output && console->writeError != 0)
-        return console->writeError;
+void write(Stream stream, const std::wstring& text) {
     (stream == Stream::output ? console->output : console->error) += text;
     console->shown += text;
-    return 0;
+}
+
+unsigned long outputError() {
+    return console->outputError;
 }
 
 void writeWithoutMemory(Stream stream, const wchar_t* text) {

@@ -15,7 +15,7 @@ public:
     bool terminal = true;
     bool someoneAnswers = true;
     size_t width = 60;
-    unsigned long writeError = 0;      ///< with which nothing can be written to the output
+    unsigned long outputError = 0;     ///< with which something couldn't be written
     int droppings = 0;                 ///< of what was typed ahead
     std::deque<std::wstring> answers;  ///< lines that the user types, then the input ends
 

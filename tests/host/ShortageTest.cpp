@@ -128,17 +128,18 @@ using ShortageOfTemzTest = SetupTest;
 
 TEST_F(ShortageOfTemzTest, EndsARunWithALineAndItsExitCodeWhereverItComes) {
     ship(L"install.xml", actionScript("failOneAllocation", ""));
-    unsigned long exitCode = 1603;
-    for (int succeeding = 0; exitCode != 0; ++succeeding) {
-        SetEnvironmentVariableW(L"TEMZ_TESTS_ALLOCATION", std::to_wstring(succeeding).c_str());
-        const ProgramRun run = temz(L"install install.xml");
-        exitCode = run.exitCode;
-        if (exitCode != 0) {
-            EXPECT_EQ(exitCode, 1603u) << succeeding;
-            EXPECT_THAT(run.error, HasSubstr("There isn't enough memory.\n")) << succeeding;
+    for (const std::wstring arguments : {L"install install.xml", L"install install.xml --json"}) {
+        unsigned long exitCode = 1603;
+        for (int succeeding = 0; exitCode != 0 && !HasFailure(); ++succeeding) {
+            SetEnvironmentVariableW(L"TEMZ_TESTS_ALLOCATION", std::to_wstring(succeeding).c_str());
+            const ProgramRun run = temz(arguments);
+            exitCode = run.exitCode;
+            if (exitCode != 0) {
+                EXPECT_EQ(exitCode, 1603u) << succeeding;
+                EXPECT_THAT(run.output + run.error, HasSubstr("There isn't enough memory."))
+                    << succeeding;
+            }
         }
-        if (HasFailure())
-            break;
     }
     SetEnvironmentVariableW(L"TEMZ_TESTS_ALLOCATION", nullptr);
 }

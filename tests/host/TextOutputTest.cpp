@@ -26,13 +26,30 @@ TEST_F(TextOutputTest, GoesToTheOutputOrToAFileThatIsNotThere) {
     EXPECT_EQ(console.error, L"");
 }
 
-TEST_F(TextOutputTest, IsNotGivenWhereTheOutputCannotBeWritten) {
-    console.writeError = ERROR_DISK_FULL;
+TEST_F(TextOutputTest, IsTheResultOfWhatRunsNothing) {
+    EXPECT_EQ(endOfTelling(Verb::check, Ending::faultsFound), Ending::faultsFound);
+    EXPECT_EQ(console.error, L"");
 
-    EXPECT_EQ(giveText(L"a\n", L""), Ending::notCarriedOut);
-
-    EXPECT_EQ(console.error,
-              L"temz: The output can't be written: " + systemTextWithCode(ERROR_DISK_FULL) + L"\n");
+    console.outputError = ERROR_DISK_FULL;
+    const struct {
+        Verb verb;
+        Ending ending;
+        Ending then;
+    } ends[] = {
+        {Verb::check, Ending::faultsFound, Ending::notCarriedOut},
+        {Verb::plan, Ending::done, Ending::notCarriedOut},
+        {Verb::help, Ending::done, Ending::notCarriedOut},
+        {Verb::plan, Ending::failed, Ending::failed},
+        {Verb::run, Ending::done, Ending::done},
+        {Verb::verify, Ending::faultsFound, Ending::faultsFound},
+    };
+    for (const auto& [verb, ending, then] : ends) {
+        console.error.clear();
+        EXPECT_EQ(endOfTelling(verb, ending), then);
+        EXPECT_EQ(console.error, then == ending ? L""
+                                                : L"temz: The output can't be written: " +
+                                                      systemTextWithCode(ERROR_DISK_FULL) + L"\n");
+    }
 }
 
 TEST_F(TextOutputTest, IsNotGivenWhereTheFileCannotHoldAllOfIt) {
@@ -64,15 +81,21 @@ TEST_F(TextOutputTest, IsNotGivenWhereTheFileCannotHoldAllOfIt) {
 using TextOutputOfTemzTest = SetupTest;
 
 TEST_F(TextOutputOfTemzTest, IsToldOfWhereItIsLedToWhatCannotBeWritten) {
-    const HandlePtr output = openInput(folder.write(L"output.txt", ""));
-    const HandlePtr error = openOutput(folder.path(L"error.txt"));
+    ship(L"install.xml", "<Script><Product><InstallExecuteSequence/></Product></Script>");
+    for (const wchar_t* arguments :
+         {L"schema", L"check install.xml", L"check install.xml --json", L"plan install.xml",
+          L"plan install.xml --json", L"help codes", L"explain 32", L"--version"}) {
+        const HandlePtr output = openInput(folder.write(L"output.txt", ""));
+        const HandlePtr error = openOutput(folder.path(L"error.txt"));
 
-    const HandlePtr process = startProgram(L"\"" + setup(L"temz.exe") + L"\" schema", folder.path(),
-                                           {nullptr, output.get(), error.get()});
+        const HandlePtr process =
+            startProgram(L"\"" + setup(L"temz.exe") + L"\" " + arguments,
+                         folder.path() + L"\\setup", {nullptr, output.get(), error.get()});
 
-    EXPECT_EQ(waitForProgram(process.get()), 2u);
-    EXPECT_EQ(withoutReturns(readFile(folder.path(L"error.txt"))),
-              "temz: The output can't be written: " + systemError(ERROR_ACCESS_DENIED) + "\n");
+        EXPECT_EQ(waitForProgram(process.get()), 2u) << utf8(arguments);
+        EXPECT_EQ(withoutReturns(readFile(folder.path(L"error.txt"))),
+                  "temz: The output can't be written: " + systemError(ERROR_ACCESS_DENIED) + "\n");
+    }
 }
 
 }  // namespace
