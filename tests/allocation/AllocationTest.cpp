@@ -14,6 +14,7 @@
 #include "support/LogFile.h"
 #include "support/TestFolder.h"
 #include "support/Text.h"
+#include "system/Exhaustion.h"
 #include "system/FileVersion.h"
 #include "system/HexText.h"
 #include "system/PathText.h"
@@ -210,6 +211,43 @@ TEST(AllocationTest, ContextSurvivesWhereverMemoryEnds) {
 
     EXPECT_TRUE(context.load(path.c_str()));
     EXPECT_EQ(context.getProduct()->run(&context), 0);
+}
+
+TEST(AllocationTest, InsufficientMemoryIsSaidWithoutMemoryTimeAndAgain) {
+    for (int i = 0; i < 3; ++i) {
+        std::optional<FailingAllocation> failing(std::in_place);
+        const InsufficientMemory message;
+        failing.reset();
+        EXPECT_EQ(message, std::wstring(L"Insufficient memory."));
+    }
+}
+
+// What is behind the document can't be had in part.
+TEST(AllocationTest, LoadThatRunsShortLeavesNothingAndSaysSo) {
+    const TestFolder folder;
+    const std::wstring path = folder.write(L"a.xml", script);
+    const size_t before = allocationsSoFar().allocations;
+    ASSERT_TRUE(openDocument(path.c_str()));
+    const size_t ofDocument = allocationsSoFar().allocations - before;
+    CContext context;
+
+    bool loaded = false;
+    for (size_t succeeding = ofDocument; !loaded && !HasFailure(); ++succeeding) {
+        bool threw = false;
+        bool failed = false;
+        {
+            const FailingAllocation failing(succeeding);
+            try {
+                loaded = context.load(path.c_str());
+            } catch (const std::bad_alloc&) {
+                threw = true;
+            }
+            failed = failing.hasFailed();
+        }
+        EXPECT_NE(loaded, failed) << succeeding;
+        EXPECT_TRUE(loaded || threw || !context.lastError.empty()) << succeeding;
+        EXPECT_EQ(context.getProduct() != nullptr, loaded) << succeeding;
+    }
 }
 
 // What a host that forgets to unload gets: only the object itself and the long text are released.

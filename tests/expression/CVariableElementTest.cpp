@@ -116,6 +116,17 @@ TEST_F(CVariableElementTest, AssignmentToAMissingValueDoesNothing) {
     EXPECT_FALSE(element->getAttribute(L"Value", value));
 }
 
+TEST_F(CVariableElementTest, ExchangeGivesTheOldTextForTheNew) {
+    ASSERT_TRUE(make(L"<Variable Id='V' Value='old' Type='string'/>"));
+    std::wstring text = L"new";
+
+    element->exchangeValueText(text);
+
+    EXPECT_EQ(text, L"old");
+    EXPECT_EQ(element->getValueText(), L"new");
+    EXPECT_EQ(element->getVariableType(), 1);
+}
+
 TEST_F(CVariableElementTest, AssignmentReplacesTheTextInMemoryAlone) {
     ASSERT_TRUE(make(L"<Variable Id='V' Value='old' Type='string'/>"));
     std::wstring written;

@@ -149,8 +149,10 @@ TEST_F(MakeStampedNameTest, ReadsTheTimeAgainAfterAFailure) {
         readable = false;
         EXPECT_EQ(stampedName(L"a.ico"), L"a.ico");
         EXPECT_EQ(stampedName(nullptr), L"");
+        EXPECT_STREQ(nameStamp(), L"");
         readable = true;
         EXPECT_EQ(stampedName(L"a.ico"), L"a20261114739.ico");
+        EXPECT_STREQ(nameStamp(), L"20261114739");
     });
 }
 
