@@ -96,22 +96,28 @@ void checkService(const Action& action) {
                            L"services are named without a path.");
 }
 
+const KnownText* pathOf(const MadeElement& element) {
+    return element.failed ? nullptr : element.find(pathAttribute);
+}
+
 /// The Directory around an element whose own path is a whole one, and is joined to that of the
-/// directory around it all the same; noElement if there is none.
+/// directory around it all the same; noElement if there is none. Sought as far as the path is
+/// handed down: what stands around that can be a circle.
 ElementNumber joinedDrive(const Action& action) {
     const ScriptModel& model = action.checked.model;
     ElementMaker& maker = action.checked.maker;
     ElementNumber around = action.node.parent;
     while (around != noElement) {
         const ElementNumber definition = maker.definitionOf(around);
-        around = definition == noElement ? noElement : model[definition].parent;
-        if (around == noElement || !model[definition].is(directoryKind) ||
-            !model[definition].find(pathAttribute))
-            continue;
-        const MadeElement& outer = maker.onDemand(around);
-        const KnownText* above = outer.failed ? nullptr : outer.find(pathAttribute);
-        const KnownText* whole = maker.onDemand(definition).find(pathAttribute);
-        if (!above || !whole || above->text.empty())
+        const bool isDirectory = definition != noElement && model[definition].is(directoryKind);
+        if (definition == noElement || (isDirectory && !model[definition].find(pathAttribute)))
+            return noElement;
+        around = model[definition].parent;
+        const KnownText* above = around == noElement ? nullptr : pathOf(maker.onDemand(around));
+        if (!above)
+            return noElement;
+        const KnownText* whole = pathOf(maker.onDemand(definition));
+        if (!isDirectory || !whole || above->text.empty())
             continue;
         std::wstring_view own = std::wstring_view(whole->text).substr(above->text.size());
         own.remove_prefix(std::min(own.find_first_not_of(L"\\/"), own.size()));

@@ -34,6 +34,42 @@ TEST_F(FileChecksTest, NamesOfFilesAreReadAsWindowsReadsThem) {
     expectTold(cases);
 }
 
+TEST_F(FileChecksTest, AFileWhosePlaceStandsInACircleIsChecked) {
+    const std::string component = "<Component Id=\"F\">" + file("a?") + "</Component>";
+    const auto scriptWith = [](const std::string& circle) {
+        return Parts{.sequence = R"(<Feature><ComponentRef Id="F"/></Feature>)", .product = circle};
+    };
+    const std::string fileTold =
+        "TZ514 `a?` has a character that Windows refuses. -> take < > | \" * ? out of it.\n";
+    const std::string removalTold =
+        "TZ704 `C:\\x` is beside what the product installs. -> make sure that it is the product's "
+        "alone.\n";
+    const Case cases[] = {
+        {scriptWith(R"(<DirectoryRef Id="WindowsFolder"><Directory Id="WindowsFolder">)" +
+                    component + "</Directory></DirectoryRef>"),
+         fileTold + removalTold},
+        {scriptWith(R"(<DirectoryRef Id="WindowsFolder"><Directory Id="WindowsFolder">)"
+                    R"(<Directory Path="in">)" +
+                    component + "</Directory></Directory></DirectoryRef>"),
+         R"(TZ609 `[WindowsFolder]\in` stays after uninstall, empty or not. -> remove it by a )"
+         "RemoveDirectory On=\"uninstall\" at the end of the sequence.\n" +
+             fileTold + removalTold},
+        {scriptWith(R"(<ComponentRef Id="F"><Directory Id="WindowsFolder">)" + component +
+                    "</Directory></ComponentRef>"),
+         "TZ204 `ComponentRef` means nothing in `Product` and is passed over. -> put it into an "
+         "element that may hold it.\n"
+         "TZ312 What stands in a `ComponentRef` is never read. -> put it into the `Component` that "
+         "it refers to.\n" +
+             fileTold},
+        {scriptWith(R"(<DirectoryRef Id="D"><Odd><Directory Id="D" Path="C:\d">)" + component +
+                    "</Directory></Odd></DirectoryRef>"),
+         "TZ204 `Odd` means nothing in `DirectoryRef` and is passed over. -> correct its name, or "
+         "move it to where it has one.\n" +
+             fileTold},
+    };
+    expectTold(cases);
+}
+
 TEST_F(FileChecksTest, AServiceIsNamedWithoutAPath) {
     const Case cases[] = {
         {{.sequence =

@@ -6,7 +6,7 @@
 //
 // A moment is one of the calls, counted from 1, by which the engine changes the machine: before it
 // is made, or with half of the file written that it writes. The exit code is 0 when the run has
-// succeeded, or endedAtMoment.
+// succeeded, endedAtMoment, or 100 and the code of what has failed.
 
 #include <windows.h>
 
@@ -83,14 +83,14 @@ private:
     std::ofstream list;
 };
 
-bool run(const wchar_t* script, int32_t mode) {
+int run(const wchar_t* script, int32_t mode) {
     CContext context;
     if (!context.load(script))
-        return false;
+        return EXIT_FAILURE;
     context.runMode = mode;
-    const bool succeeded = context.getProduct()->run(&context) == 0;
-    context.unload();
-    return succeeded;
+    if (context.getProduct()->run(&context) == 0)
+        return EXIT_SUCCESS;
+    return 100 + static_cast<int>(context.getProduct()->errorInfo.code);
 }
 
 }  // namespace
@@ -102,7 +102,5 @@ int wmain(int count, wchar_t** arguments) {
     Fuse fuse = what == L"list" ? Fuse(arguments[4])
                                 : Fuse(what, count == 5 ? wcstoul(arguments[4], nullptr, 10) : 0);
     const CallWrapper<Fuse> wrapper(fuse);
-    return run(arguments[1], static_cast<int32_t>(wcstol(arguments[2], nullptr, 10)))
-               ? EXIT_SUCCESS
-               : EXIT_FAILURE;
+    return run(arguments[1], static_cast<int32_t>(wcstol(arguments[2], nullptr, 10)));
 }
