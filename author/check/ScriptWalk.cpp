@@ -100,9 +100,9 @@ void ScriptWalk::run() {
     if (sequence == noElement)
         return;
     Visit& first = visited.emplace_back();
-    first = {sequence, &maker.onDemand(sequence), true, allModes, allModes, allModes, allModes};
+    first = {sequence, &maker.onDemand(sequence), false, allModes, allModes, allModes, allModes};
     visitsOf[sequence] = known.size();
-    known.push_back({0, nullptr, true, none});
+    known.push_back({0, nullptr, false, none});
     tellMaking(first, true);
     enter(first, allModes, allModes, nullptr, 0);
     while (!frames.empty()) {

@@ -42,6 +42,7 @@ private:
             tellNoProduct();
             return false;
         }
+        ElementMaker::tellProblems(checked.maker.onDemand(model.product()), true, false, report);
         if (model.sequence() == noElement) {
             std::vector<std::wstring_view> names;
             for (ElementNumber child = model[model.product()].firstChild; child != noElement;

@@ -60,6 +60,18 @@ const Limit limits[] = {
              6, "<Variable Type=\"int\" Value=\"1\" Id=\"" + letters(length) + "\"/>");
      },
      255},
+    {"TZ432", "ProductId",
+     [](size_t length) {
+         std::string script = inFragment("");
+         return script.insert(script.find("<Product") + 8, " Id=\"" + letters(length) + "\"");
+     },
+     255},
+    {"TZ432", "SequenceId",
+     [](size_t length) {
+         std::string script = inFragment("");
+         return script.insert(script.find("Sequence") + 8, " Id=\"" + letters(length) + "\"");
+     },
+     255},
     {"TZ512", "RemoveDirectory",
      [](size_t length) {
          return inFragment("<RemoveDirectory Vital=\"no\" Path=\"[R]" +
