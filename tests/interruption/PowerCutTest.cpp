@@ -99,6 +99,7 @@ protected:
 
     /// After the interruption the run is made again, at once, and comes to the same.
     void finishAtOnce(Stage stage) {
+        EXPECT_TRUE(product().settle());
         EXPECT_EQ(runHost(product(), stage), 0u);
         EXPECT_THAT(differences(product().state(), courseOf(stage).after), IsEmpty());
         product().letGo();

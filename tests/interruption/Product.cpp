@@ -144,7 +144,7 @@ std::string Product::keys(const std::string& version) const {
 
 std::string Product::serviceAction(const std::string& action) const {
     return element("ServiceControl",
-                   "Wait='no' Action='" + action + "'" + attribute("Name", service->name()));
+                   "Wait='yes' Action='" + action + "'" + attribute("Name", service->name()));
 }
 
 std::string Product::installedLast() const {

@@ -26,6 +26,9 @@ public:
     /// What the user and other programs do before a stage.
     void prepare(Stage next);
 
+    /// Waits until the service, which no end of a host program ends, isn't on its way any more.
+    bool settle() const { return service->waitUntilSettled(); }
+
     /// Other programs let go of the product's files and its own ends, as when the machine is
     /// switched off.
     void letGo();

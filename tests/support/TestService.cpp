@@ -26,6 +26,18 @@ Handle openService(const wchar_t* name) {
     return Handle(OpenServiceW(openManager().get(), name, SERVICE_ALL_ACCESS));
 }
 
+/// Whether it holds within the time that a service may take.
+template <class Condition>
+bool waitUntil(const Condition& holds) {
+    const ULONGLONG start = GetTickCount64();
+    while (!holds()) {
+        if (GetTickCount64() - start > patience)
+            return false;
+        Sleep(pollInterval);
+    }
+    return true;
+}
+
 }  // namespace
 
 TestService::TestService(const Conduct& conduct) {
@@ -74,13 +86,14 @@ uint32_t TestService::state() const {
 }
 
 bool TestService::waitFor(uint32_t wanted) const {
-    const ULONGLONG start = GetTickCount64();
-    while (state() != wanted) {
-        if (GetTickCount64() - start > patience)
-            return false;
-        Sleep(pollInterval);
-    }
-    return true;
+    return waitUntil([&] { return state() == wanted; });
+}
+
+bool TestService::waitUntilSettled() const {
+    return waitUntil([this] {
+        const uint32_t now = state();
+        return now == gone || now == SERVICE_STOPPED || now == SERVICE_RUNNING;
+    });
 }
 
 uint32_t TestService::startType() const {

@@ -35,6 +35,8 @@ public:
     uint32_t state() const;
     /// Waits, at most for some seconds, until it is in this state.
     bool waitFor(uint32_t wanted) const;
+    /// Waits as long until it isn't on its way to another state.
+    bool waitUntilSettled() const;
     /// One of the system's SERVICE_..._START.
     uint32_t startType() const;
 
