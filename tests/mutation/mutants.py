@@ -28,6 +28,8 @@ NOT_DROPPED = {
     "protected", "private", "extern", "if", "else", "for", "while", "do", "switch", "case", "default",
     "try", "catch", "return", "const", "constexpr", "auto", "static", "typedef", "friend",
 }  # fmt: skip
+# What the line behind it, which has no braces of its own, is told with.
+HEADING = re.compile(r" *(?:if|else if|for|while) \(.*\)\n")
 # Results that their type's default equals.
 ALREADY_DEFAULT = {"{}", "false", "nullptr", "0", 'L""', "std::nullopt"}
 
@@ -161,15 +163,18 @@ def mutants_of(file, source):
     }
     made = []
     for start, end, replacement in sorted(changes):
-        first = bisect.bisect_right(lines, start) - 1
+        number = bisect.bisect_right(lines, start)
         last = bisect.bisect_right(lines, end) - 1
         line_end = lines[last + 1] if last + 1 < len(lines) else len(source)
+        first = number - 1
+        while first > 0 and HEADING.fullmatch(source, lines[first - 1], lines[first]):
+            first -= 1
         before = source[lines[first] : line_end]
         offset = lines[first]
         after = before[: start - offset] + replacement + before[end - offset :]
         if "static_assert" in before:
             continue
         made.append(
-            Mutant(file, start, end, replacement, first + 1, one_line(before), one_line(after))
+            Mutant(file, start, end, replacement, number, one_line(before), one_line(after))
         )
     return made
