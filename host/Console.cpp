@@ -48,6 +48,8 @@ bool canAsk() {
 
 void write(Stream stream, const std::wstring& text) {
     const HANDLE handle = handleOf(stream);
+    if (handle == nullptr)
+        return;
     DWORD written = 0;
     if (isConsole(handle)) {
         // What it doesn't show can't be told on it, either.

@@ -12,14 +12,15 @@ bool isTerminal(Stream stream);
 bool canAsk();
 
 /// Writes a text: to a terminal as it is, to anything else as UTF-8 with the line ends of Windows.
+/// What is for a stream that the program hasn't got is for nobody.
 void write(Stream stream, const std::wstring& text);
+
+/// The same of a text in ASCII, for those who have no memory left.
+void writeWithoutMemory(Stream stream, const wchar_t* text);
 
 /// The system's error code of the first text that couldn't be written to the output; 0 while all
 /// has been.
 unsigned long outputError();
-
-/// The same of a text in ASCII, for those who have no memory left.
-void writeWithoutMemory(Stream stream, const wchar_t* text);
 
 /// Reads one line from the terminal. False when there is none any more, or Ctrl+Z in it.
 bool readLine(std::wstring& line);

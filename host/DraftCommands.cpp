@@ -7,11 +7,6 @@
 
 namespace {
 
-Ending refuse(const std::wstring& problem, Ending ending = Ending::notCarriedOut) {
-    write(Stream::error, L"temz: " + problem + L"\n");
-    return ending;
-}
-
 /// Reads the folder and gives out what `draft` makes of it.
 template <class Draft>
 Ending giveDraft(const CommandLine& command, const Draft& draft) {
@@ -20,7 +15,7 @@ Ending giveDraft(const CommandLine& command, const Draft& draft) {
     const std::optional<Folder> folder = readPayloadFolder(command.payload, problem);
     const auto payload = folder ? payloadOf(*folder, notes, problem) : std::nullopt;
     if (!payload)
-        return refuse(problem);
+        return endWith(Ending::notCarriedOut, problem);
     const std::wstring script = draft(*payload, notes);
     for (const std::wstring& note : notes)
         write(Stream::error, L"temz: " + note + L"\n");
@@ -31,8 +26,8 @@ Ending giveDraft(const CommandLine& command, const Draft& draft) {
 
 Ending giveProduct(const CommandLine& command) {
     if (const std::wstring fault = faultOfProductName(command.name); !fault.empty())
-        return refuse(L"The product's directory can't be called " + command.name + L": " + fault,
-                      Ending::badCommandLine);
+        return endWith(Ending::badCommandLine,
+                       L"The product's directory can't be called " + command.name + L": " + fault);
     return giveDraft(command, [&command](const Payload& payload, Notes& notes) {
         return draftProduct(command.name, payload, notes);
     });

@@ -1,6 +1,5 @@
 #include "SchemaCommand.h"
 
-#include "Console.h"
 #include "GivenText.h"
 #include "TextOutput.h"
 
@@ -9,6 +8,5 @@ Ending giveSchema(const CommandLine& command) {
     const temz_status status = takeText(temz_schema, schema);
     if (status == TEMZ_OK)
         return giveText(schema, command.out);
-    write(Stream::error, std::wstring(L"temz: ") + temz_status_text(status) + L"\n");
-    return Ending::notCarriedOut;
+    return endWith(Ending::notCarriedOut, temz_status_text(status));
 }

@@ -22,12 +22,12 @@ std::wstring writeText(const std::wstring& path, const std::wstring& text, DWORD
     return path + L" can't be written: " + systemTextWithCode(error);
 }
 
-Ending refuse(const std::wstring& problem) {
-    write(Stream::error, L"temz: " + problem + L"\n");
-    return Ending::notCarriedOut;
-}
-
 }  // namespace
+
+Ending endWith(Ending ending, const std::wstring& problem) {
+    write(Stream::error, L"temz: " + problem + L"\n");
+    return ending;
+}
 
 std::wstring writeTextFile(const std::wstring& path, const std::wstring& text) {
     return writeText(path, text, CREATE_ALWAYS);
@@ -39,7 +39,7 @@ Ending giveText(const std::wstring& text, const std::wstring& file) {
         write(Stream::output, text);
     else
         problem = writeText(file, text, CREATE_NEW);
-    return problem.empty() ? Ending::done : refuse(problem);
+    return problem.empty() ? Ending::done : endWith(Ending::notCarriedOut, problem);
 }
 
 Ending endOfTelling(Verb verb, Ending ending) {
@@ -47,5 +47,6 @@ Ending endOfTelling(Verb verb, Ending ending) {
     const bool isResult = ending == Ending::done || ending == Ending::faultsFound;
     if (hasToldAll || !isResult || verb == Verb::run || verb == Verb::verify)
         return ending;
-    return refuse(L"The output can't be written: " + systemTextWithCode(outputError()));
+    return endWith(Ending::notCarriedOut,
+                   L"The output can't be written: " + systemTextWithCode(outputError()));
 }

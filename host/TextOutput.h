@@ -5,6 +5,9 @@
 #include "CommandLine.h"
 #include "ExitCodes.h"
 
+/// Tells what is wrong, and gives the ending.
+Ending endWith(Ending ending, const std::wstring& problem);
+
 /// Writes a text to a file, which is made or replaced, as UTF-8 with the line ends of Windows.
 /// Gives why it can't be written; empty when it is.
 std::wstring writeTextFile(const std::wstring& path, const std::wstring& text);

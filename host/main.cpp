@@ -22,8 +22,7 @@
 namespace {
 
 Ending refuse(const std::wstring& problem) {
-    write(Stream::error, L"temz: " + problem + L" See temz help.\n");
-    return Ending::badCommandLine;
+    return endWith(Ending::badCommandLine, problem + L" See temz help.");
 }
 
 /// A reader of JSON gets the lines of the command that he has asked for, and those of a run where

@@ -16,7 +16,7 @@ export TEMZ_WHOLE_SWEEPS=1
 
 # Runs the tests of a room that a pattern names, of which there must be one.
 sweep() {
-    scripts/wine-run.sh "$tests/$1/temz_$1_tests.exe" "--gtest_filter=$2" | tee /dev/stderr |
+    scripts/wine-run.sh "$tests/$1/temz_$1_tests.exe" "--gtest_filter=$2" | tee >(cat >&2) |
         grep '  PASSED  \] [1-9]' >/dev/null
 }
 

@@ -100,24 +100,30 @@ const KnownText* pathOf(const MadeElement& element) {
     return element.failed ? nullptr : element.find(pathAttribute);
 }
 
+/// Whether what stands in a place goes to where the place itself stands, or below.
+bool takesPathFromAround(const ElementNode& place) {
+    if (place.is(directoryKind))
+        return place.find(pathAttribute) || !isFolderWord(place.id());
+    return place.is(componentKind) || place.is(conditionKind);
+}
+
 /// The Directory around an element whose own path is a whole one, and is joined to that of the
-/// directory around it all the same; noElement if there is none. Sought as far as the path is
-/// handed down: what stands around that can be a circle.
+/// directory around it all the same; noElement if there is none.
 ElementNumber joinedDrive(const Action& action) {
     const ScriptModel& model = action.checked.model;
     ElementMaker& maker = action.checked.maker;
-    ElementNumber around = action.node.parent;
-    while (around != noElement) {
+    // Comes to an end: what takes its path from itself isn't made, and what stands in it neither.
+    for (ElementNumber around = action.node.parent; around != noElement;) {
         const ElementNumber definition = maker.definitionOf(around);
-        const bool isDirectory = definition != noElement && model[definition].is(directoryKind);
-        if (definition == noElement || (isDirectory && !model[definition].find(pathAttribute)))
+        if (definition == noElement || !takesPathFromAround(model[definition]))
             return noElement;
         around = model[definition].parent;
-        const KnownText* above = around == noElement ? nullptr : pathOf(maker.onDemand(around));
-        if (!above)
-            return noElement;
+        if (around == noElement || !model[definition].is(directoryKind) ||
+            !model[definition].find(pathAttribute))
+            continue;
+        const KnownText* above = pathOf(maker.onDemand(around));
         const KnownText* whole = pathOf(maker.onDemand(definition));
-        if (!isDirectory || !whole || above->text.empty())
+        if (!above || !whole || above->text.empty())
             continue;
         std::wstring_view own = std::wstring_view(whole->text).substr(above->text.size());
         own.remove_prefix(std::min(own.find_first_not_of(L"\\/"), own.size()));

@@ -61,6 +61,15 @@ TEST_F(FileChecksTest, AFileWhosePlaceStandsInACircleIsChecked) {
          "TZ312 What stands in a `ComponentRef` is never read. -> put it into the `Component` that "
          "it refers to.\n" +
              fileTold},
+        {scriptWith(R"(<ComponentRef Id="F"><RemoveDirectory Path="C:\y">)" + component +
+                    "</RemoveDirectory></ComponentRef>"),
+         "TZ204 `ComponentRef` means nothing in `Product` and is passed over. -> put it into an "
+         "element that may hold it.\n"
+         "TZ204 `RemoveDirectory` means nothing in `ComponentRef` and is passed over. -> put it "
+         "into an element that may hold it.\n"
+         "TZ312 What stands in a `ComponentRef` is never read. -> put it into the `Component` that "
+         "it refers to.\n" +
+             fileTold},
         {scriptWith(R"(<DirectoryRef Id="D"><Odd><Directory Id="D" Path="C:\d">)" + component +
                     "</Directory></Odd></DirectoryRef>"),
          "TZ204 `Odd` means nothing in `DirectoryRef` and is passed over. -> correct its name, or "
@@ -68,6 +77,30 @@ TEST_F(FileChecksTest, AFileWhosePlaceStandsInACircleIsChecked) {
              fileTold},
     };
     expectTold(cases);
+}
+
+TEST_F(FileChecksTest, AWholePathIsFoundWhereverItIsPutBehindAnother) {
+    const struct {
+        std::string start;
+        std::string end;
+        bool isFound;
+    } places[] = {
+        {"", "", true},
+        {R"(<Directory Id="X">)", "</Directory>", true},
+        {R"(<Directory Path="in">)", "</Directory>", true},
+        {R"(<Directory Id="WindowsFolder">)", "</Directory>", false},
+        {R"(<RemoveDirectory Path="C:\y">)", "</RemoveDirectory>", false},
+    };
+    for (const auto& [start, end, isFound] : places) {
+        const std::string all =
+            told({.sequence = R"(<Feature><ComponentRef Id="F"/></Feature>)",
+                  .product = R"(<Directory Path="C:\a"><Directory Path="C:\b">)" + start +
+                             R"(<Component Id="F">)" + file("f") + "</Component>" + end +
+                             "</Directory></Directory>"});
+        EXPECT_EQ(all.find("TZ514 `C:\\b` is put behind") != std::string::npos, isFound)
+            << start << "\n"
+            << all;
+    }
 }
 
 TEST_F(FileChecksTest, AServiceIsNamedWithoutAPath) {

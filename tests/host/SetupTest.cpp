@@ -134,18 +134,6 @@ std::string SetupTest::missing(const std::string& name) const {
         "Put it where the script's Source says, counted from the folder of temz.exe.");
 }
 
-bool waitUntil(const std::function<bool()>& holds) {
-    constexpr DWORD patience = 30'000;  // milliseconds
-    constexpr DWORD pollInterval = 5;
-    const ULONGLONG start = GetTickCount64();
-    while (!holds()) {
-        if (GetTickCount64() - start > patience)
-            return false;
-        Sleep(pollInterval);
-    }
-    return true;
-}
-
 std::string withoutReturns(const std::string& text) {
     std::string lines;
     for (const char character : text) {

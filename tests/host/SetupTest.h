@@ -9,6 +9,7 @@
 
 #include "HostProgram.h"
 #include "support/TestFolder.h"
+#include "support/WaitUntil.h"
 
 /// What a program has left when it ended.
 struct ProgramRun {
@@ -86,9 +87,6 @@ std::string file(const std::string& name, const std::string& attributes = {});
 
 /// The system's message for an error code, without a line end.
 std::wstring systemMessage(unsigned long code);
-
-/// Waits for what other programs bring about; not for ever, and false then.
-bool waitUntil(const std::function<bool()>& holds);
 
 /// What is written to a file or a pipe, whose lines end as those of Windows, with plain line ends.
 std::string withoutReturns(const std::string& text);

@@ -89,13 +89,22 @@ TEST_F(TextOutputOfTemzTest, IsToldOfWhereItIsLedToWhatCannotBeWritten) {
         const HandlePtr error = openOutput(folder.path(L"error.txt"));
 
         const HandlePtr process =
-            startProgram(L"\"" + setup(L"temz.exe") + L"\" " + arguments,
-                         folder.path() + L"\\setup", {nullptr, output.get(), error.get()});
+            startProgram(L"\"" + setup(L"temz.exe") + L"\" " + arguments, folder.path(L"setup"),
+                         {nullptr, output.get(), error.get()});
 
         EXPECT_EQ(waitForProgram(process.get()), 2u) << utf8(arguments);
         EXPECT_EQ(withoutReturns(readFile(folder.path(L"error.txt"))),
                   "temz: The output can't be written: " + systemError(ERROR_ACCESS_DENIED) + "\n");
     }
+}
+
+TEST_F(TextOutputOfTemzTest, IsForNobodyWhereThereIsNone) {
+    ship(L"install.xml", "<Script><Product><InstallExecuteSequence/></Product></Script>");
+
+    const HandlePtr process = startProgram(L"\"" + setup(L"temz.exe") + L"\" check install.xml",
+                                           folder.path(L"setup"), {}, DETACHED_PROCESS);
+
+    EXPECT_EQ(waitForProgram(process.get()), 0u);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 //
 // A moment is one of the calls, counted from 1, by which the engine changes the machine: before it
 // is made, or with half of the file written that it writes. The exit code is 0 when the run has
-// succeeded, endedAtMoment, or 100 and the code of what has failed.
+// succeeded, 1 when it couldn't begin, 100 and the code of what has failed, or endedAtMoment.
 
 #include <windows.h>
 

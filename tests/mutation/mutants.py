@@ -29,9 +29,9 @@ NOT_DROPPED = {
     "try", "catch", "return", "const", "constexpr", "auto", "static", "typedef", "friend",
 }  # fmt: skip
 # What the line behind it, which has no braces of its own, is told with.
-HEADING = re.compile(r" *(?:if|else if|for|while) \(.*\)\n")
-# Results that their type's default equals.
-ALREADY_DEFAULT = {"{}", "false", "nullptr", "0", 'L""', "std::nullopt"}
+HEADING = re.compile(r" *(?:(?:if|else if|for|while) \(.*\)|else)\n")
+# Results that their type's default equals, and one that becomes it already.
+ALREADY_DEFAULT = {"{}", "true", "false", "nullptr", "0", 'L""', "std::nullopt"}
 
 
 @dataclass(frozen=True)

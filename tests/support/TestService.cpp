@@ -7,11 +7,9 @@
 
 #include "support/Requirements.h"
 #include "support/TestFolder.h"
+#include "support/WaitUntil.h"
 
 namespace {
-
-constexpr DWORD patience = 10'000;  // milliseconds
-constexpr DWORD pollInterval = 5;
 
 struct CloseService {
     void operator()(SC_HANDLE handle) const { CloseServiceHandle(handle); }
@@ -24,18 +22,6 @@ Handle openManager() {
 
 Handle openService(const wchar_t* name) {
     return Handle(OpenServiceW(openManager().get(), name, SERVICE_ALL_ACCESS));
-}
-
-/// Whether it holds within the time that a service may take.
-template <class Condition>
-bool waitUntil(const Condition& holds) {
-    const ULONGLONG start = GetTickCount64();
-    while (!holds()) {
-        if (GetTickCount64() - start > patience)
-            return false;
-        Sleep(pollInterval);
-    }
-    return true;
 }
 
 }  // namespace
