@@ -9,6 +9,8 @@ set -euo pipefail
 
 cd "$root"
 tests=build/release/tests
+scripts/setup.sh --tests
+[ -e build/release/build.ninja ] || cmake --preset release
 cmake --build --preset release --target temz_check_tests temz_plan_tests temz_allocation_tests \
     temz_hostile_tests temz_interruption_tests temz_endurance_tests temz_endtoend_tests \
     temz_endtoend_tests_utf8 temz TEMZC temz_example_action temz_example_service

@@ -35,6 +35,7 @@ protected:
 constexpr char delayed[] = "SupportDelayInstall='yes'";
 
 TEST_F(DelayedReplacementTest, PutsTheFileInPlaceAtTheNextRestart) {
+    const LogFile log;
     ASSERT_TRUE(loadFile("new", delayed));
     lock.emplace(app(L"a.txt"));
 
@@ -42,6 +43,7 @@ TEST_F(DelayedReplacementTest, PutsTheFileInPlaceAtTheNextRestart) {
 
     lock.reset();
     EXPECT_TRUE(product().rebootRequired);
+    EXPECT_THAT(log.lines(), ElementsAre(StartsWith("[WARNNING] Succeed to MoveFileEx, file=")));
     EXPECT_THAT(observer.failures, IsEmpty());
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "old"), Pair(L"a.txt!@#$%", "new")));
     restart();
@@ -79,6 +81,7 @@ TEST_F(DelayedReplacementTest, IsOvertakenByAReplacementAtOnce) {
 }
 
 TEST_F(DelayedReplacementTest, IsOfTheLastVersionThatWasInstalledBeforeTheRestart) {
+    const LogFile log;
     ASSERT_TRUE(loadFile("new", delayed));
     lock.emplace(app(L"a.txt"));
     EXPECT_EQ(run(RUNMODE_UPGRADE), 0);
@@ -89,6 +92,8 @@ TEST_F(DelayedReplacementTest, IsOfTheLastVersionThatWasInstalledBeforeTheRestar
 
     lock.reset();
     EXPECT_TRUE(product().rebootRequired);
+    EXPECT_THAT(log.lines(), ElementsAre(StartsWith("[WARNNING] Succeed to MoveFileEx, file="),
+                                         StartsWith("[WARNNING] Succeed to MoveFileEx, file=")));
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "old"), Pair(L"a.txt!@#$%", "newer")));
     restart();
     EXPECT_THAT(installedFiles(), ElementsAre(Pair(L"a.txt", "newer")));
